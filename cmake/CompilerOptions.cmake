@@ -1,0 +1,27 @@
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+option(KESTREL_WERROR "Treat warnings as errors" OFF)
+set(KESTREL_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize takes them")
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+if(KESTREL_WERROR)
+  add_compile_options(-Werror)
+endif()
+if(KESTREL_SANITIZE)
+  add_compile_options(-fsanitize=${KESTREL_SANITIZE} -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${KESTREL_SANITIZE})
+endif()
+
+# One of the folders log, common, ipc, jsapi, extension, as a static library of that name.
+function(kestrel_subsystem name)
+  cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "SOURCES;LINKS")
+  add_library(kestrel-${name} STATIC ${ARG_SOURCES})
+  target_include_directories(kestrel-${name} PUBLIC ${PROJECT_SOURCE_DIR})
+  target_link_libraries(kestrel-${name} PUBLIC ${ARG_LINKS})
+endfunction()

@@ -1,0 +1,93 @@
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "common/LinuxCommonUtils.h"
+#include "common/platform.h"
+
+namespace {
+
+// Programs of the client family that every complete installation holds, in the order tested.
+constexpr std::array kRootMarkers = {"KeyWardenDaemon", "ServiceLedger", "PrimaryKeyWarden",
+                                     "util/catalook"};
+
+constexpr std::size_t kMaxLinkTarget = 4'095;
+
+// The calling user's home directory as the password database has it, or "".
+std::string home_of_password_entry() {
+    const long suggested = sysconf(_SC_GETPW_R_SIZE_MAX);
+    std::vector<char> buffer(suggested > 0 ? static_cast<std::size_t>(suggested) : 16'384);
+    passwd entry{};
+    passwd* found = nullptr;
+    if (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found) != 0 ||
+        found == nullptr || found->pw_dir == nullptr) {
+        return "";
+    }
+    return found->pw_dir;
+}
+
+// The executable's directory and, if that is called "util", its parent.
+std::vector<std::string> roots_by_executable(const std::string& executable) {
+    const std::size_t slash = executable.rfind('/');
+    if (slash == std::string::npos) return {};
+    const std::string directory = executable.substr(0, slash);
+    const std::size_t parent = directory.rfind('/');
+    if (parent == std::string::npos || directory.substr(parent + 1) != "util") return {directory};
+    return {directory, directory.substr(0, parent)};
+}
+
+std::vector<std::string> root_candidates() {
+    std::vector<std::string> candidates;
+    if (const char* root = std::getenv("QUOROOT")) candidates.emplace_back(root);
+    for (std::string& root : roots_by_executable(LinuxCommonUtils::GetModulePath())) {
+        candidates.push_back(std::move(root));
+    }
+    candidates.emplace_back("/opt/Veltrane/QUOClient");
+    candidates.push_back(LinuxCommonUtils::getHomeDir() + "/QUOClient/" +
+                         std::string(kestrel::platform_directory(kestrel::kPlatformName)));
+    candidates.emplace_back("/usr/lib/QUOClient");
+    return candidates;
+}
+
+}  // namespace
+
+std::string LinuxCommonUtils::getHomeDir() {
+    if (const char* home = std::getenv("HOME")) return home;
+    return home_of_password_entry();
+}
+
+std::string LinuxCommonUtils::GetModulePath() {
+    std::array<char, kMaxLinkTarget> target{};
+    const ssize_t length = readlink("/proc/self/exe", target.data(), target.size());
+    if (length < 0) return "<unknown>";
+    return {target.data(), static_cast<std::size_t>(length)};
+}
+
+bool LinuxCommonUtils::ifFileExists(std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0;
+}
+
+// The root comes by value because the exported signature says so.
+bool LinuxCommonUtils::ifValidQUOROOT(std::string root) {  // NOLINT
+    if (root.empty()) return false;
+    for (const char* marker : kRootMarkers) {
+        std::string path = root + "/" + marker;
+        if (!ifFileExists(path)) return false;
+    }
+    return true;
+}
+
+std::string LinuxCommonUtils::getQUOROOT() {
+    for (const std::string& candidate : root_candidates()) {
+        if (ifValidQUOROOT(candidate)) return candidate;
+    }
+    std::fputs("No valid QUOROOT directory found\n", stderr);
+    return "";
+}

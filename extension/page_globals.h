@@ -1,0 +1,43 @@
+// The exported globals of the page's side. Programs that link the library read them by these plain
+// names; the page's own are written on the main thread only.
+#pragma once
+
+#include <JavaScriptCore/JavaScript.h>
+#include <webkit2/webkit-web-extension.h>
+
+#include <condition_variable>
+#include <mutex>
+#include <string>
+
+#pragma GCC visibility push(default)
+
+// The main frame last attached. Retained while they are the current ones.
+extern WebKitFrame* web_frame;
+extern WebKitScriptWorld* web_world;
+extern JSGlobalContextRef jsContext;
+extern JSObjectRef globalObject;
+
+// The install root and the resources text for the next page, never null. g_quoroot lives as long
+// as the process, a text in g_resources until the next page or the next type-34 message takes its
+// place.
+extern const char* g_quoroot;
+extern const char* g_resources;
+
+// Part of the exported interface; nothing in the library uses them.
+extern std::mutex mut;
+extern std::condition_variable con;
+extern int cl;
+extern bool fileURL_bool;
+
+extern "C" {
+
+extern std::string fileURL;
+
+// jsContext: null until a page is attached. Main thread.
+JSGlobalContextRef getJsContext();
+
+// Passes a printf format and its arguments on to syslog at LOG_DEBUG. Any thread.
+[[gnu::format(printf, 1, 2)]] void printLog(const char* format, ...);
+}
+
+#pragma GCC visibility pop

@@ -1,0 +1,115 @@
+#include "ipc/frame.h"
+
+#include <array>
+#include <charconv>
+#include <cstring>
+
+#include "ipc/error_line.h"
+
+namespace kestrel {
+namespace {
+
+// "-2147483648" is the longest text of an int.
+struct IntText {
+    explicit IntText(int value) {
+        length = static_cast<std::size_t>(
+            std::to_chars(text.data(), text.data() + text.size(), value).ptr - text.data());
+    }
+    std::array<char, 11> text;
+    std::size_t length;
+};
+
+char* append_item(char* at, std::string_view text) {
+    std::memcpy(at, text.data(), text.size());
+    at[text.size()] = '\0';
+    return at + text.size() + 1;
+}
+
+// The item that starts at `payload[position]`, or nothing if its NUL is missing.
+std::optional<std::string_view> next_item(std::span<const char> payload, std::size_t& position) {
+    const std::span<const char> rest = payload.subspan(position);
+    const void* nul = rest.empty() ? nullptr : std::memchr(rest.data(), '\0', rest.size());
+    if (nul == nullptr) return std::nullopt;
+    const auto length = static_cast<std::size_t>(static_cast<const char*>(nul) - rest.data());
+    position += length + 1;
+    return std::string_view(rest.data(), length);
+}
+
+constexpr bool is_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+}  // namespace
+
+std::optional<std::int32_t> payload_length(std::span<const std::size_t> text_lengths) {
+    std::size_t total = 0;
+    for (const std::size_t length : text_lengths) {
+        const std::size_t room = kMaxFrame - sizeof(webkit_message) - total;
+        if (length >= room) return std::nullopt;
+        total += length + 1;
+    }
+    return static_cast<std::int32_t>(total);
+}
+
+Frame build_frame(std::int32_t type, std::span<const int> ints,
+                  std::span<const std::string_view> strings) {
+    std::vector<std::size_t> lengths;
+    lengths.reserve(ints.size() + strings.size());
+    for (const int value : ints) lengths.push_back(IntText(value).length);
+    for (const std::string_view text : strings) lengths.push_back(text.size());
+
+    const std::optional<std::int32_t> total = payload_length(lengths);
+    if (!total) {
+        error_line("webkit_util::wrapMessage message is too long, not sent\n");
+        return nullptr;
+    }
+    const std::size_t size = sizeof(webkit_message) + static_cast<std::size_t>(*total);
+    Frame frame(static_cast<webkit_message*>(std::malloc(size)));
+    if (!frame) {
+        error_line("webkit_util::wrapMessage could not malloc, message not sent\n");
+        return nullptr;
+    }
+    *frame = {type, static_cast<std::int32_t>(ints.size()),
+              static_cast<std::int32_t>(strings.size()), *total};
+
+    char* at = payload_begin(*frame);
+    for (const int value : ints) {
+        const IntText item(value);
+        at = append_item(at, {item.text.data(), item.length});
+    }
+    for (const std::string_view text : strings) at = append_item(at, text);
+    return frame;
+}
+
+bool counts_are_possible(const webkit_message& header) {
+    return header.num_of_ints >= 0 && header.num_of_strings >= 0 &&
+           header.total_len_of_string >= 0 &&
+           std::int64_t{header.num_of_ints} + header.num_of_strings <= header.total_len_of_string;
+}
+
+int parse_int(std::string_view text) {
+    while (!text.empty() && is_space(text.front())) text.remove_prefix(1);
+    if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
+    int value = 0;
+    std::from_chars(text.data(), text.data() + text.size(), value);
+    return value;
+}
+
+bool decode_items(const webkit_message& frame, Items& items) {
+    if (!counts_are_possible(frame)) return false;
+    items.ints.resize(static_cast<std::size_t>(frame.num_of_ints));
+    items.strings.resize(static_cast<std::size_t>(frame.num_of_strings));
+    const std::span<const char> payload = payload_of(frame);
+    std::size_t position = 0;
+    for (int& value : items.ints) {
+        const auto text = next_item(payload, position);
+        if (!text) return false;
+        value = parse_int(*text);
+    }
+    for (std::string& value : items.strings) {
+        const auto text = next_item(payload, position);
+        if (!text) return false;
+        value = *text;
+    }
+    return true;
+}
+
+}  // namespace kestrel

@@ -1,0 +1,65 @@
+// Checking and decoding of frames, and building them: the one framing code of extension and host.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "ipc/protocol.h"
+
+namespace kestrel {
+
+struct FreeDeleter {
+    void operator()(void* block) const { std::free(block); }
+};
+
+// A whole frame, header and payload in one malloc block.
+using Frame = std::unique_ptr<webkit_message, FreeDeleter>;
+
+inline char* payload_begin(webkit_message& frame) { return reinterpret_cast<char*>(&frame + 1); }
+
+inline std::span<const char> payload_of(const webkit_message& frame) {
+    return {reinterpret_cast<const char*>(&frame + 1),
+            static_cast<std::size_t>(frame.total_len_of_string)};
+}
+
+// Header and payload as they go over the wire.
+inline std::span<const char> bytes_of(const webkit_message& frame) {
+    return {reinterpret_cast<const char*>(&frame),
+            sizeof frame + static_cast<std::size_t>(frame.total_len_of_string)};
+}
+
+// Builds a frame. The strings must hold no NUL. Null, with a line on standard error, when the frame
+// would be longer than kMaxFrame or memory is out. Any thread.
+Frame build_frame(std::int32_t type, std::span<const int> ints,
+                  std::span<const std::string_view> strings);
+
+// The payload length of items with these text lengths (NULs not counted), or nothing when header
+// and payload together would exceed kMaxFrame.
+std::optional<std::int32_t> payload_length(std::span<const std::size_t> text_lengths);
+
+// Whether the header's counts are possible at all: none is negative, and the payload has at least
+// one byte an item. Call it before allocating anything by the counts.
+bool counts_are_possible(const webkit_message& header);
+
+// The value of an integer item as scanf's "%d" reads it; 0 for text that is no number or whose
+// number is not an int.
+int parse_int(std::string_view text);
+
+struct Items {
+    std::vector<int> ints;
+    std::vector<std::string> strings;
+};
+
+// Takes a frame's payload apart. False, with unspecified items, when the counts are impossible or
+// an item lacks its NUL; bytes behind the last item are ignored. The payload must be as long as the
+// header says.
+bool decode_items(const webkit_message& frame, Items& items);
+
+}  // namespace kestrel

@@ -1,0 +1,24 @@
+// Storage for an exported object that must outlive static destruction.
+//
+// The web process leaves through exit() while the detached reader thread is alive, so an object
+// that the reader may touch must never be destroyed. Exported class members must keep their plain
+// type for other programs, so the storage is defined under the member's linker name instead:
+//
+//     class Link { static std::string name; };
+//     [[gnu::visibility("default")]] constinit kestrel::NeverDestroyed<std::string>
+//         name_storage asm("_ZN4Link4nameB5cxx11E");
+#pragma once
+
+namespace kestrel {
+
+template <typename T>
+union NeverDestroyed {
+    constexpr NeverDestroyed() : object() {}
+    constexpr ~NeverDestroyed() {}
+    NeverDestroyed(const NeverDestroyed&) = delete;
+    NeverDestroyed& operator=(const NeverDestroyed&) = delete;
+
+    T object;
+};
+
+}  // namespace kestrel

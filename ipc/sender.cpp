@@ -1,0 +1,89 @@
+#include <pthread.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+
+#include "ipc/error_line.h"
+#include "ipc/frame.h"
+#include "ipc/link.h"
+#include "ipc/send.h"
+#include "log/zynlog.h"
+
+namespace {
+
+// Up to this size the kernel queues a frame whole or not at all; beyond it, a signal handler could
+// cut the write short half-way.
+constexpr std::size_t kIndivisibleWrite = 32'768;
+
+class SignalsBlocked {
+  public:
+    SignalsBlocked() {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &previous_);
+    }
+    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &previous_, nullptr); }
+    SignalsBlocked(const SignalsBlocked&) = delete;
+    SignalsBlocked& operator=(const SignalsBlocked&) = delete;
+
+  private:
+    sigset_t previous_{};
+};
+
+// One write. MSG_NOSIGNAL turns a peer that has gone into EPIPE without touching the process's
+// SIGPIPE disposition.
+ssize_t write_once(int fd, std::span<const char> bytes) {
+    ssize_t written = 0;
+    do {
+        written = send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+    } while (written == -1 && errno == EINTR);
+    return written;
+}
+
+ssize_t write_whole(int fd, std::span<const char> bytes) {
+    if (bytes.size() <= kIndivisibleWrite) return write_once(fd, bytes);
+    const SignalsBlocked blocked;
+    return write_once(fd, bytes);
+}
+
+}  // namespace
+
+void kestrel::write_frame(const webkit_message& frame) {
+    const std::span<const char> bytes = bytes_of(frame);
+    const ssize_t written = write_whole(load_server_fd(), bytes);
+    if (written == static_cast<ssize_t>(bytes.size())) return;
+
+    if (written > 0) {
+        __ZynTrace(kLogWebkit, kFatal, "", "", 0, "Partial write, exiting, value of wrv is %d\n",
+                   static_cast<int>(written));
+        ZynLogShutdown();
+    } else {
+        __ZynTrace(kLogWebkit, kFatal, "", "", 0, "Could not write, error: %s, exiting\n",
+                   std::strerror(errno));
+        ZynLogShutdown();
+        error_line("Error writing into the socket\n");
+    }
+    std::exit(-1);
+}
+
+void kestrel::send(std::int32_t type, std::span<const int> ints,
+                   std::span<const std::string_view> strings) {
+    const Frame frame = build_frame(type, ints, strings);
+    webkit_message* message = frame.get();
+    webkit_client::sendMessage(message);
+}
+
+void webkit_client::sendMessage(webkit_message*& message) {
+    if (message == nullptr) return;  // refused by wrapMessage, which has said why
+    const std::scoped_lock lock(kestrel::send_lock);
+    if (kestrel::load_server_fd() == -1) {
+        kestrel::error_line("webkit_client::sendMessage server_fd not initialized yet\n");
+        __ZynTrace(kestrel::kLogWebkit, kestrel::kError, "", "", 0,
+                   "server_fd not initialized yet, returning");
+        return;
+    }
+    kestrel::write_frame(*message);
+}

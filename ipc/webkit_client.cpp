@@ -1,0 +1,138 @@
+#include "ipc/webkit_client.h"
+
+#include <pthread.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include "ipc/error_line.h"
+#include "ipc/frame.h"
+#include "ipc/link.h"
+#include "ipc/never_destroyed.h"
+#include "log/zynlog.h"
+
+using kestrel::error_line;
+
+constinit int webkit_client::server_fd = -1;
+constinit webkit_client::InboundHandler* webkit_client::func_array = nullptr;
+constinit std::mutex webkit_client::mu;
+
+[[gnu::visibility("default")]] kestrel::NeverDestroyed<std::condition_variable> signal_storage asm(
+    "_ZN13webkit_client6signalE");
+
+constinit std::mutex kestrel::send_lock;
+
+namespace {
+
+using SocketPath = std::unique_ptr<char, kestrel::FreeDeleter>;
+
+// The kernel knows Unix addresses of up to 110 bytes; `path` has been checked to fit.
+sockaddr_un address_of(const char* path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::strncpy(address.sun_path, path, kestrel::kMaxSocketPath);
+    return address;
+}
+
+// One attempt; on success the announcement has gone out before any other sender's frame.
+bool connect_and_announce(int fd, const sockaddr_un& address) {
+    const std::scoped_lock lock(kestrel::send_lock);
+    int result = 0;
+    do {
+        result = connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    } while (result == -1 && errno == EINTR);
+    if (result == -1) return false;
+
+    const int pid = getpid();
+    const kestrel::Frame frame =
+        kestrel::build_frame(kestrel::to_host("announce"), std::array{pid}, {});
+    if (frame) kestrel::write_frame(*frame);
+    return true;
+}
+
+bool connect_with_retries(int fd, const sockaddr_un& address) {
+    bool connected = connect_and_announce(fd, address);
+    for (int retries = kestrel::kConnectRetries; !connected && retries > 0;) {
+        sleep(kestrel::kConnectRetrySeconds);
+        connected = connect_and_announce(fd, address);
+        --retries;
+        __ZynTrace(kestrel::kLogWebkit, kestrel::kInfo, "", "", 0,
+                   "Failed to connect to server, trying again after %d secs, retries left : %d",
+                   static_cast<int>(kestrel::kConnectRetrySeconds), retries);
+    }
+    return connected;
+}
+
+}  // namespace
+
+void webkit_client::initComm(InboundHandler* handlers, char* socket_path) {
+    SocketPath path(socket_path);
+    __ZynTrace(kestrel::kLogWebkit, kestrel::kInfo, "", "", 0, "+");
+    func_array = handlers;
+    if (std::strlen(path.get()) > kestrel::kMaxSocketPath) {
+        error_line("webkit_client::initComm socket path over 107 bytes, not connecting\n");
+        __ZynTrace(kestrel::kLogWebkit, kestrel::kError, "", "", 0,
+                   "Socket path over %d bytes, not connecting: %s\n",
+                   static_cast<int>(kestrel::kMaxSocketPath), path.get());
+        return;
+    }
+
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
+    pthread_t thread{};
+    const int error = pthread_create(&thread, &attributes, sinitComm, path.get());
+    pthread_attr_destroy(&attributes);
+    if (error == 0) {
+        (void)path.release();  // the thread's now
+    } else {
+        __ZynTrace(kestrel::kLogWebkit, kestrel::kError, "", "", 0,
+                   "Could not start the reader thread: %s\n", std::strerror(error));
+    }
+}
+
+void* webkit_client::sinitComm(void* socket_path) {
+    SocketPath path(static_cast<char*>(socket_path));
+    std::unique_lock lock(mu);
+
+    const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    kestrel::store_server_fd(fd);
+    if (fd == -1) {
+        error_line("Could not create socket!\n");
+        __ZynTrace(kestrel::kLogWebkit, kestrel::kError, "", "", 0, "Could not create socket");
+        return nullptr;
+    }
+    if (!connect_with_retries(fd, address_of(path.get()))) {
+        __ZynTrace(kestrel::kLogWebkit, kestrel::kError, "", "", 0,
+                   "Connection error with webkit_server");
+        error_line("Connection error!\n");
+        return nullptr;
+    }
+    path.reset();
+    lock.unlock();
+    signal.notify_one();
+    recvMessage();
+}
+
+void webkit_client::deinitComm() {
+    __ZynTrace(kestrel::kLogWebkit, kestrel::kInfo, "", "", 0, "+");
+    const int fd = kestrel::load_server_fd();
+    if (fd == -1) {
+        __ZynTrace(kestrel::kLogWebkit, kestrel::kWarning, "", "", 0,
+                   "server_fd is already closed\n");
+        return;
+    }
+    if (close(fd) == -1) {
+        const std::string reason = std::strerror(errno);
+        error_line("Could not close webkit_client::server_fd, error: " + reason + "\n");
+        __ZynTrace(kestrel::kLogWebkit, kestrel::kError, "", "", 0,
+                   "Could not close server_fd, error: %s\n", reason.c_str());
+    }
+    kestrel::store_server_fd(-1);
+}

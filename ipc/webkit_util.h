@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "ipc/protocol.h"
+
+// Building of frames and taking payloads apart, for programs that link the library. The extension
+// itself decodes in place (ipc/frame.h).
+class [[gnu::visibility("default")]] webkit_util {
+  public:
+    // Builds a frame of `type` with the integers, then the strings, in list order; a string is
+    // carried up to its first NUL. The caller owns the result and releases it with free(). Null,
+    // with a line on standard error, when the frame would not fit 32 bits or memory is out. Any
+    // thread.
+    static webkit_message* wrapMessage(int type, std::vector<int> ints,
+                                       std::vector<std::string> strings);
+
+    // Reads the integer item at `position` and moves `position` behind its NUL. 0 for an item that
+    // is no decimal number. `payload` must hold a NUL at or after `position`; `scratch` must be
+    // BUFSIZE (5,000,000) bytes of the caller's, which are all overwritten: the item, then zeros.
+    // Any thread, as long as the scratch buffer is that thread's own.
+    static int parseNextInt(int& position, char* payload, char*& scratch);
+
+    // The same for a string item. An item longer than the scratch buffer is cut to 4,999,999
+    // bytes; `position` moves behind its NUL all the same.
+    static std::string parseNextString(int& position, char* payload, char*& scratch);
+};

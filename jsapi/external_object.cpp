@@ -1,0 +1,39 @@
+#include <array>
+#include <utility>
+
+#include "jsapi/KsJS_proxy.h"
+#include "jsapi/page_method.h"
+#include "jsapi/script_text.h"
+
+namespace {
+
+constexpr std::size_t kMethods = kestrel::kPageMethods.size();
+
+template <std::size_t... index>
+constexpr std::array<JSStaticFunction, kMethods + 1> static_functions(
+    std::index_sequence<index...> /*rows*/) {
+    return {{{kestrel::kPageMethods[index].name.data(), kestrel::call_page_method<index>,
+              kJSPropertyAttributeReadOnly}...,
+             {nullptr, nullptr, 0}}};
+}
+
+constexpr auto kStaticFunctions = static_functions(std::make_index_sequence<kMethods>());
+
+// One class serves every page of the process.
+JSClassRef external_class() {
+    static const JSClassRef made = [] {
+        JSClassDefinition definition{};
+        definition.className = "JSAPI";
+        definition.staticFunctions = kStaticFunctions.data();
+        return JSClassCreate(&definition);
+    }();
+    return made;
+}
+
+}  // namespace
+
+void KsJS_proxy::loadJSAPI(JSGlobalContextRef context, JSObjectRef global) {
+    const JSObjectRef external = JSObjectMake(context, external_class(), nullptr);
+    const kestrel::ScriptString name = kestrel::make_script_string("external");
+    JSObjectSetProperty(context, global, name.get(), external, kJSPropertyAttributeNone, nullptr);
+}
