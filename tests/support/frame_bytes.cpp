@@ -1,0 +1,31 @@
+#include "tests/support/frame_bytes.h"
+
+namespace kestrel::testing {
+namespace {
+
+std::string int32_bytes(int value) {
+    std::string bytes;
+    for (int shift = 0; shift < 32; shift += 8) {
+        bytes += static_cast<char>((static_cast<unsigned>(value) >> shift) & 0xffU);
+    }
+    return bytes;
+}
+
+}  // namespace
+
+std::string header_bytes(int type, int num_of_ints, int num_of_strings, int total_len_of_string) {
+    return int32_bytes(type) + int32_bytes(num_of_ints) + int32_bytes(num_of_strings) +
+           int32_bytes(total_len_of_string);
+}
+
+std::string frame_bytes(int type, std::initializer_list<std::string_view> ints,
+                        std::initializer_list<std::string_view> strings) {
+    std::string payload;
+    for (const std::string_view item : ints) payload.append(item).push_back('\0');
+    for (const std::string_view item : strings) payload.append(item).push_back('\0');
+    return header_bytes(type, static_cast<int>(ints.size()), static_cast<int>(strings.size()),
+                        static_cast<int>(payload.size())) +
+           payload;
+}
+
+}  // namespace kestrel::testing
