@@ -7,6 +7,9 @@
 namespace kestrel {
 namespace {
 
+// Null once the page has been closed. A retained frame outlives its page and cannot tell.
+constinit WebKitWebPage* web_page = nullptr;
+
 // The plain function interface of the API; its replacement returns a JSC object we have no use for.
 JSGlobalContextRef context_of(WebKitFrame* frame) {
     G_GNUC_BEGIN_IGNORE_DEPRECATIONS
@@ -22,7 +25,8 @@ void set_context(JSGlobalContextRef context) {
 
 }  // namespace
 
-void attach_page(WebKitFrame* frame, WebKitScriptWorld* world) {
+void attach_page(WebKitWebPage* page, WebKitFrame* frame, WebKitScriptWorld* world) {
+    g_set_weak_pointer(&web_page, page);
     g_set_object(&web_frame, frame);
     g_set_object(&web_world, world);
     set_context(context_of(frame));
@@ -30,7 +34,7 @@ void attach_page(WebKitFrame* frame, WebKitScriptWorld* world) {
 
 RetainedContext current_page_context() {
     if (web_frame != nullptr) {
-        const JSGlobalContextRef shown = context_of(web_frame);
+        const JSGlobalContextRef shown = web_page == nullptr ? nullptr : context_of(web_frame);
         if (shown == nullptr) return nullptr;
         set_context(shown);
     }

@@ -16,9 +16,9 @@ struct ContextDeleter {
 // A script context that stays alive, whatever the script that runs in it does to its page.
 using RetainedContext = std::unique_ptr<std::remove_pointer_t<JSGlobalContextRef>, ContextDeleter>;
 
-// Makes `frame` of `world` the current page: retains it, its context and the world in the exported
-// globals and releases what they held.
-void attach_page(WebKitFrame* frame, WebKitScriptWorld* world);
+// Makes the main frame of `page` the current one: retains it, its context and the world in the
+// exported globals and releases what they held.
+void attach_page(WebKitWebPage* page, WebKitFrame* frame, WebKitScriptWorld* world);
 
 // The context of the page that the main frame shows now, or null when no page is attached or it has
 // gone. Follows the frame: WebKit announces no new window object when a page comes back from its

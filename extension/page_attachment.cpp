@@ -35,14 +35,14 @@ std::string zyns_script(const std::string& locale, const std::string& resources)
 
 }  // namespace
 
-void kestrel::on_window_object_cleared(WebKitScriptWorld* world, WebKitWebPage* /*page*/,
+void kestrel::on_window_object_cleared(WebKitScriptWorld* world, WebKitWebPage* page,
                                        WebKitFrame* frame, void* /*user_data*/) {
     if (webkit_frame_is_main_frame(frame) == FALSE) return;
     __ZynTrace(kLogKestrelExtension, kInfo, "", "", 0, "Major: %d, Minor: %d, Micro: %d",
                static_cast<int>(webkit_get_major_version()),
                static_cast<int>(webkit_get_minor_version()),
                static_cast<int>(webkit_get_micro_version()));
-    attach_page(frame, world);
+    attach_page(page, frame, world);
     KsJS_proxy::loadJSAPI(jsContext, globalObject);
 
     KsJS_proxy::resources = take_resources();

@@ -1,0 +1,110 @@
+// The host's three messages, in a page that is shown.
+#include "tests/support/stderr_capture.h"
+#include "tests/webkit/store_fixture.h"
+
+namespace kestrel::testing {
+namespace {
+
+using ::testing::HasSubstr;
+
+TEST_F(ConnectedStoreTest, RunsAScriptInThePage) {
+    host.send(0, {"document.title = 'set by the host'"});
+    EXPECT_TRUE(store.wait_for("document.title === 'set by the host'"));
+}
+
+TEST_F(ConnectedStoreTest, DeliversAnAnswerAndTellsTheHost) {
+    store.evaluate("window.onCaps = (...given) => { window.given = given.length }");
+    host.send(1, {"onCaps"});
+    ASSERT_TRUE(host.wait_for(33));
+    EXPECT_EQ(host.frames(33)[0].payload, "");
+    EXPECT_EQ(store.evaluate("window.given"), "0");
+}
+
+TEST_F(ConnectedStoreTest, DeliversFiveArgumentsToAnAjaxCompletion) {
+    store.evaluate("window.zyns_ajax_complete = (...given) => { window.given = given.join('|') }");
+    host.send(1, {"zyns_ajax_complete", "1", "2", "3", "4", "5"});
+    ASSERT_TRUE(host.wait_for(33));
+    EXPECT_EQ(store.evaluate("window.given"), "1|2|3|4|5");
+}
+
+TEST_F(ConnectedStoreTest, KeepsScriptsAndAnswersInOrder) {
+    store.evaluate("window.order = ''; window.answer = () => { order += 'a' }");
+    for (int i = 0; i < 50; ++i) {
+        host.send(0, {"order += 's'"});
+        host.send(1, {"answer"});
+    }
+    ASSERT_TRUE(host.wait_for(33, 50));
+    EXPECT_EQ(store.evaluate("order === 'sa'.repeat(50)"), "true");
+}
+
+TEST_F(ConnectedStoreTest, SurvivesScriptsThatChangeAnAnimatedPage) {
+    store.load(
+        "<body><div id=list></div><script>"
+        "let turn = 0;"
+        "(function animate() {"
+        "  list.style.transform = `rotate(${turn++}deg)`;"
+        "  list.append(document.createElement('p'));"
+        "  if (list.childElementCount > 50) list.replaceChildren();"
+        "  requestAnimationFrame(animate);"
+        "})();</script>");
+    for (int i = 0; i < 500; ++i) {
+        host.send(0, {"for (let n = 0; n < 20; ++n) {"
+                      "  const added = document.createElement('div');"
+                      "  added.innerHTML = '<b>text</b>'.repeat(10);"
+                      "  document.body.append(added); added.offsetHeight; added.remove();"
+                      "}"
+                      "window.runs = (window.runs || 0) + 1"});
+    }
+    EXPECT_TRUE(store.wait_for("window.runs === 500"));
+}
+
+TEST_F(ConnectedStoreTest, RunsAnswersButNoScriptsWhereThePageForbidsEval) {
+    store.load(
+        "<meta http-equiv=Content-Security-Policy content=\"script-src 'nonce-a'\">"
+        "<script nonce=a>window.answer = () => { document.title = 'answered' }</script>");
+    host.send(0, {"document.title = 'script'"});
+    host.send(1, {"answer"});
+    ASSERT_TRUE(host.wait_for(33));
+    EXPECT_EQ(store.evaluate("document.title"), "answered");
+}
+
+TEST_F(ConnectedStoreTest, IgnoresAnAnswerWhosePageHasBeenLeft) {
+    store.evaluate("window.onlyHere = () => {}");
+    store.load("<title>next</title>");
+    host.send(1, {"onlyHere"});
+    host.send(0, {"document.title = 'still alive'"});
+    EXPECT_TRUE(store.wait_for("document.title === 'still alive'"));
+    EXPECT_TRUE(host.frames(33).empty());
+}
+
+TEST_F(StoreTest, RefusesScriptsAndAnswersWhosePageHasBeenClosed) {
+    const StderrCapture captured;  // before the web process starts, which inherits it
+    host.listen();
+    StoreView store;
+    store.load("<title>store</title>");
+    {
+        StoreView second(store);
+        second.load("<title>second</title>");
+        host.send(0, {"document.title = 'reached'"});
+        ASSERT_TRUE(second.wait_for("document.title === 'reached'"));
+    }
+    host.send(0, {"document.title = 'lost'"});
+    host.send(1, {"String"});
+    EXPECT_TRUE(
+        wait_until([&] { return captured.text().find("ajaxrespfn") != std::string::npos; }));
+    EXPECT_THAT(captured.text(), HasSubstr("KsJS_proxy::insertJS: Error calling"));
+    EXPECT_EQ(store.evaluate("document.title"), "store");
+}
+
+TEST_F(ConnectedStoreTest, RunsScriptsInThePageThatIsShownAfterGoingBack) {
+    store.load("<title>first</title>");
+    store.evaluate("window.kept = true");
+    store.load("<title>second</title>");
+    store.go_back();
+    ASSERT_EQ(store.evaluate("window.kept"), "true") << "the page did not come from the cache";
+    host.send(0, {"document.title = 'reached'"});
+    EXPECT_TRUE(store.wait_for("document.title === 'reached'"));
+}
+
+}  // namespace
+}  // namespace kestrel::testing

@@ -1,0 +1,129 @@
+#include "tests/webkit/store_view.h"
+
+#include <array>
+#include <fstream>
+#include <memory>
+
+#include "tests/webkit/event_loop.h"
+
+namespace kestrel::testing {
+namespace {
+
+GVariant* strings_variant(const std::string& install_root, const std::string& resources) {
+    const std::array<const char*, 2> strings = {install_root.c_str(), resources.c_str()};
+    return g_variant_new_strv(strings.data(), strings.size());
+}
+
+std::string text_of(WebKitWebView* view, GAsyncResult* result) {
+    GError* error = nullptr;
+    JSCValue* value = webkit_web_view_evaluate_javascript_finish(view, result, &error);
+    if (value == nullptr) {
+        std::string text = std::string("error: ") + error->message;
+        g_error_free(error);
+        return text;
+    }
+    char* string = jsc_value_to_string(value);
+    std::string text = string;
+    g_free(string);
+    g_object_unref(value);
+    return text;
+}
+
+}  // namespace
+
+StoreView::StoreView(const std::string& install_root, const std::string& resources)
+    : StoreView(strings_variant(install_root, resources)) {}
+
+StoreView::StoreView(GVariant* user_data)
+    : user_data_(user_data == nullptr ? nullptr : g_variant_ref_sink(user_data)) {
+    WebKitWebContext* context = webkit_web_context_new_ephemeral();
+    g_signal_connect(context, "initialize-web-extensions",
+                     G_CALLBACK(+[](WebKitWebContext* starting, StoreView* self) {
+                         webkit_web_context_set_web_extensions_directory(starting,
+                                                                         EXTENSION_DIRECTORY);
+                         if (self->user_data_ == nullptr) return;
+                         webkit_web_context_set_web_extensions_initialization_user_data(
+                             starting, self->user_data_);
+                     }),
+                     this);
+    view_ = WEBKIT_WEB_VIEW(webkit_web_view_new_with_context(context));
+    g_object_unref(context);
+    show();
+}
+
+StoreView::StoreView(const StoreView& opener)
+    : view_(WEBKIT_WEB_VIEW(webkit_web_view_new_with_related_view(opener.view_))) {
+    show();
+}
+
+void StoreView::show() {
+    g_signal_connect(view_, "load-changed",
+                     G_CALLBACK(+[](WebKitWebView*, WebKitLoadEvent event, StoreView* self) {
+                         if (event == WEBKIT_LOAD_FINISHED) self->loaded_ = true;
+                     }),
+                     this);
+    g_signal_connect(view_, "web-process-terminated",
+                     G_CALLBACK(+[](WebKitWebView*, WebKitWebProcessTerminationReason,
+                                    StoreView* self) { self->process_has_gone_ = true; }),
+                     this);
+    window_ = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    gtk_container_add(GTK_CONTAINER(window_), GTK_WIDGET(view_));
+    gtk_widget_show_all(window_);
+}
+
+StoreView::~StoreView() {
+    gtk_widget_destroy(window_);
+    if (user_data_ != nullptr) g_variant_unref(user_data_);
+}
+
+void StoreView::wait_for_load() {
+    wait_until([this] { return loaded_ || process_has_gone_; });
+}
+
+void StoreView::load(const std::string& html) {
+    static int pages = 0;
+    const std::string path =
+        std::string(g_get_home_dir()) + "/page" + std::to_string(++pages) + ".html";
+    std::ofstream(path) << "<!doctype html><meta charset=utf-8>" << html;
+    loaded_ = false;
+    webkit_web_view_load_uri(view_, ("file://" + path).c_str());
+    wait_for_load();
+}
+
+void StoreView::reload() {
+    loaded_ = false;
+    webkit_web_view_reload(view_);
+    wait_for_load();
+}
+
+void StoreView::go_back() {
+    loaded_ = false;
+    webkit_web_view_go_back(view_);
+    wait_for_load();
+}
+
+std::string StoreView::evaluate(const std::string& script) {
+    struct Answer {
+        bool come = false;
+        std::string text;
+    };
+    auto answer = std::make_shared<Answer>();
+    webkit_web_view_evaluate_javascript(
+        view_, script.c_str(), -1, nullptr, nullptr, nullptr,
+        [](GObject* view, GAsyncResult* result, void* data) {
+            const std::unique_ptr<std::shared_ptr<Answer>> place(
+                static_cast<std::shared_ptr<Answer>*>(data));
+            (*place)->text = text_of(WEBKIT_WEB_VIEW(view), result);
+            (*place)->come = true;
+        },
+        new std::shared_ptr<Answer>(answer));
+    wait_until([&] { return answer->come || process_has_gone_; });
+    return answer->text;
+}
+
+bool StoreView::wait_for(const std::string& script) {
+    return wait_until([&] { return process_has_gone_ || evaluate(script) == "true"; }) &&
+           !process_has_gone_;
+}
+
+}  // namespace kestrel::testing

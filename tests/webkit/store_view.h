@@ -1,0 +1,48 @@
+#pragma once
+
+#include <gtk/gtk.h>
+#include <webkit2/webkit2.h>
+
+#include <string>
+
+namespace kestrel::testing {
+
+// A web view in a window, whose web process loads the extension.
+class StoreView {
+  public:
+    // What the extension is given at start.
+    explicit StoreView(const std::string& install_root = "", const std::string& resources = "{}");
+    // The same with any user data, or none.
+    explicit StoreView(GVariant* user_data);
+    // A view whose page shares the web process of `opener`.
+    explicit StoreView(const StoreView& opener);
+    ~StoreView();
+    StoreView& operator=(const StoreView&) = delete;
+
+    // Each waits until the page has loaded, or its web process has gone. Every load is a page of
+    // its own, a new file in the home directory.
+    void load(const std::string& html);
+    void reload();
+    void go_back();
+
+    // The text of what `script` gives in the page, "error: ..." if it throws.
+    std::string evaluate(const std::string& script);
+
+    // Waits until `script` gives true in the page.
+    bool wait_for(const std::string& script);
+
+    bool process_has_gone() const { return process_has_gone_; }
+    WebKitWebView* view() const { return view_; }
+
+  private:
+    void show();
+    void wait_for_load();
+
+    WebKitWebView* view_ = nullptr;
+    GtkWidget* window_ = nullptr;
+    GVariant* user_data_ = nullptr;
+    bool loaded_ = false;
+    bool process_has_gone_ = false;
+};
+
+}  // namespace kestrel::testing
