@@ -3,24 +3,24 @@
 #include <glib.h>
 
 namespace kestrel::testing {
+namespace {
+
+constexpr gint64 kPatience = 30 * G_TIME_SPAN_SECOND;
+
+// Some conditions change without an event of this process: they are looked at this often.
+constexpr guint kTickMilliseconds = 20;
+
+}  // namespace
 
 bool wait_until(const std::function<bool()>& condition) {
-    bool expired = false;
-    const guint timer = g_timeout_add_seconds(
-        30,
-        [](void* flag) -> gboolean {
-            *static_cast<bool*>(flag) = true;
-            return G_SOURCE_CONTINUE;
-        },
-        &expired);
-    while (!condition() && !expired) g_main_context_iteration(nullptr, TRUE);
-    g_source_remove(timer);
-    return condition();
-}
-
-void drain_events() {
-    while (g_main_context_iteration(nullptr, FALSE) != FALSE) {
+    const gint64 deadline = g_get_monotonic_time() + kPatience;
+    const guint tick = g_timeout_add(
+        kTickMilliseconds, [](void*) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
+    while (!condition() && g_get_monotonic_time() < deadline) {
+        g_main_context_iteration(nullptr, TRUE);
     }
+    g_source_remove(tick);
+    return condition();
 }
 
 }  // namespace kestrel::testing

@@ -8,7 +8,4 @@ namespace kestrel::testing {
 // seconds.
 bool wait_until(const std::function<bool()>& condition);
 
-// Runs the default main context until nothing is left to do at once.
-void drain_events();
-
 }  // namespace kestrel::testing
