@@ -19,10 +19,10 @@
 #include "ipc/send.h"
 #include "jsapi/KsJS_proxy.h"
 
-[[gnu::visibility("default")]] constinit kestrel::NeverDestroyed<std::string> resources_storage asm(
+[[gnu::visibility("default")]] kestrel::NeverDestroyed<std::string> resources_storage asm(
     "_ZN10KsJS_proxy9resourcesB5cxx11E");
-[[gnu::visibility("default")]] constinit kestrel::NeverDestroyed<std::string>
-    preload_url_storage asm("_ZN10KsJS_proxy10preloadURLB5cxx11E");
+[[gnu::visibility("default")]] kestrel::NeverDestroyed<std::string> preload_url_storage asm(
+    "_ZN10KsJS_proxy10preloadURLB5cxx11E");
 
 namespace {
 

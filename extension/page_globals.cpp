@@ -18,8 +18,7 @@ constinit std::mutex mut;
 [[gnu::visibility("default")]] kestrel::NeverDestroyed<std::condition_variable> con_storage asm(
     "con");
 constinit int cl = 0;
-[[gnu::visibility("default")]] constinit kestrel::NeverDestroyed<std::string> file_url_storage asm(
-    "fileURL");
+[[gnu::visibility("default")]] kestrel::NeverDestroyed<std::string> file_url_storage asm("fileURL");
 constinit bool fileURL_bool = false;
 
 JSGlobalContextRef getJsContext() { return jsContext; }

@@ -5,7 +5,7 @@
 // type for other programs, so the storage is defined under the member's linker name instead:
 //
 //     class Link { static std::string name; };
-//     [[gnu::visibility("default")]] constinit kestrel::NeverDestroyed<std::string>
+//     [[gnu::visibility("default")]] kestrel::NeverDestroyed<std::string>
 //         name_storage asm("_ZN4Link4nameB5cxx11E");
 #pragma once
 

@@ -75,28 +75,24 @@ inline constexpr auto kToPage = std::to_array<MessageType>({
 inline constexpr std::string_view kAjaxCompletion = "zyns_ajax_complete";
 inline constexpr std::size_t kAjaxArguments = 5;
 
-// The code of a type, by its name; a name that is not in the table does not compile.
-consteval std::int32_t to_host(std::string_view name) {
-    for (const MessageType& type : kToHost) {
-        if (type.name == name) return type.code;
-    }
-    throw "no such message type";
-}
-
-consteval std::int32_t to_page(std::string_view name) {
-    for (const MessageType& type : kToPage) {
-        if (type.name == name) return type.code;
-    }
-    throw "no such message type";
-}
-
-// The row of a code in one direction's table, or null.
+// The row of a code, or of a name, in one direction's table; null if it has none.
 constexpr const MessageType* find_type(std::span<const MessageType> types, std::int32_t code) {
     for (const MessageType& type : types) {
         if (type.code == code) return &type;
     }
     return nullptr;
 }
+
+constexpr const MessageType* find_type(std::span<const MessageType> types, std::string_view name) {
+    for (const MessageType& type : types) {
+        if (type.name == name) return &type;
+    }
+    return nullptr;
+}
+
+// The code of a name; one that is not in the table does not compile.
+consteval std::int32_t to_host(std::string_view name) { return find_type(kToHost, name)->code; }
+consteval std::int32_t to_page(std::string_view name) { return find_type(kToPage, name)->code; }
 
 }  // namespace kestrel
 

@@ -116,8 +116,8 @@ consteval auto page_methods() {
 
 inline constexpr auto kPageMethods = page_methods();
 
-// A row is sound when it reads as many arguments as it expects, sends only what it has read, and
-// reads as a number what it sends as one.
+// A row is sound when its message type exists, it reads as many arguments as it expects, sends only
+// what it has read, and reads as a number what it sends as one.
 constexpr bool is_sound(const PageMethod& method) {
     const auto reads_number = [&](int argument) {
         return argument < static_cast<int>(method.reads.size()) &&
@@ -128,7 +128,8 @@ constexpr bool is_sound(const PageMethod& method) {
         const Read read = method.reads[static_cast<std::size_t>(item.argument)];
         return read == Read::text || read == Read::string_only;
     };
-    return static_cast<int>(method.reads.size()) == std::max(method.expected, 0) &&
+    return find_type(kToHost, method.member) != nullptr &&
+           static_cast<int>(method.reads.size()) == std::max(method.expected, 0) &&
            std::ranges::all_of(method.strings, reads_text) &&
            std::ranges::all_of(method.ints, [&](Item item) {
                return reads_number(item.argument) &&

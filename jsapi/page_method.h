@@ -19,8 +19,8 @@ JSValueRef run_page_method(const PageMethod& method, std::int32_t command, JSCon
 template <std::size_t index>
 JSValueRef call_page_method(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
                             size_t count, const JSValueRef arguments[], JSValueRef* /*exception*/) {
-    static constexpr const PageMethod& method = kPageMethods[index];
-    return run_page_method(method, to_host(method.member), context, {arguments, count});
+    constexpr std::int32_t command = find_type(kToHost, kPageMethods[index].member)->code;
+    return run_page_method(kPageMethods[index], command, context, {arguments, count});
 }
 
 // The index of the row whose member is called so; a name without a row does not compile.
