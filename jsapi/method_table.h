@@ -128,7 +128,8 @@ constexpr bool is_sound(const PageMethod& method) {
         const Read read = method.reads[static_cast<std::size_t>(item.argument)];
         return read == Read::text || read == Read::string_only;
     };
-    return find_type(kToHost, method.member) != nullptr &&
+    const auto is_its_type = [&](const MessageType& type) { return type.name == method.member; };
+    return std::ranges::any_of(kToHost, is_its_type) &&
            static_cast<int>(method.reads.size()) == std::max(method.expected, 0) &&
            std::ranges::all_of(method.strings, reads_text) &&
            std::ranges::all_of(method.ints, [&](Item item) {
