@@ -1,0 +1,72 @@
+// The exported globals, and the functions beside them.
+#include <gtest/gtest.h>
+#include <syslog.h>
+
+#include <array>
+#include <cstdarg>
+#include <cstdio>
+#include <string>
+
+#include "extension/page_globals.h"
+#include "jsapi/KsJS_proxy.h"
+#include "tests/support/script_context.h"
+
+namespace {
+
+struct SyslogLine {
+    int priority;
+    std::string text;
+};
+SyslogLine last_line;
+
+}  // namespace
+
+// In place of the C library's.
+extern "C" void vsyslog(int priority, const char* format, std::va_list arguments) {
+    std::array<char, 256> text{};
+    std::vsnprintf(text.data(), text.size(), format, arguments);
+    last_line = {priority, text.data()};
+}
+
+namespace kestrel::testing {
+namespace {
+
+TEST(Globals, HoldNoPageBeforeOneIsAttached) {
+    EXPECT_EQ(web_frame, nullptr);
+    EXPECT_EQ(web_world, nullptr);
+    EXPECT_EQ(jsContext, nullptr);
+    EXPECT_EQ(globalObject, nullptr);
+    EXPECT_EQ(getJsContext(), nullptr);
+}
+
+TEST(Globals, HoldEmptyTextsInTheBeginning) {
+    EXPECT_STREQ(g_quoroot, "");
+    EXPECT_STREQ(g_resources, "");
+    EXPECT_EQ(KsJS_proxy::resources, "");
+    EXPECT_EQ(KsJS_proxy::preloadURL, "");
+}
+
+TEST(Globals, OfNoUseAreReadyForUseAllTheSame) {
+    EXPECT_TRUE(mut.try_lock());
+    mut.unlock();
+    con.notify_all();
+    EXPECT_EQ(cl, 0);
+    EXPECT_EQ(fileURL, "");
+    EXPECT_FALSE(fileURL_bool);
+}
+
+TEST(Globals, GiveTheCurrentContext) {
+    const ScriptContext page;
+    jsContext = page.get();
+    EXPECT_EQ(getJsContext(), page.get());
+    jsContext = nullptr;
+}
+
+TEST(PrintLog, PassesItsTextOnToSyslogAsDebug) {
+    printLog("%s has %d of %c", "text", 3, 'x');
+    EXPECT_EQ(last_line.priority, LOG_DEBUG);
+    EXPECT_EQ(last_line.text, "text has 3 of x");
+}
+
+}  // namespace
+}  // namespace kestrel::testing

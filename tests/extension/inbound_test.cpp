@@ -1,0 +1,135 @@
+// Messages of the host, from the socket to the page.
+#include <memory>
+#include <thread>
+
+#include "extension/resources.h"
+#include "ipc/webkit_client.h"
+#include "tests/extension/page_glue.h"
+
+namespace kestrel::testing {
+namespace {
+
+// The link's reader thread runs; the main loop runs only where a test says so.
+class Inbound : public PageGlueWithPage {
+  protected:
+    Inbound() {
+        webkit_client::func_array = table_.get();
+        reader_ = std::thread([] { webkit_client::recvMessage(); });
+    }
+    ~Inbound() override {
+        host.hang_up();
+        reader_.join();
+        webkit_client::func_array = nullptr;
+        take_resources();
+        KsJS_proxy::preloadURL.clear();
+    }
+
+    void send_script(std::string_view script) const { host.write(frame_bytes(0, {}, {script})); }
+    void send_answer(std::string_view callback) const {
+        host.write(frame_bytes(1, {}, {callback}));
+    }
+
+    // Returns when the reader has handled all that was sent so far: only type 34 is answered at
+    // once.
+    void wait_for_reader() const {
+        host.write(frame_bytes(34, {}, {"url", ""}));
+        EXPECT_EQ(host.read_frame(), frame_bytes(35, {}, {"url"}));
+    }
+
+  private:
+    std::unique_ptr<webkit_client::InboundHandler[]> table_{KsJS_proxy::getFunctionArray()};
+    std::thread reader_;
+};
+
+TEST_F(Inbound, ScriptWaitsForTheMainLoop) {
+    send_script("done = 'by the main loop'");
+    wait_for_reader();
+    EXPECT_EQ(page.text_of("typeof done"), "undefined");
+    run_main_loop_until_idle();
+    EXPECT_EQ(page.text_of("done"), "by the main loop");
+    EXPECT_EQ(errors.text(), "");
+}
+
+TEST_F(Inbound, EmptyScriptIsNotRun) {
+    send_script("");
+    host.write(frame_bytes(0, {}, {}));
+    wait_for_reader();
+    run_main_loop_until_idle();
+    EXPECT_EQ(errors.text(), "");
+}
+
+TEST_F(Inbound, AnswerReachesItsCallbackAndTheHostIsTold) {
+    page.text_of("onCaps = function() { count = arguments.length }");
+    send_answer("onCaps");
+    EXPECT_TRUE(run_main_loop_until([&] { return !host.is_quiet(); }));
+    EXPECT_EQ(host.read_frame(), frame_bytes(33, {}, {}));
+    EXPECT_EQ(page.text_of("count"), "0");
+}
+
+TEST_F(Inbound, AjaxAnswerHasFiveArgumentsWhateverCountWasSent) {
+    page.text_of(
+        std::string("called = []; zyns_ajax_complete ="
+                    " function() { called.push(Array.from(arguments)) }"));
+    host.write(frame_bytes(1, {}, {"zyns_ajax_complete"}));
+    host.write(frame_bytes(1, {}, {"zyns_ajax_complete", "a", "b"}));
+    host.write(frame_bytes(1, {}, {"zyns_ajax_complete", "a", "b", "c", "d", "e"}));
+    host.write(frame_bytes(1, {}, {"zyns_ajax_complete", "a", "b", "c", "d", "e", "f", "g"}));
+    wait_for_reader();
+    run_main_loop_until_idle();
+    EXPECT_EQ(page.text_of("JSON.stringify(called)"),
+              R"([["","","","",""],["a","b","","",""],["a","b","c","d","e"],)"
+              R"(["a","b","c","d","e"]])");
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(host.read_frame(), frame_bytes(33, {}, {}));
+    EXPECT_TRUE(host.is_quiet());
+}
+
+TEST_F(Inbound, ScriptsAndAnswersReachThePageInTheOrderInWhichTheyCame) {
+    constexpr int kPairs = 200;
+    page.text_of("order = []");
+    std::string expected;
+    for (int i = 0; i < kPairs; ++i) {
+        const std::string number = std::to_string(i);
+        send_script("order.push('s" + number + "')");
+        send_answer("() => order.push('a" + number + "')");
+        expected.append("s").append(number).append(",a").append(number).append(",");
+    }
+    wait_for_reader();
+    run_main_loop_until_idle();
+    EXPECT_EQ(page.text_of("order.join() + ','"), expected);
+    for (int i = 0; i < kPairs; ++i) EXPECT_EQ(host.read_frame(), frame_bytes(33, {}, {}));
+    EXPECT_TRUE(host.is_quiet());
+}
+
+TEST_F(Inbound, UrlIsConfirmedAtOnceAndTheResourcesWaitForTheNextPage) {
+    host.write(frame_bytes(34, {}, {"http://example.org/h\u00e9", "{a: 1}"}));
+    EXPECT_EQ(host.read_frame(), frame_bytes(35, {}, {"http://example.org/h\u00e9"}));
+    EXPECT_EQ(KsJS_proxy::preloadURL, "http://example.org/h\u00e9");
+    EXPECT_EQ(take_resources(), "{a: 1}");
+    EXPECT_TRUE(host.is_quiet());
+}
+
+TEST_F(Inbound, UrlWithoutResourcesLeavesNoneToTheNextPage) {
+    set_resources("{old: 1}");
+    host.write(frame_bytes(34, {}, {}));
+    EXPECT_EQ(host.read_frame(), frame_bytes(35, {}, {""}));
+    EXPECT_EQ(take_resources(), "");
+}
+
+TEST_F(Inbound, LastResourcesWin) {
+    host.write(frame_bytes(34, {}, {"one", "{a: 1}"}));
+    host.write(frame_bytes(34, {}, {"two", "{a: 2}"}));
+    EXPECT_EQ(host.read_frame(), frame_bytes(35, {}, {"one"}));
+    EXPECT_EQ(host.read_frame(), frame_bytes(35, {}, {"two"}));
+    EXPECT_EQ(KsJS_proxy::preloadURL, "two");
+    EXPECT_EQ(take_resources(), "{a: 2}");
+}
+
+using ReadyToLoad = PageGlue;
+
+TEST_F(ReadyToLoad, CarriesTheUrlUpToItsNul) {
+    KsJS_proxy::readyToLoadURL(std::string("url\0rest", 8));
+    EXPECT_EQ(host.read_frame(), frame_bytes(35, {}, {"url"}));
+}
+
+}  // namespace
+}  // namespace kestrel::testing

@@ -1,0 +1,168 @@
+// What a new page gets, and which page is the current one.
+#include "extension/page_attachment.h"
+
+#include "extension/resources.h"
+#include "log/zynlog.h"
+#include "tests/extension/fake_page.h"
+#include "tests/extension/page_glue.h"
+#include "tests/support/log_recorder.h"
+
+namespace kestrel::testing {
+namespace {
+
+using enum FakePage::FrameKind;
+
+class PageAttachment : public PageGlue {
+  protected:
+    PageAttachment() {
+        clear_log();
+        for (const ScriptContext* context : {&first, &second}) {
+            context->text_of("window = globalThis");
+        }
+    }
+    ~PageAttachment() override {
+        take_resources();
+        g_clear_object(&web_frame);
+        g_clear_object(&web_world);
+        if (jsContext != nullptr) JSGlobalContextRelease(jsContext);
+    }
+
+    void attach(const FakePage& page) const {
+        on_window_object_cleared(world, page.page(), page.frame(), nullptr);
+    }
+
+    ScriptContext first;
+    ScriptContext second;
+    WebKitScriptWorld* world = webkit_script_world_get_default();
+};
+
+TEST_F(PageAttachment, GivesTheMainFrameTheApi) {
+    const FakePage page(main, first.get());
+    attach(page);
+    EXPECT_EQ(web_frame, page.frame());
+    EXPECT_EQ(web_world, world);
+    EXPECT_EQ(getJsContext(), first.get());
+    EXPECT_EQ(globalObject, first.global());
+    EXPECT_EQ(first.text_of("String(external)"), "[object JSAPI]");
+    first.text_of("external.refresh()");
+    EXPECT_EQ(host.read_frame(), frame_bytes(7, {}, {}));
+    EXPECT_EQ(errors.text(), "");
+}
+
+TEST_F(PageAttachment, LogsTheVersionOfWebKit) {
+    attach(FakePage(main, first.get()));
+    const std::string line = "Major: " + std::to_string(webkit_get_major_version()) +
+                             ", Minor: " + std::to_string(webkit_get_minor_version()) +
+                             ", Micro: " + std::to_string(webkit_get_micro_version());
+    EXPECT_EQ(logged(), std::vector<LogLine>({{29, kInfo, line}}));
+}
+
+TEST_F(PageAttachment, GivesOtherFramesNothing) {
+    const FakePage page(main, first.get());
+    const FakePage framed(other, second.get());
+    attach(page);
+    clear_log();
+    set_resources("{}");
+    attach(framed);
+    EXPECT_EQ(second.text_of("typeof external + typeof ZYNS"), "undefinedundefined");
+    EXPECT_EQ(web_frame, page.frame());
+    EXPECT_EQ(jsContext, first.get());
+    EXPECT_EQ(take_resources(), "{}");
+    EXPECT_TRUE(logged().empty());
+}
+
+TEST_F(PageAttachment, HoldsTheFrameWhileItIsTheCurrentOne) {
+    const FakePage old_page(main, first.get());
+    const FakePage new_page(main, second.get());
+    attach(old_page);
+    attach(old_page);
+    EXPECT_TRUE(old_page.is_frame_held());
+    attach(new_page);
+    EXPECT_FALSE(old_page.is_frame_held());
+    EXPECT_TRUE(new_page.is_frame_held());
+    EXPECT_EQ(jsContext, second.get());
+    EXPECT_EQ(globalObject, second.global());
+}
+
+TEST_F(PageAttachment, HandsWaitingResourcesToTheNextPageOnly) {
+    const FakePage page(main, first.get());
+    set_resources("{title: 'h\u00e9'}");
+    attach(page);
+    EXPECT_EQ(first.text_of("ZYNS.getResources().title"), "h\u00e9");
+    EXPECT_EQ(first.text_of("ZYNS.getLocale()"), "en-gb,en;q=0.5");
+    EXPECT_STREQ(g_resources, "");
+    EXPECT_EQ(KsJS_proxy::resources, "");
+
+    page.show(second.get());
+    attach(page);
+    EXPECT_EQ(second.text_of("typeof external + typeof ZYNS"), "objectundefined");
+}
+
+TEST_F(PageAttachment, TakesTheResourcesAsAnExpression) {
+    set_resources("[ZYNS === window.ZYNS, typeof external].join()");
+    attach(FakePage(main, first.get()));
+    EXPECT_EQ(first.text_of("ZYNS.getResources()"), "true,object");
+    EXPECT_EQ(first.text_of("ZYNS.getLocale.toString()"), "function() {return 'en-gb,en;q=0.5'}");
+    EXPECT_EQ(errors.text(), "");
+}
+
+TEST_F(PageAttachment, KeepsANamespaceThatIsThere) {
+    first.text_of("ZYNS = {own: 1}");
+    set_resources("{}");
+    attach(FakePage(main, first.get()));
+    EXPECT_EQ(first.text_of("Object.keys(ZYNS).join()"), "own,getLocale,getResources");
+}
+
+TEST_F(PageAttachment, ReportsResourcesThatAreNoExpression) {
+    set_resources("{title:");
+    attach(FakePage(main, first.get()));
+    EXPECT_EQ(errors.text(), kScriptFailed);
+    EXPECT_EQ(first.text_of("typeof external + typeof ZYNS"), "objectundefined");
+    EXPECT_STREQ(g_resources, "");
+}
+
+TEST_F(PageAttachment, IsFollowedByScriptsAndAnswers) {
+    const FakePage page(main, first.get());
+    attach(page);
+    insert("where = 'first'");
+    deliver({"() => { answered = true }"});
+    EXPECT_EQ(first.text_of("where + answered"), "firsttrue");
+    EXPECT_EQ(host.read_frame(), frame_bytes(33, {}, {}));
+}
+
+// No new window object is announced when a page comes back from WebKit's cache.
+TEST_F(PageAttachment, HoldsForWhateverTheFrameShows) {
+    const FakePage page(main, first.get());
+    attach(page);
+    page.show(second.get());
+    insert("where = 'second'");
+    EXPECT_EQ(second.text_of("where"), "second");
+    EXPECT_EQ(first.text_of("typeof where"), "undefined");
+    EXPECT_EQ(jsContext, second.get());
+    EXPECT_EQ(globalObject, second.global());
+}
+
+TEST_F(PageAttachment, EndsWhenTheFrameShowsNothing) {
+    const FakePage page(main, first.get());
+    attach(page);
+    page.show(nullptr);
+    insert("where = 'nowhere'");
+    deliver({"() => { answered = true }"});
+    EXPECT_EQ(errors.text(), std::string(kScriptFailed) + kNoCallback);
+    EXPECT_TRUE(host.is_quiet());
+    EXPECT_EQ(first.text_of("typeof where + typeof answered"), "undefinedundefined");
+}
+
+TEST_F(PageAttachment, EndsWhenThePageIsClosed) {
+    FakePage page(main, first.get());
+    attach(page);
+    page.close();
+    insert("where = 'nowhere'");
+    deliver({"() => { answered = true }"});
+    EXPECT_EQ(errors.text(), std::string(kScriptFailed) + kNoCallback);
+    EXPECT_TRUE(host.is_quiet());
+    EXPECT_EQ(first.text_of("typeof where + typeof answered"), "undefinedundefined");
+}
+
+}  // namespace
+}  // namespace kestrel::testing

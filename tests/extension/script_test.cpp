@@ -1,0 +1,93 @@
+// Scripts of the host, run in the page.
+#include <glib.h>
+
+#include <thread>
+
+#include "tests/extension/page_glue.h"
+
+namespace kestrel::testing {
+namespace {
+
+using Script = PageGlueWithPage;
+using ScriptWithoutPage = PageGlue;
+
+TEST_F(Script, RunsAtOnceOnTheThreadOfThePage) {
+    insert("done = 'at once'");
+    EXPECT_EQ(page.text_of("done"), "at once");
+    g_main_context_acquire(nullptr);
+    insert("done = 'at once again'");
+    g_main_context_release(nullptr);
+    EXPECT_EQ(page.text_of("done"), "at once again");
+    EXPECT_EQ(errors.text(), "");
+    EXPECT_TRUE(host.is_quiet());
+}
+
+TEST_F(Script, RunsAsTheBodyOfAFunctionOfTheGlobalObject) {
+    insert("var local = 1; self = this; count = arguments.length; return 'ignored'");
+    EXPECT_EQ(page.text_of("typeof local"), "undefined");
+    EXPECT_EQ(page.text_of("self === globalThis"), "true");
+    EXPECT_EQ(page.text_of("count"), "0");
+    EXPECT_EQ(errors.text(), "");
+}
+
+TEST_F(Script, KeepsTextBeyondAscii) {
+    insert("text = 'h\u00e9 \u20ac \U0001f600'");
+    EXPECT_EQ(page.text_of("text"), "h\u00e9 \u20ac \U0001f600");
+}
+
+TEST_F(Script, MayCallExternal) {
+    insert("external.refresh()");
+    EXPECT_EQ(host.read_frame(), frame_bytes(7, {}, {}));
+}
+
+TEST_F(Script, ThatIsEmptyIsNotRun) {
+    insert("");
+    EXPECT_EQ(errors.text(), "");
+}
+
+TEST_F(Script, ThatIsNoUtf8DoesNothing) {
+    insert("done = '\xff'");
+    EXPECT_EQ(page.text_of("typeof done"), "undefined");
+    EXPECT_EQ(errors.text(), "");
+}
+
+TEST_F(Script, WithASyntaxErrorIsALine) {
+    insert("done = 1; (");
+    EXPECT_EQ(errors.text(), kScriptFailed);
+    EXPECT_EQ(page.text_of("typeof done"), "undefined");
+}
+
+TEST_F(Script, ThatThrowsIsALine) {
+    insert("done = 1; throw new Error('no')");
+    EXPECT_EQ(errors.text(), kScriptFailed);
+    EXPECT_EQ(page.text_of("done"), "1");
+    insert("done = 2");
+    EXPECT_EQ(page.text_of("done"), "2");
+}
+
+TEST_F(Script, ThatThrowsWhatHasNoTextIsTwoLines) {
+    insert("throw Symbol()");
+    EXPECT_EQ(errors.text(), std::string(kScriptFailed) + kBreakout);
+}
+
+TEST_F(Script, OfAnotherThreadWaitsForTheMainLoop) {
+    g_main_context_acquire(nullptr);
+    std::thread([] { insert("done = 'by the main loop'"); }).join();
+    EXPECT_EQ(page.text_of("typeof done"), "undefined");
+    run_main_loop_until_idle();
+    EXPECT_EQ(page.text_of("done"), "by the main loop");
+    g_main_context_release(nullptr);
+}
+
+TEST_F(ScriptWithoutPage, IsALine) {
+    insert("done = 1");
+    EXPECT_EQ(errors.text(), kScriptFailed);
+}
+
+TEST_F(ScriptWithoutPage, ThatIsEmptyIsNone) {
+    insert("");
+    EXPECT_EQ(errors.text(), "");
+}
+
+}  // namespace
+}  // namespace kestrel::testing
