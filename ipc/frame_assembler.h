@@ -1,0 +1,48 @@
+// Frames out of a byte stream that comes in pieces of any size, for an end that must not wait for
+// the rest of a frame.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "ipc/frame.h"
+
+namespace kestrel {
+
+struct FrameLimits {
+    std::int32_t payload;  // bytes
+    std::int32_t items;    // integers and strings together
+};
+
+class FrameAssembler {
+  public:
+    // A frame over the limits is refused before anything is allocated for it.
+    explicit FrameAssembler(FrameLimits limits) : limits_(limits) {}
+
+    // Takes bytes off the front of `bytes`: to the end of the current frame, which is returned, or
+    // all of them if they do not complete it. Null after a fault, and nothing is taken then.
+    Frame next(std::span<const char>& bytes);
+
+    // Why the stream cannot be followed any further: a header that is impossible or over the limit.
+    // "" while there is no fault. Once there is one, it stays.
+    std::string_view fault() const { return fault_; }
+
+    // Whether part of a frame has been taken.
+    bool is_inside_frame() const { return taken_ > 0; }
+
+  private:
+    // Moves what it can from `bytes` to the block at `to`; true when that is full.
+    bool fill(char* to, std::size_t size, std::span<const char>& bytes);
+    std::string_view fault_of(const webkit_message& header) const;
+    void begin_payload();
+
+    FrameLimits limits_;
+    std::string_view fault_;
+    webkit_message header_{};
+    Frame frame_;            // null while the header is being read
+    std::size_t taken_ = 0;  // of the frame, header included
+};
+
+}  // namespace kestrel
