@@ -1,0 +1,99 @@
+// The sheet of all functions: one control each, what was called with it, and what came back.
+'use strict';
+
+const kSampleApp = 'atlas';
+
+const tellRow = (name, ...args) => ({name, call: () => host.tell(name, ...args)});
+const askRow = (name, ...args) => ({name, isAnswered: true, call: () => host.ask(name, args)});
+
+// In the order in which "Call all" calls them.
+const kFunctions = [
+  tellRow('siteLoaded'),
+  tellRow('ready'),
+  askRow('getCapabilities', 'sample store'),
+  askRow('getStoreDetails'),
+  askRow('getUserDisplayName'),
+  askRow('getAccountsAsync'),
+  tellRow('showAccounts'),
+  tellRow('sharedUserModeLogon'),
+  tellRow('noteRefreshStart'),
+  askRow('getInstalledApps', ''),
+  tellRow('refresh'),
+  askRow('subscribe', kSampleApp),
+  tellRow('updateSubPosition', kSampleApp, 0),
+  askRow('launchApp', kSampleApp),
+  askRow('launchResource', 'doc-budget'),
+  askRow('unsubscribe', kSampleApp),
+  askRow('setItem', 'greeting', 'Grüß Gott – "hello"'),
+  // This callback travels as a function's text, the others as names.
+  {name: 'getItem', isAnswered: true, call: () => host.ask('getItem', ['greeting'], host.bySource)},
+  askRow('getFileUri', 'index.html'),
+  askRow('recolorImage', 'square', 63, 94, 251, ''),
+  {name: 'ajax', isAnswered: true, call: () => host.relay({url: 'https://store.example/news'})},
+  tellRow('openUrl', 'https://store.example/help'),
+  tellRow('openDefaultStore'),
+  tellRow('settingsMenu', 980, 12, 1_020, 52),
+  askRow('errorDialog', 'Sample store', null, 'Nothing is wrong.', 'Close'),
+  tellRow('sendAction', 'category:all'),
+  tellRow('goOnline', '', 'online'),
+  tellRow('offlineErrorTryAgain'),
+  tellRow('writeTraceMessage', 'A line for the trace', '', '', ''),
+  tellRow('logOff'),
+];
+
+const shorten = (text, length) => (text.length > length ? `${text.slice(0, length)}…` : text);
+const shownArgument = (value) => shorten(JSON.stringify(value) ?? 'undefined', 34);
+
+function showCall(row, {args, answer, failure}) {
+  const output = row.querySelector('output');
+  if (args) {
+    row.querySelector('.call').textContent =
+        `${row.dataset.name}(${args.map(shownArgument).join(', ')})`;
+    row.className = row.dataset.answered ? 'waiting' : 'sent';
+    output.textContent = row.dataset.answered ? 'waiting for the answer' : 'sent';
+  } else {
+    row.className = failure ? 'failed' : 'answered';
+    output.textContent = failure ?? shorten(JSON.stringify(answer), 160);
+  }
+}
+
+function buildSheet() {
+  const rows = new Map();
+  for (const row of kFunctions) {
+    const line = element('function-row').content.firstElementChild.cloneNode(true);
+    line.dataset.name = row.name;
+    if (row.isAnswered) line.dataset.answered = 'yes';
+    line.querySelector('.call').textContent = `${row.name}()`;
+    line.querySelector('button').addEventListener('click', () => attempt(row.call));
+    rows.set(row.name, line);
+  }
+  element('functions').replaceChildren(...rows.values());
+  host.observe((event) => showCall(rows.get(event.name), event));
+}
+
+function showSheet(isShown) {
+  element('sheet').hidden = !isShown;
+  element('toggle-sheet').ariaPressed = String(isShown);
+}
+
+// Calls every function once, one after the other, and tells the host which callbacks ran.
+async function callEveryFunction() {
+  showSheet(true);
+  const calledBack = [];
+  for (const {name, isAnswered, call} of kFunctions) {
+    try {
+      await call();
+      if (isAnswered) calledBack.push(name);
+    } catch (error) {
+      toast(error.message);
+    }
+  }
+  const answered = kFunctions.filter((row) => row.isAnswered).length;
+  element('sheet-summary').textContent =
+      `${kFunctions.length} functions called, ${calledBack.length} of ${answered} called back.`;
+  external.writeTraceMessage(JSON.stringify({calledBack}), '', '', '');
+}
+
+buildSheet();
+onClick('toggle-sheet', () => showSheet(element('sheet').hidden));
+onClick('call-all', callEveryFunction);

@@ -1,0 +1,75 @@
+// The page's way to the host. A function of `external` returns nothing; where the host answers, it
+// calls a function of the page later. Here such a call becomes a promise.
+'use strict';
+
+const host = (() => {
+  const kPatience = 10_000;  // milliseconds
+
+  const pending = new Map();  // number of a question -> what to do with its answer
+  let questions = 0;
+  let observers = [];
+
+  // The host's first word. Before it the link need not be up, and a call would be lost.
+  const ready = new Promise((resolve) => { window.onHostReady = resolve; });
+
+  const observe = (observer) => { observers.push(observer); };
+  const report = (event) => { for (const observer of observers) observer(event); };
+
+  // Calls a function that is not answered.
+  function tell(name, ...args) {
+    external[name](...args);
+    report({name, args});
+  }
+
+  function settle(number, value) {
+    const question = pending.get(number);
+    if (!question) return;
+    pending.delete(number);
+    clearTimeout(question.timer);
+    report({name: question.name, answer: value});
+    question.resolve(value);
+  }
+
+  // Calls a function whose last argument is a callback, and gives what the host answers. By
+  // `makeCallback` a function gets the text that the host is to call back.
+  function ask(name, args, makeCallback = (number) => `hostAnswers.take${number}`) {
+    const number = ++questions;
+    return new Promise((resolve, reject) => {
+      const timer = setTimeout(() => {
+        pending.delete(number);
+        report({name, failure: 'no answer'});
+        reject(new Error(`${name}: no answer`));
+      }, kPatience);
+      pending.set(number, {name, resolve, timer});
+      const sent = [...args, makeCallback(number)];
+      external[name](...sent);
+      report({name, args: sent});
+    });
+  }
+
+  // A host finds a callback by its name, here a property that exists as long as it is asked for.
+  window.hostAnswers = new Proxy({}, {
+    get: (_, property) => {
+      const number = Number(/^take(\d+)$/.exec(property)?.[1]);
+      return (value) => settle(number, value);
+    },
+  });
+
+  // A callback may also be the text of a function: the number travels inside it.
+  const bySource = (number) => `(value) => hostAnswers.take${number}(value)`;
+
+  // The answer to a relayed request comes to a function whose name holds "zyns_ajax_complete".
+  window.zyns_ajax_complete = (id, status, statusText, headers, body) => {
+    settle(Number(id), {status: Number(status), statusText, headers, body});
+  };
+
+  function relay({url, method = 'GET', headers = '', body = ''}) {
+    const number = questions + 1;
+    return ask('ajax', [url, method, headers, body, String(number)], () => 'zyns_ajax_complete');
+  }
+
+  return {
+    isPresent: typeof window.external?.siteLoaded === 'function',
+    ready, observe, tell, ask, bySource, relay,
+  };
+})();

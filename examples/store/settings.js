@@ -1,0 +1,83 @@
+// The settings dialog. What is set here is kept by the host as items.
+'use strict';
+
+const kAccents = ['#3f5efb', '#0f9a68', '#d1297f', '#e05a1c', '#7a3fe0'];
+
+const components = (color) =>
+    [1, 3, 5].map((start) => Number.parseInt(color.slice(start, start + 2), 16));
+
+function setTheme(theme) {
+  document.documentElement.dataset.theme = theme;
+  document.querySelector(`#themes [value=${theme}]`).checked = true;
+}
+
+function setAccent(color) {
+  document.documentElement.style.setProperty('--accent', color);
+  for (const swatch of document.querySelectorAll('#accents button')) {
+    swatch.ariaPressed = String(swatch.dataset.color === color);
+  }
+}
+
+// The swatches are images that the host has coloured; until they come, they are empty.
+async function makeSwatches() {
+  for (const swatch of document.querySelectorAll('#accents button')) {
+    const image = await host.ask('recolorImage', ['square', ...components(swatch.dataset.color), '']);
+    swatch.style.backgroundImage = `url("${image}")`;
+  }
+}
+
+async function loadSettings() {
+  const saved = async (key) => host.ask('getItem', [key]);
+  setTheme(await saved('theme') ?? 'system');
+  setAccent(await saved('accent') ?? kAccents[0]);
+  element('note').value = await saved('note') ?? '';
+}
+
+async function showDiagnostics() {
+  const capabilities = await host.ask('getCapabilities', ['sample store']);
+  const answer = await host.relay({
+    url: 'https://store.example/diagnostics',
+    method: 'POST',
+    headers: 'Content-Type: application/json',
+    body: JSON.stringify({capabilities, userAgent: navigator.userAgent}),
+  });
+  element('client-answer').textContent = `${answer.status} ${answer.statusText}: ${answer.body}`;
+}
+
+function connectSettings() {
+  element('accents').append(...kAccents.map((color) => {
+    const swatch = document.createElement('button');
+    swatch.type = 'button';
+    swatch.dataset.color = color;
+    swatch.title = color;
+    swatch.addEventListener('click', () => attempt(async () => {
+      setAccent(color);
+      await host.ask('setItem', ['accent', color]);
+    }));
+    return swatch;
+  }));
+  element('themes').addEventListener('change', (event) => attempt(async () => {
+    setTheme(event.target.value);
+    await host.ask('setItem', ['theme', event.target.value]);
+  }));
+  element('note').addEventListener('change', (event) => attempt(async () => {
+    await host.ask('setItem', ['note', event.target.value]);
+  }));
+  onClick('open-settings', async () => {
+    element('settings').showModal();
+    await makeSwatches();
+  });
+  onClick('client-settings', () => {
+    const area = element('client-settings').getBoundingClientRect();
+    host.tell('settingsMenu', area.left, area.top, area.right, area.bottom);
+  });
+  onClick('diagnostics', showDiagnostics);
+  onClick('style-file', async () => {
+    element('client-answer').textContent = await host.ask('getFileUri', ['store.css']);
+  });
+  onClick('show-error', async () => {
+    const pressed = await host.ask('errorDialog',
+        ['Sample store', null, 'This is what an error looks like.', 'Close']);
+    element('client-answer').textContent = `The dialog was closed with "${pressed}".`;
+  });
+}
