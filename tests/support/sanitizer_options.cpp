@@ -1,8 +1,23 @@
-// Asked for by the sanitizers' runtimes when a test program starts. Tests take over standard error,
-// where a report would not be seen; an error that cannot be shown elsewhere at least ends the test.
+// Asked for by the sanitizers' runtimes when a test program starts.
 extern "C" {
 
-[[gnu::visibility("default")]] const char* __asan_default_options() { return "log_path=stdout"; }
+#pragma GCC visibility push(default)
 
-[[gnu::visibility("default")]] const char* __ubsan_default_options() { return "halt_on_error=1"; }
+// Tests take over standard error, where a report would not be seen; an error that cannot be shown
+// elsewhere at least ends the test.
+const char* __asan_default_options() { return "log_path=stdout"; }
+const char* __tsan_default_options() { return "log_path=stdout"; }
+const char* __ubsan_default_options() { return "halt_on_error=1"; }
+
+// The thread sanitizer does not see how these libraries lock, nor that what a thread gives to the
+// main loop is the main loop's from then on.
+const char* __tsan_default_suppressions() {
+    return "called_from_lib:libgio-2.0.so\n"
+           "called_from_lib:libglib-2.0.so\n"
+           "called_from_lib:libgobject-2.0.so\n"
+           "called_from_lib:libjavascriptcoregtk-4\n"
+           "race:g_main_context_dispatch\n";
+}
+
+#pragma GCC visibility pop
 }
