@@ -52,9 +52,11 @@ void __ZynTraceV(std::uint32_t log_class, int level, const char* /*aux1*/, const
 
 namespace kestrel::testing {
 
-std::vector<LogLine> logged() {
+std::vector<LogLine> logged(int lowest_level) {
     const std::scoped_lock guard(record().lock);
-    return record().lines;
+    std::vector<LogLine> lines = record().lines;
+    std::erase_if(lines, [&](const LogLine& line) { return line.level < lowest_level; });
+    return lines;
 }
 
 void clear_log() {

@@ -15,8 +15,9 @@ struct LogLine {
     friend bool operator==(const LogLine&, const LogLine&) = default;
 };
 
-// The lines logged since the last clear_log, of all threads, in order.
-std::vector<LogLine> logged();
+// The lines of this level and higher ones logged since the last clear_log, of all threads, in
+// order.
+std::vector<LogLine> logged(int lowest_level = 1);
 void clear_log();
 
 // Waits until a line with this text has been logged, ten seconds at most; false if none was.
