@@ -56,7 +56,7 @@ std::vector<std::string> Rehearsal::missing() const {
     }
     if (!has_report_) lines.emplace_back("the page did not report which callbacks ran");
     if (unconfirmed_answers_ > 0) {
-        lines.push_back(std::to_string(unconfirmed_answers_) + " answers were not confirmed");
+        lines.push_back("answers not confirmed: " + std::to_string(unconfirmed_answers_));
     }
     return lines;
 }

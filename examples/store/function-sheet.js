@@ -4,7 +4,7 @@
 const kSampleApp = 'atlas';
 
 const tellRow = (name, ...args) => ({name, call: () => host.tell(name, ...args)});
-const askRow = (name, ...args) => ({name, isAnswered: true, call: () => host.ask(name, args)});
+const askRow = (name, ...args) => ({name, isAnswered: true, call: () => host.ask(name, ...args)});
 
 // In the order in which "Call all" calls them.
 const kFunctions = [
@@ -26,7 +26,7 @@ const kFunctions = [
   askRow('unsubscribe', kSampleApp),
   askRow('setItem', 'greeting', 'Grüß Gott – "hello"'),
   // This callback travels as a function's text, the others as names.
-  {name: 'getItem', isAnswered: true, call: () => host.ask('getItem', ['greeting'], host.bySource)},
+  {name: 'getItem', isAnswered: true, call: () => host.askBySource('getItem', 'greeting')},
   askRow('getFileUri', 'index.html'),
   askRow('recolorImage', 'square', 63, 94, 251, ''),
   {name: 'ajax', isAnswered: true, call: () => host.relay({url: 'https://store.example/news'})},

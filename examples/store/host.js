@@ -7,7 +7,7 @@ const host = (() => {
 
   const pending = new Map();  // number of a question -> what to do with its answer
   let questions = 0;
-  let observers = [];
+  const observers = [];
 
   // The host's first word. Before it the link need not be up, and a call would be lost.
   const ready = new Promise((resolve) => { window.onHostReady = resolve; });
@@ -30,9 +30,9 @@ const host = (() => {
     question.resolve(value);
   }
 
-  // Calls a function whose last argument is a callback, and gives what the host answers. By
-  // `makeCallback` a function gets the text that the host is to call back.
-  function ask(name, args, makeCallback = (number) => `hostAnswers.take${number}`) {
+  // Calls a function that is answered, with the arguments that `makeArguments` gives for the
+  // question's number, and gives what the host answers.
+  function question(name, makeArguments) {
     const number = ++questions;
     return new Promise((resolve, reject) => {
       const timer = setTimeout(() => {
@@ -41,13 +41,11 @@ const host = (() => {
         reject(new Error(`${name}: no answer`));
       }, kPatience);
       pending.set(number, {name, resolve, timer});
-      const sent = [...args, makeCallback(number)];
-      external[name](...sent);
-      report({name, args: sent});
+      tell(name, ...makeArguments(number));
     });
   }
 
-  // A host finds a callback by its name, here a property that exists as long as it is asked for.
+  // A host finds a callback by its name: every question has one here, made when it is looked up.
   window.hostAnswers = new Proxy({}, {
     get: (_, property) => {
       const number = Number(/^take(\d+)$/.exec(property)?.[1]);
@@ -55,21 +53,24 @@ const host = (() => {
     },
   });
 
-  // A callback may also be the text of a function: the number travels inside it.
-  const bySource = (number) => `(value) => hostAnswers.take${number}(value)`;
+  // The last argument is the callback, by its name.
+  const ask = (name, ...args) =>
+      question(name, (number) => [...args, `hostAnswers.take${number}`]);
+
+  // The same by a function's text, in which the number travels.
+  const askBySource = (name, ...args) =>
+      question(name, (number) => [...args, `(value) => hostAnswers.take${number}(value)`]);
 
   // The answer to a relayed request comes to a function whose name holds "zyns_ajax_complete".
   window.zyns_ajax_complete = (id, status, statusText, headers, body) => {
     settle(Number(id), {status: Number(status), statusText, headers, body});
   };
-
-  function relay({url, method = 'GET', headers = '', body = ''}) {
-    const number = questions + 1;
-    return ask('ajax', [url, method, headers, body, String(number)], () => 'zyns_ajax_complete');
-  }
+  const relay = ({url, method = 'GET', headers = '', body = ''}) =>
+      question('ajax', (number) =>
+        [url, method, headers, body, String(number), 'zyns_ajax_complete']);
 
   return {
     isPresent: typeof window.external?.siteLoaded === 'function',
-    ready, observe, tell, ask, bySource, relay,
+    ready, observe, tell, ask, askBySource, relay,
   };
 })();

@@ -21,20 +21,20 @@ function setAccent(color) {
 // The swatches are images that the host has coloured; until they come, they are empty.
 async function makeSwatches() {
   for (const swatch of document.querySelectorAll('#accents button')) {
-    const image = await host.ask('recolorImage', ['square', ...components(swatch.dataset.color), '']);
+    const image = await host.ask('recolorImage', 'square', ...components(swatch.dataset.color), '');
     swatch.style.backgroundImage = `url("${image}")`;
   }
 }
 
 async function loadSettings() {
-  const saved = async (key) => host.ask('getItem', [key]);
+  const saved = async (key) => host.ask('getItem', key);
   setTheme(await saved('theme') ?? 'system');
   setAccent(await saved('accent') ?? kAccents[0]);
   element('note').value = await saved('note') ?? '';
 }
 
 async function showDiagnostics() {
-  const capabilities = await host.ask('getCapabilities', ['sample store']);
+  const capabilities = await host.ask('getCapabilities', 'sample store');
   const answer = await host.relay({
     url: 'https://store.example/diagnostics',
     method: 'POST',
@@ -52,16 +52,16 @@ function connectSettings() {
     swatch.title = color;
     swatch.addEventListener('click', () => attempt(async () => {
       setAccent(color);
-      await host.ask('setItem', ['accent', color]);
+      await host.ask('setItem', 'accent', color);
     }));
     return swatch;
   }));
   element('themes').addEventListener('change', (event) => attempt(async () => {
     setTheme(event.target.value);
-    await host.ask('setItem', ['theme', event.target.value]);
+    await host.ask('setItem', 'theme', event.target.value);
   }));
   element('note').addEventListener('change', (event) => attempt(async () => {
-    await host.ask('setItem', ['note', event.target.value]);
+    await host.ask('setItem', 'note', event.target.value);
   }));
   onClick('open-settings', async () => {
     element('settings').showModal();
@@ -73,7 +73,7 @@ function connectSettings() {
   });
   onClick('diagnostics', showDiagnostics);
   onClick('style-file', async () => {
-    element('client-answer').textContent = await host.ask('getFileUri', ['store.css']);
+    element('client-answer').textContent = await host.ask('getFileUri', 'store.css');
   });
   onClick('show-error', async () => {
     const pressed = await host.ask('errorDialog',

@@ -62,20 +62,20 @@ function shownApplications() {
 }
 
 async function subscribe(app) {
-  store.mine = await host.ask('subscribe', [app.id]);
+  store.mine = await host.ask('subscribe', app.id);
   toast(`${app.name} is yours now`);
   showApplications();
 }
 
 async function unsubscribe(app) {
-  store.mine = await host.ask('unsubscribe', [app.id]);
+  store.mine = await host.ask('unsubscribe', app.id);
   toast(`${app.name} removed`);
   showApplications();
 }
 
 async function launch(app) {
   if (!store.isOnline) throw new Error('You are offline');
-  const isStarted = await host.ask('launchApp', [app.id]);
+  const isStarted = await host.ask('launchApp', app.id);
   toast(isStarted ? `${app.name} is starting` : `${app.name} could not be started`);
 }
 
@@ -150,7 +150,7 @@ function showDocuments() {
     opener.className = 'quiet';
     button.append(name, opener);
     button.addEventListener('click', () => attempt(async () => {
-      const isStarted = await host.ask('launchResource', [file.id]);
+      const isStarted = await host.ask('launchResource', file.id);
       toast(isStarted ? `${file.name} is opening` : `${file.name} could not be opened`);
     }));
     return button;
@@ -158,18 +158,18 @@ function showDocuments() {
 }
 
 async function loadSubscriptions() {
-  store.mine = await host.ask('getInstalledApps', ['']);
-  if (await host.ask('getItem', ['visited']) === null) {
+  store.mine = await host.ask('getInstalledApps', '');
+  if (await host.ask('getItem', 'visited') === null) {
     for (const app of kCatalogue.filter((each) => each.required)) {
-      store.mine = await host.ask('subscribe', [app.id]);
+      store.mine = await host.ask('subscribe', app.id);
     }
-    await host.ask('setItem', ['visited', 'yes']);
+    await host.ask('setItem', 'visited', 'yes');
   }
 }
 
 async function refresh() {
   host.tell('noteRefreshStart');
-  store.mine = await host.ask('getInstalledApps', ['']);
+  store.mine = await host.ask('getInstalledApps', '');
   showApplications();
   host.tell('refresh');
   toast('Refreshed');
@@ -178,16 +178,16 @@ async function refresh() {
 // --- Account and connection ---
 
 async function showAccount() {
-  const name = await host.ask('getUserDisplayName', []);
+  const name = await host.ask('getUserDisplayName');
   element('account').textContent = name.charAt(0).toUpperCase() || '?';
   element('account-name').textContent = name;
-  const accounts = await host.ask('getAccountsAsync', []);
+  const accounts = await host.ask('getAccountsAsync');
   element('accounts').replaceChildren(...accounts.map((account) => {
     const line = document.createElement('li');
     line.textContent = `${account.user} (${account.id})`;
     return line;
   }));
-  const details = await host.ask('getStoreDetails', []);
+  const details = await host.ask('getStoreDetails');
   element('store-name').textContent = details.name;
 }
 

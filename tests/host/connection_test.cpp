@@ -61,6 +61,7 @@ TEST_F(ConnectionTest, SendsMessagesInOrderWithoutWaiting) {
     EXPECT_EQ(web_process.read_frame(), frame_bytes(0, {}, {"a"}));
     connection->send(build_frame(0, {}, std::array<std::string_view, 1>{"b"}));
     EXPECT_EQ(web_process.read_frame(), frame_bytes(0, {}, {"b"}));
+    EXPECT_EQ(g_main_context_pending(nullptr), FALSE);  // nothing waits for room any more
 }
 
 TEST_F(ConnectionTest, EndsWhenThePeerCloses) {

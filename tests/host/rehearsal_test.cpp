@@ -67,7 +67,7 @@ TEST(Rehearsal, IsNotOverBeforeEveryAnswerIsConfirmed) {
     Rehearsal rehearsal = rehearse();
     rehearsal.note_answer_sent();
     EXPECT_FALSE(rehearsal.is_over());
-    EXPECT_THAT(rehearsal.missing(), ElementsAre("1 answers were not confirmed"));
+    EXPECT_THAT(rehearsal.missing(), ElementsAre("answers not confirmed: 1"));
     rehearsal.note_answer_confirmed();
     EXPECT_TRUE(rehearsal.is_over());
 }
