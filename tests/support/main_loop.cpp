@@ -3,18 +3,23 @@
 #include <glib.h>
 
 namespace kestrel::testing {
+namespace {
+
+constexpr gint64 kPatience = 30 * G_TIME_SPAN_SECOND;
+
+// Some conditions change without an event of this process: they are looked at this often.
+constexpr guint kTickMilliseconds = 20;
+
+}  // namespace
 
 bool run_main_loop_until(const std::function<bool()>& condition) {
-    bool expired = false;
-    const guint timer = g_timeout_add_seconds(
-        10,
-        [](void* flag) -> gboolean {
-            *static_cast<bool*>(flag) = true;
-            return G_SOURCE_CONTINUE;
-        },
-        &expired);
-    while (!condition() && !expired) g_main_context_iteration(nullptr, TRUE);
-    g_source_remove(timer);
+    const gint64 deadline = g_get_monotonic_time() + kPatience;
+    const guint tick = g_timeout_add(
+        kTickMilliseconds, [](void*) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
+    while (!condition() && g_get_monotonic_time() < deadline) {
+        g_main_context_iteration(nullptr, TRUE);
+    }
+    g_source_remove(tick);
     return condition();
 }
 

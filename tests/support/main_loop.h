@@ -4,7 +4,8 @@
 
 namespace kestrel::testing {
 
-// Runs the default main context until `condition` holds; false when it did not within ten seconds.
+// Runs the default main context until `condition` holds; false when it did not within thirty
+// seconds.
 bool run_main_loop_until(const std::function<bool()>& condition);
 
 // Runs the default main context until nothing is left to do at once.

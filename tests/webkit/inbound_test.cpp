@@ -89,13 +89,13 @@ TEST_F(StoreTest, RefusesScriptsAndAnswersWhosePageHasBeenClosed) {
     // Nothing tells when the web process has closed the page: ask until it refuses.
     for (std::size_t asked = 1; captured.text().find("ajaxrespfn") == std::string::npos; ++asked) {
         host.send(1, {"String"});
-        ASSERT_TRUE(wait_until([&] {
+        ASSERT_TRUE(run_main_loop_until([&] {
             return host.frames(33).size() == asked ||
                    captured.text().find("ajaxrespfn") != std::string::npos;
         }));
     }
     host.send(0, {"document.title = 'lost'"});
-    EXPECT_TRUE(wait_until([&] {
+    EXPECT_TRUE(run_main_loop_until([&] {
         return captured.text().find("KsJS_proxy::insertJS: Error calling") != std::string::npos;
     }));
     EXPECT_EQ(store.evaluate("document.title"), "store");

@@ -28,7 +28,7 @@ TEST_F(ConnectedStoreTest, EndsTheProcessWhenAPageCallFindsNoHost) {
     const StderrCapture captured;
     host.hang_up();
     store.evaluate("external.refresh()");
-    ASSERT_TRUE(wait_until([&] { return store.process_has_gone(); }));
+    ASSERT_TRUE(run_main_loop_until([&] { return store.process_has_gone(); }));
 }
 
 TEST_F(StoreTest, EndsTheProcessWithoutAClientDirectory) {
@@ -36,7 +36,7 @@ TEST_F(StoreTest, EndsTheProcessWithoutAClientDirectory) {
     std::filesystem::remove_all(client_directory());
     StoreView store;
     store.load("");
-    ASSERT_TRUE(wait_until([&] { return store.process_has_gone(); }));
+    ASSERT_TRUE(run_main_loop_until([&] { return store.process_has_gone(); }));
     EXPECT_THAT(captured.text(), HasSubstr(".QUOClient not created, anomoly use case, exiting\n"));
 }
 

@@ -11,7 +11,7 @@
 #include <system_error>
 
 #include "tests/support/link_peer.h"
-#include "tests/webkit/event_loop.h"
+#include "tests/support/main_loop.h"
 
 namespace kestrel::testing {
 namespace {
@@ -68,7 +68,7 @@ bool ScriptedHost::read_client() {
 }
 
 bool ScriptedHost::wait_for(int type, std::size_t count) {
-    return wait_until([&] { return frames(type).size() >= count; });
+    return run_main_loop_until([&] { return frames(type).size() >= count; });
 }
 
 std::vector<ReceivedFrame> ScriptedHost::frames(int type) const {

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "tests/webkit/event_loop.h"
+#include "tests/support/main_loop.h"
 #include "tests/webkit/scripted_host.h"
 #include "tests/webkit/store_view.h"
 

@@ -4,7 +4,7 @@
 #include <fstream>
 #include <memory>
 
-#include "tests/webkit/event_loop.h"
+#include "tests/support/main_loop.h"
 
 namespace kestrel::testing {
 namespace {
@@ -77,7 +77,7 @@ StoreView::~StoreView() {
 }
 
 void StoreView::wait_for_load() {
-    wait_until([this] { return loaded_ || process_has_gone_; });
+    run_main_loop_until([this] { return loaded_ || process_has_gone_; });
 }
 
 void StoreView::load(const std::string& html) {
@@ -117,12 +117,12 @@ std::string StoreView::evaluate(const std::string& script) {
             (*place)->come = true;
         },
         new std::shared_ptr<Answer>(answer));
-    wait_until([&] { return answer->come || process_has_gone_; });
+    run_main_loop_until([&] { return answer->come || process_has_gone_; });
     return answer->text;
 }
 
 bool StoreView::wait_for(const std::string& script) {
-    return wait_until([&] { return process_has_gone_ || evaluate(script) == "true"; }) &&
+    return run_main_loop_until([&] { return process_has_gone_ || evaluate(script) == "true"; }) &&
            !process_has_gone_;
 }
 
