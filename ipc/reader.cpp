@@ -32,6 +32,7 @@ bool is_host_gone(ssize_t result, int error) {
 ssize_t read_uninterrupted(int fd, void* buffer, std::size_t size) {
     ssize_t result = 0;
     do {
+        errno = 0;  // a short read is reported with it, too
         result = read(fd, buffer, size);
     } while (result == -1 && errno == EINTR);
     return result;
@@ -43,7 +44,6 @@ void report_host_gone() {
 }
 
 bool read_header(webkit_message& header) {
-    errno = 0;
     const int fd = kestrel::load_server_fd();
     const ssize_t result = read_uninterrupted(fd, &header, sizeof header);
     const int error = errno;

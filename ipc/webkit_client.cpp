@@ -40,33 +40,38 @@ sockaddr_un address_of(const char* path) {
     return address;
 }
 
-// One attempt; on success the announcement has gone out before any other sender's frame.
-bool connect_and_announce(int fd, const sockaddr_un& address) {
-    const std::scoped_lock lock(kestrel::send_lock);
+bool connect_once(int fd, const sockaddr_un& address) {
     int result = 0;
     do {
         result = connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address);
     } while (result == -1 && errno == EINTR);
-    if (result == -1) return false;
-
-    const int pid = getpid();
-    const kestrel::Frame frame =
-        kestrel::build_frame(kestrel::to_host("announce"), std::array{pid}, {});
-    if (frame) kestrel::write_frame(*frame);
-    return true;
+    return result == 0;
 }
 
-bool connect_with_retries(int fd, const sockaddr_un& address) {
-    bool connected = connect_and_announce(fd, address);
+// Takes the lock for each attempt and keeps it on success, so that no other sender's frame can
+// reach the host before the announcement does.
+bool connect_with_retries(int fd, const sockaddr_un& address,
+                          std::unique_lock<std::mutex>& sending) {
+    sending.lock();
+    bool connected = connect_once(fd, address);
     for (int retries = kestrel::kConnectRetries; !connected && retries > 0;) {
+        sending.unlock();
         sleep(kestrel::kConnectRetrySeconds);
-        connected = connect_and_announce(fd, address);
+        sending.lock();
+        connected = connect_once(fd, address);
         --retries;
         __ZynTrace(kestrel::kLogWebkit, kestrel::kInfo, "", "", 0,
                    "Failed to connect to server, trying again after %d secs, retries left : %d",
                    static_cast<int>(kestrel::kConnectRetrySeconds), retries);
     }
     return connected;
+}
+
+void announce() {
+    const int pid = getpid();
+    const kestrel::Frame frame =
+        kestrel::build_frame(kestrel::to_host("announce"), std::array{pid}, {});
+    if (frame) kestrel::write_frame(*frame);
 }
 
 }  // namespace
@@ -108,12 +113,15 @@ void* webkit_client::sinitComm(void* socket_path) {
         __ZynTrace(kestrel::kLogWebkit, kestrel::kError, "", "", 0, "Could not create socket");
         return nullptr;
     }
-    if (!connect_with_retries(fd, address_of(path.get()))) {
+    std::unique_lock sending(kestrel::send_lock, std::defer_lock);
+    if (!connect_with_retries(fd, address_of(path.get()), sending)) {
         __ZynTrace(kestrel::kLogWebkit, kestrel::kError, "", "", 0,
                    "Connection error with webkit_server");
         error_line("Connection error!\n");
         return nullptr;
     }
+    announce();
+    sending.unlock();
     path.reset();
     lock.unlock();
     signal.notify_one();
