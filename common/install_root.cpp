@@ -1,4 +1,3 @@
-#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,6 +8,7 @@
 #include <vector>
 
 #include "common/LinuxCommonUtils.h"
+#include "common/password_entry.h"
 #include "common/platform.h"
 
 namespace {
@@ -18,19 +18,6 @@ constexpr std::array kRootMarkers = {"KeyWardenDaemon", "ServiceLedger", "Primar
                                      "util/catalook"};
 
 constexpr std::size_t kMaxLinkTarget = 4'095;
-
-// The calling user's home directory as the password database has it, or "".
-std::string home_of_password_entry() {
-    const long suggested = sysconf(_SC_GETPW_R_SIZE_MAX);
-    std::vector<char> buffer(suggested > 0 ? static_cast<std::size_t>(suggested) : 16'384);
-    passwd entry{};
-    passwd* found = nullptr;
-    if (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found) != 0 ||
-        found == nullptr || found->pw_dir == nullptr) {
-        return "";
-    }
-    return found->pw_dir;
-}
 
 // The executable's directory and, if that is called "util", its parent.
 std::vector<std::string> roots_by_executable(const std::string& executable) {
@@ -59,7 +46,7 @@ std::vector<std::string> root_candidates() {
 
 std::string LinuxCommonUtils::getHomeDir() {
     if (const char* home = std::getenv("HOME")) return home;
-    return home_of_password_entry();
+    return kestrel::password_entry_of_caller().home;
 }
 
 std::string LinuxCommonUtils::GetModulePath() {

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <unistd.h>
+
+namespace kestrel {
+
+// Owns an open file, or holds -1.
+class FileDescriptor {
+  public:
+    explicit FileDescriptor(int fd) : fd_(fd) {}
+    ~FileDescriptor() {
+        if (is_open()) close(fd_);
+    }
+    FileDescriptor(const FileDescriptor&) = delete;
+    FileDescriptor& operator=(const FileDescriptor&) = delete;
+
+    bool is_open() const { return fd_ != -1; }
+    int get() const { return fd_; }
+
+  private:
+    int fd_;
+};
+
+}  // namespace kestrel

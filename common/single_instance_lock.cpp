@@ -1,0 +1,97 @@
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <string>
+
+#include "common/LinuxCommonUtils.h"
+#include "common/file_descriptor.h"
+
+namespace {
+
+enum class LockState { kFailed, kStale, kRunning, kOwned };
+
+// Another user may have put a link there when the scratch directory is a shared one.
+constexpr int kSafely = O_CLOEXEC | O_NOFOLLOW;
+
+LockState failure(const std::string& what) {
+    std::fputs((what + std::strerror(errno) + "\n").c_str(), stderr);
+    return LockState::kFailed;
+}
+
+// Holds the lock on an open file. A child forked meanwhile by another thread shares the lock, so
+// that closing alone would not give it back.
+class FileLock {
+  public:
+    explicit FileLock(int fd) : fd_(fd), is_held_(flock(fd, LOCK_EX) == 0) {}
+    ~FileLock() {
+        if (is_held_) flock(fd_, LOCK_UN);
+    }
+    FileLock(const FileLock&) = delete;
+    FileLock& operator=(const FileLock&) = delete;
+
+    bool is_held() const { return is_held_; }
+
+  private:
+    int fd_;
+    bool is_held_;
+};
+
+// Up to its first newline: normally all of it, with the NULs that separate the arguments.
+std::string command_line(const std::string& process) {
+    std::ifstream file("/proc/" + process + "/cmdline");
+    std::string line;
+    std::getline(file, line);
+    return line;
+}
+
+LockState read_lock(const std::string& path) {
+    const kestrel::FileDescriptor file(open(path.c_str(), O_RDONLY | kSafely));
+    if (!file.is_open()) return errno == ENOENT ? LockState::kStale : LockState::kFailed;
+    const FileLock lock(file.get());
+    if (!lock.is_held()) return failure("locking error: ");
+
+    std::int32_t owner = 0;
+    const ssize_t size = read(file.get(), &owner, sizeof owner);
+    if (size == -1) return failure("reading error for lock file: ");
+    // Zero and negative ids would make kill ask for whole process groups.
+    if (size != sizeof owner || owner <= 0 || kill(owner, 0) == -1) return LockState::kStale;
+    return command_line("self") == command_line(std::to_string(owner)) ? LockState::kRunning
+                                                                       : LockState::kStale;
+}
+
+LockState take_lock(const std::string& path) {
+    const kestrel::FileDescriptor file(open(path.c_str(), O_RDWR | O_CREAT | kSafely, 0700));
+    if (!file.is_open()) return failure("error opening write : ");
+    const FileLock lock(file.get());
+    if (!lock.is_held()) return failure("locking error: ");
+
+    const std::int32_t owner = getpid();
+    if (write(file.get(), &owner, sizeof owner) == -1) return failure("unable to write in file :");
+    return LockState::kOwned;
+}
+
+}  // namespace
+
+// The name comes by value because the exported signature says so.
+bool LinuxCommonUtils::IsAnotherInstanceRunning(std::string name) {  // NOLINT
+    const std::string program = name.c_str();  // up to its first NUL, as every path
+    const std::string path = getUserTmpDir() + "/." + program + ".lock";
+
+    const bool stays_inside = program.find('/') == std::string::npos;
+    LockState state = stays_inside ? read_lock(path) : LockState::kFailed;
+    if (state == LockState::kStale) state = take_lock(path);
+    if (state == LockState::kFailed) {
+        const std::string advice = "Failed to check if another Key Warden exist\nPlease remove" +
+                                   path + " file and kill any '" + program +
+                                   "' which is running.\n";
+        std::fputs(advice.c_str(), stderr);
+    }
+    return state != LockState::kOwned;
+}
