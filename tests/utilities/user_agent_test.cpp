@@ -166,6 +166,10 @@ struct Split {
     const char* text;
     const char* name;
     const char* version;
+
+    friend std::ostream& operator<<(std::ostream& stream, const Split& split) {
+        return stream << '"' << split.text << '"';
+    }
 };
 
 class UserAgentParameters : public ::testing::TestWithParam<Split> {};
