@@ -4,6 +4,8 @@
 #include <ctime>
 #include <string>
 
+#pragma GCC visibility push(default)
+
 // The client family's Linux utilities: static members only, nothing is thrown for missing files,
 // unreadable links or failing calls. Narrow texts are bytes as the system gives them, UTF-8 in
 // practice; wide texts hold one 32-bit character an element. Pointers must not be null unless the
@@ -11,7 +13,7 @@
 //
 // Any thread may call any member, but for drop_capability, as long as no thread changes the
 // environment or the locale at the same time.
-class [[gnu::visibility("default")]] LinuxCommonUtils {
+class LinuxCommonUtils {
   public:
     // ---- Places ----
 
@@ -35,7 +37,7 @@ class [[gnu::visibility("default")]] LinuxCommonUtils {
     static std::string GetModulePath();
 
     // Whether `path` names anything that stat can see, of any kind.
-    static bool ifFileExists(std::string & path);
+    static bool ifFileExists(std::string& path);
 
     // Whether `root` is a complete install root: it holds every marker file of the client. False
     // for "", without touching the file system.
@@ -72,8 +74,8 @@ class [[gnu::visibility("default")]] LinuxCommonUtils {
 
     // Splits `userAgent` at its last slash into `name` and `version`. Without a slash both are the
     // whole text.
-    static void GetWebkitUserAgentParamters(std::string userAgent, std::string & name,
-                                            std::string & version);
+    static void GetWebkitUserAgentParamters(std::string userAgent, std::string& name,
+                                            std::string& version);
 
     // ---- One instance of a program per user ----
 
@@ -155,3 +157,5 @@ class [[gnu::visibility("default")]] LinuxCommonUtils {
     // for a null pointer.
     static void SecureZeroMemory(void* memory, std::size_t size);
 };
+
+#pragma GCC visibility pop

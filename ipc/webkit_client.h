@@ -10,7 +10,9 @@
 
 #include "ipc/protocol.h"
 
-class [[gnu::visibility("default")]] webkit_client {
+#pragma GCC visibility push(default)
+
+class webkit_client {
   public:
     // Called with a message's integers and strings.
     using InboundHandler = void (*)(int*, std::string*);
@@ -19,7 +21,7 @@ class [[gnu::visibility("default")]] webkit_client {
     // handler is; it must live as long as the process) and starts the detached reader thread.
     // Takes over `socket_path`, a malloc block. A path over 107 bytes is an error line, and no
     // link is started. Call it once.
-    static void initComm(InboundHandler * handlers, char* socket_path);
+    static void initComm(InboundHandler* handlers, char* socket_path);
 
     // The reader thread's body: connects (11 attempts, a second apart), announces the process with
     // type 61, then reads for ever. Takes over `socket_path`, a malloc block.
@@ -33,13 +35,13 @@ class [[gnu::visibility("default")]] webkit_client {
     // integers and the strings; the strings are followed by empty ones, at least one and up to
     // index 5. Both arrays die when the handler returns. A message whose items do not fit its
     // header, or that has no handler, is a log line and nothing else. The caller keeps the message.
-    static void processMessage(webkit_message * &message);
+    static void processMessage(webkit_message*& message);
 
     // Writes one message whole; messages of several threads never mix. While server_fd is -1 the
     // message is dropped with an error line. A write that fails or is short ends the process with
     // exit(-1); the process never sees a SIGPIPE from it. The caller keeps the message. Any
     // thread; waits while the host does not read.
-    static void sendMessage(webkit_message * &message);
+    static void sendMessage(webkit_message*& message);
 
     // Closes the socket and sets server_fd to -1. Not while another thread sends.
     static void deinitComm();
@@ -52,3 +54,5 @@ class [[gnu::visibility("default")]] webkit_client {
     static std::mutex mu;
     static std::condition_variable signal;
 };
+
+#pragma GCC visibility pop

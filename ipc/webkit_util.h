@@ -5,9 +5,11 @@
 
 #include "ipc/protocol.h"
 
+#pragma GCC visibility push(default)
+
 // Building of frames and taking payloads apart, for programs that link the library. The extension
 // itself decodes in place (ipc/frame.h).
-class [[gnu::visibility("default")]] webkit_util {
+class webkit_util {
   public:
     // Builds a frame of `type` with the integers, then the strings, in list order; a string is
     // carried up to its first NUL. The caller owns the result and releases it with free(). Null,
@@ -26,3 +28,5 @@ class [[gnu::visibility("default")]] webkit_util {
     // bytes; `position` moves behind its NUL all the same.
     static std::string parseNextString(int& position, char* payload, char*& scratch);
 };
+
+#pragma GCC visibility pop

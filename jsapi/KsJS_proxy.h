@@ -9,11 +9,13 @@
 
 #include "ipc/webkit_client.h"
 
-class [[gnu::visibility("default")]] KsJS_proxy {
+#pragma GCC visibility push(default)
+
+class KsJS_proxy {
   public:
     // A JavaScriptCore object-call callback: context, function, this, count, arguments, exception.
-    using PageMethod =
-        JSValueRef(JSContextRef, JSObjectRef, JSObjectRef, size_t, const JSValueRef[], JSValueRef*);
+    using PageMethod = JSValueRef(JSContextRef, JSObjectRef, JSObjectRef, size_t,
+                                  const JSValueRef[], JSValueRef*);
 
     // --- Functions of `external` ---
     // Each checks its argument count, sends one message to the host and returns undefined; none
@@ -55,7 +57,7 @@ class [[gnu::visibility("default")]] KsJS_proxy {
     // Converts `value` to text as script would, cut at its first U+0000 or unpaired surrogate. A
     // conversion that throws leaves `text` as it was, after an error line.
     static void getStringFromJavascriptRef(JSContextRef context, JSValueRef value,
-                                           std::string & text);
+                                           std::string& text);
 
     // Looks at a script exception, null or not: an error line if it cannot even become text,
     // otherwise nothing.
@@ -76,7 +78,7 @@ class [[gnu::visibility("default")]] KsJS_proxy {
 
     // Delivers one answer: callback text, then arguments, all malloc copies. Takes the list, made
     // with new, and its elements. Returns false. Main thread.
-    static int szyns_cb_wrapper(std::list<char*> * answer);
+    static int szyns_cb_wrapper(std::list<char*>* answer);
 
     // Type 34: keeps the URL strings[0] and the resources strings[1] for the next page, and tells
     // the host.
@@ -91,3 +93,5 @@ class [[gnu::visibility("default")]] KsJS_proxy {
     // The URL of the last type-34 message. Reader thread.
     static std::string preloadURL;
 };
+
+#pragma GCC visibility pop
