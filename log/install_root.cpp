@@ -1,0 +1,67 @@
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "log/errno_guard.h"
+#include "log/zynlog_paths.h"
+
+namespace {
+
+using RootBuffer = std::array<char, 4'096>;
+
+// What a directory must hold to be an install root of the client.
+constexpr std::array kRootFiles = {"/libproxy.so", "/gtk/glade/main.glade"};
+
+constexpr std::string_view kUtilitiesDirectory = "/util";
+
+bool is_usable(const std::string& directory) {
+    return std::ranges::all_of(kRootFiles, [&](const char* file) {
+        return access((directory + file).c_str(), F_OK) == 0;
+    });
+}
+
+// "" when it cannot be read.
+std::string executable_directory() {
+    std::array<char, 4'095> target;
+    const ssize_t length = readlink("/proc/self/exe", target.data(), target.size());
+    if (length <= 0) return "";
+    const std::string_view path(target.data(), static_cast<std::size_t>(length));
+    return std::string(path.substr(0, path.rfind('/')));
+}
+
+std::string find_root() {
+    if (const char* root = std::getenv("QUOROOT"); root != nullptr && is_usable(root)) return root;
+
+    std::string directory = executable_directory();
+    if (!directory.empty()) {
+        if (is_usable(directory)) return directory;
+        if (directory.ends_with(kUtilitiesDirectory)) {
+            directory.resize(directory.size() - kUtilitiesDirectory.size());
+            if (is_usable(directory)) return directory;
+        }
+    }
+    for (const char* root : {"/opt/Veltrane/QUOClient", "/usr/lib/QUOClient"}) {
+        if (is_usable(root)) return root;
+    }
+    return "";
+}
+
+RootBuffer search() {
+    const kestrel::logging::ErrnoGuard errno_guard;
+    RootBuffer buffer{};
+    const std::string root = find_root();
+    root.copy(buffer.data(), buffer.size() - 1);
+    return buffer;
+}
+
+}  // namespace
+
+const char* GetQUORoot() {
+    static const RootBuffer root = search();
+    return root.data();
+}

@@ -1,0 +1,68 @@
+#include <dirent.h>
+
+#include <array>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "log/errno_guard.h"
+#include "log/zynlog_paths.h"
+
+namespace {
+
+using VersionBuffer = std::array<char, 32>;
+
+constexpr std::string_view kVersionKey = "ID_VERSION=";
+
+struct DirectoryCloser {
+    void operator()(DIR* directory) const { closedir(directory); }
+};
+struct FileCloser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using Directory = std::unique_ptr<DIR, DirectoryCloser>;
+using File = std::unique_ptr<std::FILE, FileCloser>;
+
+// The first that the directory lists; null when there is none or it cannot be read.
+File open_version_file() {
+    const std::string path = std::string(GetQUORoot()) + "/pkginf/";
+    const Directory directory(opendir(path.c_str()));
+    if (directory == nullptr) return nullptr;
+    while (const dirent* entry = readdir(directory.get())) {
+        if (std::strstr(entry->d_name, "Ver.core.") != nullptr) {
+            return File(std::fopen((path + entry->d_name).c_str(), "re"));
+        }
+    }
+    return nullptr;
+}
+
+// What follows the key in the first line that has it. A line counts in pieces of 127 characters.
+std::string version_in(std::FILE* file) {
+    std::array<char, 128> piece;
+    while (std::fgets(piece.data(), piece.size(), file) != nullptr) {
+        const std::string_view line = piece.data();
+        const std::size_t key = line.find(kVersionKey);
+        if (key == std::string_view::npos) continue;
+        const std::string_view value = line.substr(key + kVersionKey.size());
+        return std::string(value.substr(0, value.find('\n')));
+    }
+    return "unknown";
+}
+
+VersionBuffer read_version() {
+    const kestrel::logging::ErrnoGuard errno_guard;
+    const File file = open_version_file();
+    const std::string version = file == nullptr ? "unknown" : version_in(file.get());
+    VersionBuffer buffer{};
+    version.copy(buffer.data(), buffer.size() - 1);
+    return buffer;
+}
+
+}  // namespace
+
+const char* GetTarnPackageversion() {
+    static const VersionBuffer version = read_version();
+    return version.data();
+}

@@ -1,0 +1,113 @@
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "log/errno_guard.h"
+#include "log/local_socket.h"
+#include "log/sigpipe_ignored.h"
+#include "log/zynlog_paths.h"
+
+using kestrel::logging::ErrnoGuard;
+
+namespace {
+
+// The suffix of a per-user path follows the home directory and a slash of its own: the double slash
+// is what the family's other programs have always used.
+struct FileLocation {
+    const char* system_wide;
+    const char* per_user_suffix;
+};
+
+constexpr FileLocation kConfigFile{"/var/log/veltrane/.zynlogconf", "/.QUOClient/.zynlogconf"};
+constexpr FileLocation kLogFile{"/var/log/veltrane/QUOClient.log",
+                                "/.QUOClient/logs/QUOClient.log"};
+constexpr FileLocation kSocketFile{"/var/log/veltrane/.zynlogsocket", "/.QUOClient/.zynlogsocket"};
+
+bool owns_system_log_directory() {
+    struct stat status {};
+    return stat("/var/log/veltrane/", &status) == 0 && status.st_uid == getuid();
+}
+
+bool system_daemon_answers() {
+    const kestrel::logging::SigpipeIgnored sigpipe_ignored;
+    return static_cast<bool>(kestrel::logging::connect_to(kSocketFile.system_wide));
+}
+
+// Settled for all three files by the first of them that is asked for.
+bool uses_system_log_directory() {
+    static const bool result = owns_system_log_directory() || system_daemon_answers();
+    return result;
+}
+
+const char* find_home() {
+    if (const char* home = std::getenv("HOME")) return strdup(home);
+    std::array<char, 16'384> buffer;
+    passwd entry{};
+    passwd* found = nullptr;
+    if (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found) != 0 ||
+        found == nullptr || found->pw_dir == nullptr) {
+        return nullptr;
+    }
+    return strdup(found->pw_dir);
+}
+
+// The home directory as it is when first asked for; null when there is none.
+const char* home_directory() {
+    static const char* const home = find_home();
+    return home;
+}
+
+bool create_directory(const std::string& path) {
+    return mkdir(path.c_str(), 0777) == 0 || errno == EEXIST;
+}
+
+// With all missing parents.
+bool create_directories(const std::string& path) {
+    if (create_directory(path)) return true;
+    if (errno != ENOENT) return false;
+    const std::size_t slash = path.rfind('/');
+    return slash != std::string::npos && create_directories(path.substr(0, slash)) &&
+           create_directory(path);
+}
+
+// Tried once per process. Every path depends on it, not only that of the log.
+bool has_log_directory(const char* home) {
+    static const bool result = create_directories(std::string(home) + "/.QUOClient/logs/");
+    return result;
+}
+
+const char* per_user_path(const char* suffix) {
+    const char* const home = home_directory();
+    if (home == nullptr || !has_log_directory(home)) return "";
+    char* path = nullptr;
+    return asprintf(&path, "%s/%s", home, suffix) == -1 ? "" : path;
+}
+
+const char* path_of(const FileLocation& file) {
+    const ErrnoGuard errno_guard;
+    return uses_system_log_directory() ? file.system_wide : per_user_path(file.per_user_suffix);
+}
+
+}  // namespace
+
+const char* GetConfigFilePath() {
+    static const char* const path = path_of(kConfigFile);
+    return path;
+}
+
+const char* GetLogFilePath() {
+    static const char* const path = path_of(kLogFile);
+    return path;
+}
+
+const char* GetSocketFilePath() {
+    static const char* const path = path_of(kSocketFile);
+    return path;
+}

@@ -1,0 +1,81 @@
+#include "log/shared_config.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "log/errno_guard.h"
+#include "log/file_descriptor.h"
+#include "log/zynlog_paths.h"
+
+namespace kestrel::logging {
+
+constinit std::atomic<SharedLogConfig*> mapped_config = nullptr;
+
+namespace {
+
+// Where the first mapping came to lie, and all later ones do. Between them lies a page of zeros.
+constinit std::atomic<void*> mapping_place = nullptr;
+
+// Every user's processes and the daemon share the file, so its mode must not depend on the umask.
+FileDescriptor open_config_file() {
+    umask(0);
+    FileDescriptor file(open(GetConfigFilePath(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+    umask(022);
+    return file;
+}
+
+SharedLogConfig* map_file(int fd) {
+    void* const place = mapping_place;
+    const int fixed = place == nullptr ? 0 : MAP_FIXED;
+    void* const mapping =
+        mmap(place, sizeof(SharedLogConfig), PROT_READ | PROT_WRITE, MAP_SHARED | fixed, fd, 0);
+    if (mapping == MAP_FAILED) return nullptr;
+    mapping_place = mapping;
+    return static_cast<SharedLogConfig*>(mapping);
+}
+
+// The magic comes last: a process that sees it sees the rest.
+void write_defaults(SharedLogConfig& shared) {
+    static const SharedLogConfig defaults = [] {
+        SharedLogConfig record = kDefaultConfig;
+        set_output_path(record, GetLogFilePath());
+        return record;
+    }();
+    std::memcpy(&shared, &defaults, offsetof(SharedLogConfig, magic));
+    std::atomic_ref(shared.magic).store(defaults.magic, std::memory_order_release);
+}
+
+}  // namespace
+
+void set_output_path(SharedLogConfig& shared, const char* path) {
+    const std::size_t length = strnlen(path, shared.output_path.size());
+    char* const end = std::copy_n(path, length, shared.output_path.data());
+    std::fill(end, shared.output_path.data() + shared.output_path.size(), '\0');
+}
+
+void map_shared_config() {
+    const ErrnoGuard errno_guard;
+    const FileDescriptor file = open_config_file();
+    if (!file || ftruncate(file.get(), sizeof(SharedLogConfig)) == -1) return;
+    SharedLogConfig* const shared = map_file(file.get());
+    if (shared == nullptr) return;
+    if (std::atomic_ref(shared->magic).load(std::memory_order_acquire) != kConfigMagic) {
+        write_defaults(*shared);
+    }
+    mapped_config.store(shared, std::memory_order_release);
+}
+
+void unmap_shared_config() {
+    const ErrnoGuard errno_guard;
+    SharedLogConfig* const shared = mapped_config.exchange(nullptr);
+    if (shared == nullptr) return;
+    // Not munmap: a thread that has read the pointer before must find something there.
+    mmap(shared, sizeof(SharedLogConfig), PROT_READ | PROT_WRITE,
+         MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED, -1, 0);
+}
+
+}  // namespace kestrel::logging

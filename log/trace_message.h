@@ -1,0 +1,32 @@
+#pragma once
+
+#include <array>
+#include <cstdarg>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "log/daemon_protocol.h"
+
+namespace kestrel::logging {
+
+// The bytes that one line is to the daemon, made now, by this thread. About 8 KB, for the stack;
+// only what is used of it is ever written to.
+class TraceMessage {
+  public:
+    [[gnu::format(printf, 4, 0)]] TraceMessage(std::uint32_t log_class, int level,
+                                               const char* format, std::va_list arguments);
+
+    std::span<const char> bytes() const { return {bytes_.data(), size_}; }
+
+  private:
+    [[gnu::format(printf, 2, 3)]] void append(const char* format, ...);
+    [[gnu::format(printf, 2, 0)]] void append_v(const char* format, std::va_list arguments);
+    void append_thread_name();
+    void fill_in_fields(std::uint32_t log_class, int level);
+
+    std::array<char, sizeof(TraceRecord) + kTextSize> bytes_;
+    std::size_t size_;  // of fields, text and its NUL
+};
+
+}  // namespace kestrel::logging
