@@ -1,0 +1,136 @@
+#include "tests/log/machine.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <spawn.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "tests/support/temporary_directory.h"
+
+namespace kestrel::testing {
+namespace {
+
+const std::string* home_path = nullptr;
+bool private_machine = false;
+
+// Root may do without a user namespace; others need one in which they stay who they are.
+bool enter_mount_namespace() {
+    if (unshare(CLONE_NEWNS) == 0) return true;
+    const std::string uid = std::to_string(getuid());
+    const std::string gid = std::to_string(getgid());
+    if (unshare(CLONE_NEWUSER | CLONE_NEWNS) == -1) return false;
+    write_file("/proc/self/setgroups", "deny");
+    write_file("/proc/self/uid_map", uid + " " + uid + " 1");
+    write_file("/proc/self/gid_map", gid + " " + gid + " 1");
+    return true;
+}
+
+bool make_machine_private() {
+    return enter_mount_namespace() &&
+           mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 && cover("/var/log");
+}
+
+bool run_alone(const std::string& test_case) {
+    std::string filter = "--gtest_filter=" + test_case;
+    std::string brief = "--gtest_brief=1";
+    std::string program = std::filesystem::read_symlink("/proc/self/exe");
+    const std::array<char*, 4> arguments = {program.data(), filter.data(), brief.data(), nullptr};
+    pid_t pid = 0;
+    if (posix_spawn(&pid, program.c_str(), nullptr, nullptr, arguments.data(), environ) != 0) {
+        return false;
+    }
+    int status = 0;
+    waitpid(pid, &status, 0);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+// With more than one case selected, runs each in a process of its own and ends this one.
+class OneProcessPerCase : public ::testing::Environment {
+  public:
+    void SetUp() override {
+        const auto& tests = *::testing::UnitTest::GetInstance();
+        if (tests.test_to_run_count() <= 1) return;
+        int failures = 0;
+        for (int suite = 0; suite < tests.total_test_suite_count(); ++suite) {
+            failures += run_suite(*tests.GetTestSuite(suite));
+        }
+        std::printf("%d of %d failed\n", failures, tests.test_to_run_count());
+        std::exit(failures == 0 ? 0 : 1);
+    }
+
+  private:
+    static int run_suite(const ::testing::TestSuite& suite) {
+        int failures = 0;
+        for (int index = 0; index < suite.total_test_count(); ++index) {
+            const ::testing::TestInfo& test = *suite.GetTestInfo(index);
+            if (!test.should_run()) continue;
+            if (!run_alone(std::string(suite.name()) + "." + test.name())) ++failures;
+        }
+        return failures;
+    }
+};
+
+}  // namespace
+
+const std::string& home() { return *home_path; }
+
+std::string client_directory() {
+    const std::string directory = home() + "/.QUOClient";
+    std::filesystem::create_directories(directory);
+    return directory;
+}
+
+bool cover(const std::string& directory) {
+    return mount("none", directory.c_str(), "tmpfs", 0, "mode=0755") == 0;
+}
+
+bool has_private_machine() { return private_machine; }
+
+void write_file(const std::string& path, std::string_view content) {
+    std::ofstream(path, std::ios::binary) << content;
+}
+
+std::string read_file(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::set<int> open_descriptors() {
+    std::set<int> descriptors;
+    for (int fd = 0; fd < 256; ++fd) {
+        if (fcntl(fd, F_GETFD) != -1) descriptors.insert(fd);
+    }
+    return descriptors;
+}
+
+}  // namespace kestrel::testing
+
+int main(int argc, char** argv) {
+    using namespace kestrel::testing;
+    testing::InitGoogleMock(&argc, argv);
+    if (GTEST_FLAG_GET(list_tests)) return RUN_ALL_TESTS();
+
+    private_machine = make_machine_private();
+    if (!private_machine && std::filesystem::exists("/var/log/veltrane")) {
+        std::fputs("These tests keep off a /var/log/veltrane that is in use.\n", stderr);
+        return 1;
+    }
+    const TemporaryDirectory directory;
+    home_path = &directory.path();
+    setenv("HOME", directory.path().c_str(), 1);
+    unsetenv("QUOROOT");
+    testing::AddGlobalTestEnvironment(new OneProcessPerCase);
+    return RUN_ALL_TESTS();
+}

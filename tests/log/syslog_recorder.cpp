@@ -1,0 +1,86 @@
+// Fortified builds call other entry points, whose inline callers would stand in the way here.
+#undef _FORTIFY_SOURCE
+
+#include "tests/log/syslog_recorder.h"
+
+#include <syslog.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <mutex>
+
+namespace {
+
+constinit std::mutex lock;
+std::vector<std::string> calls;
+
+// As a real syslog may, it changes errno.
+void record(std::string call) {
+    const std::scoped_lock guard(lock);
+    calls.push_back(std::move(call));
+    errno = ENOTCONN;
+}
+
+[[gnu::format(printf, 3, 0)]] void record_line(const char* function, int priority,
+                                               const char* format, std::va_list arguments) {
+    std::array<char, 16'384> text;
+    std::vsnprintf(text.data(), text.size(), format, arguments);
+    record(std::string(function) + "(" + std::to_string(priority) + ", " + text.data() + ")");
+}
+
+}  // namespace
+
+extern "C" {
+
+void openlog(const char* ident, int option, int facility) {
+    record("openlog(" + std::string(ident) + ", " + std::to_string(option) + ", " +
+           std::to_string(facility) + ")");
+}
+
+int setlogmask(int mask) noexcept {
+    record("setlogmask(" + std::to_string(mask) + ")");
+    return 0xff;
+}
+
+void vsyslog(int priority, const char* format, std::va_list arguments) {
+    record_line("vsyslog", priority, format, arguments);
+}
+
+void syslog(int priority, const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    record_line("syslog", priority, format, arguments);
+    va_end(arguments);
+}
+
+[[gnu::format(printf, 3, 0)]] void __vsyslog_chk(int priority, int /*flag*/, const char* format,
+                                                 std::va_list arguments) {
+    record_line("vsyslog", priority, format, arguments);
+}
+
+[[gnu::format(printf, 3, 4)]] void __syslog_chk(int priority, int /*flag*/, const char* format,
+                                                ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    record_line("syslog", priority, format, arguments);
+    va_end(arguments);
+}
+
+void closelog() { record("closelog()"); }
+}
+
+namespace kestrel::testing {
+
+std::vector<std::string> syslog_calls() {
+    const std::scoped_lock guard(lock);
+    return calls;
+}
+
+void clear_syslog_calls() {
+    const std::scoped_lock guard(lock);
+    calls.clear();
+}
+
+}  // namespace kestrel::testing
