@@ -73,9 +73,13 @@ void unmap_shared_config() {
     const ErrnoGuard errno_guard;
     SharedLogConfig* const shared = mapped_config.exchange(nullptr);
     if (shared == nullptr) return;
-    // Not munmap: a thread that has read the pointer before must find something there.
-    mmap(shared, sizeof(SharedLogConfig), PROT_READ | PROT_WRITE,
-         MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED, -1, 0);
+    // Not munmap: a thread that has read the pointer before must find something there. Moved over
+    // it rather than mapped, which the thread sanitizer takes for a write.
+    void* const zeros = mmap(nullptr, sizeof(SharedLogConfig), PROT_READ | PROT_WRITE,
+                             MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (zeros == MAP_FAILED) return;
+    mremap(zeros, sizeof(SharedLogConfig), sizeof(SharedLogConfig), MREMAP_MAYMOVE | MREMAP_FIXED,
+           shared);
 }
 
 }  // namespace kestrel::logging
