@@ -22,8 +22,9 @@ constinit std::atomic<void*> mapping_place = nullptr;
 
 // Every user's processes and the daemon share the file, so its mode must not depend on the umask.
 FileDescriptor open_config_file() {
+    const char* const path = GetConfigFilePath();  // creates directories, under the caller's umask
     umask(0);
-    FileDescriptor file(open(GetConfigFilePath(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+    FileDescriptor file(open(path, O_RDWR | O_CREAT | O_CLOEXEC, 0666));
     umask(022);
     return file;
 }

@@ -80,6 +80,13 @@ TEST(ConfigRecord, IsOpenToEveryUserWhateverTheUmask) {
     EXPECT_EQ(status.st_mode & 07777U, 0666U);
 }
 
+TEST(ConfigRecord, LeavesItsDirectoryToTheUmask) {
+    umask(0077);
+    EXPECT_EQ(ZynLogInitConfigOnly(), 1);
+    EXPECT_EQ(std::filesystem::status(home() + "/.QUOClient").permissions(),
+              std::filesystem::perms::owner_all);
+}
+
 TEST(ConfigRecord, LeavesTheUmaskAt022) {
     umask(0077);
     ZynLogInitConfigOnly();

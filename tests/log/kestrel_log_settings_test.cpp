@@ -1,0 +1,237 @@
+// The built kestrel-log, as people and scripts use it for the settings.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <cstdlib>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/log/bytes.h"
+#include "tests/log/machine.h"
+#include "tests/log/program.h"
+
+namespace {
+
+using kestrel::testing::home;
+using kestrel::testing::kestrel_log;
+using kestrel::testing::Outcome;
+using kestrel::testing::read_file;
+using kestrel::testing::u32_at;
+using testing::ContainsRegex;
+using testing::HasSubstr;
+
+std::string record() { return read_file(home() + "/.QUOClient/.zynlogconf"); }
+
+// A change that works says nothing.
+void expect_silent_success(const Outcome& outcome) {
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.error, "");
+}
+
+class KestrelLog : public testing::Test {
+  protected:
+    KestrelLog() { kestrel_log({"show"}); }
+
+    // The change is refused with a message, and nothing is changed.
+    void expect_refused(std::initializer_list<std::string> arguments, const std::string& message) {
+        const std::string before = record();
+        const Outcome outcome = kestrel_log(arguments);
+        EXPECT_EQ(outcome.status, 2) << message;
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_THAT(outcome.error, HasSubstr(message));
+        EXPECT_EQ(record(), before);
+    }
+};
+
+TEST_F(KestrelLog, ShowsEveryClassWithItsOwnAndItsWorkingLevel) {
+    kestrel_log({"level", "KS", "VERBOSE"});
+    const Outcome outcome = kestrel_log({"show"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.error, "");
+    EXPECT_THAT(outcome.output, ContainsRegex("\nKSEXT +INHERIT +VERBOSE +Kestrel Extensions\n"));
+    EXPECT_THAT(outcome.output, ContainsRegex("ALL +ERROR +ERROR +All\n"));
+    EXPECT_THAT(outcome.output, ContainsRegex("\nflags +0x0000062f\n"));
+    EXPECT_THAT(outcome.output, HasSubstr(home() + "//.QUOClient/logs/QUOClient.log\n"));
+    std::istringstream lines(outcome.output);
+    int rows = 0;
+    for (std::string line; std::getline(lines, line) && !line.empty();) ++rows;
+    EXPECT_EQ(rows, 61);
+}
+
+TEST_F(KestrelLog, ShowsTheSettingsAsJson) {
+    kestrel_log({"level", "KS", "VERBOSE"});
+    kestrel_log({"level", "ALL", "INHERIT"});
+    const auto settings = nlohmann::json::parse(kestrel_log({"show", "--json"}).output);
+    EXPECT_EQ(settings["flags"], 0x62f);
+    EXPECT_EQ(settings["output"], home() + "//.QUOClient/logs/QUOClient.log");
+    EXPECT_EQ(settings["rollover_size"], 200);
+    EXPECT_EQ(settings["rollover_count"], 2);
+    EXPECT_EQ(settings["session_max"], 200);
+    ASSERT_EQ(settings["classes"].size(), 60U);
+    EXPECT_EQ(settings["classes"][29], (nlohmann::json{{"index", 29},
+                                                       {"name", "KSEXT"},
+                                                       {"display_name", "Kestrel Extensions"},
+                                                       {"parent", "KS"},
+                                                       {"level", "INHERIT"},
+                                                       {"working_level", "VERBOSE"}}));
+    EXPECT_TRUE(settings["classes"][0]["parent"].is_null());
+    EXPECT_TRUE(settings["classes"][0]["working_level"].is_null());
+}
+
+TEST_F(KestrelLog, ShowsWhatNeighboursLeaveInTheRecord) {
+    std::string bytes(516, '\xff');
+    kestrel::testing::put_u32(bytes, 4, 77);
+    kestrel::testing::put_u32(bytes, 512, 0x12345678);
+    kestrel::testing::write_file(home() + "/.QUOClient/.zynlogconf", bytes);
+    const Outcome table = kestrel_log({"show"});
+    EXPECT_EQ(table.status, 0);
+    EXPECT_THAT(table.output, HasSubstr("ALL       77"));
+    EXPECT_THAT(table.output, HasSubstr("\\xff\\xff"));
+    const auto settings = nlohmann::json::parse(kestrel_log({"show", "--json"}).output);
+    EXPECT_EQ(settings["classes"][0]["level"], "77");
+}
+
+TEST_F(KestrelLog, SetsALevelByNames) {
+    expect_silent_success(kestrel_log({"level", "WEBKIT", "VERBOSE"}));
+    EXPECT_EQ(u32_at(record(), 4 + 4 * 41), 1U);
+    expect_silent_success(kestrel_log({"level", "webkit", "None"}));
+    EXPECT_EQ(u32_at(record(), 4 + 4 * 41), 7U);
+}
+
+TEST_F(KestrelLog, RefusesNamesThatAreNot) {
+    expect_refused({"level", "WEBKITS", "VERBOSE"}, "there is no class 'WEBKITS'; valid are: ALL ");
+    expect_refused({"level", "WEBKIT", "LOUD"},
+                   "there is no level 'LOUD'; valid are: INHERIT VERBOSE INFO WARNING ERROR FATAL "
+                   "AOL NONE\n");
+    expect_refused({"level", "WEBKIT"}, "LEVEL is required");
+    expect_refused({"louder"},
+                   "valid are: show level flags output rollover session reset follow\n");
+    expect_refused({}, "a command is needed");
+    expect_refused({"show", "--yaml"}, "--yaml");
+}
+
+TEST_F(KestrelLog, SetsAndClearsFlags) {
+    expect_silent_success(kestrel_log({"flags", "--enable", "thread-name", "--disable", "0xf"}));
+    EXPECT_EQ(u32_at(record(), 0), 0x1620U);
+    expect_silent_success(kestrel_log({"flags", "--disable", "thread-name"}));
+    EXPECT_EQ(u32_at(record(), 0), 0x620U);
+    expect_silent_success(kestrel_log({"flags", "--enable", "4294967295"}));
+    EXPECT_EQ(u32_at(record(), 0), 0xffff'ffffU);
+}
+
+TEST_F(KestrelLog, RefusesFlagsThatAreNot) {
+    for (const char* text : {"0x100000000", "-1", "loud", "0x", "1x"}) {
+        expect_refused({"flags", std::string("--enable=") + text},
+                       "valid are: 0 to 0xffffffff, thread-name");
+    }
+    expect_refused({"flags", "--enable=1", "--disable=loud"}, "'loud' is no set of flags");
+    expect_refused({"flags"}, "--enable");
+}
+
+TEST_F(KestrelLog, SetsTheOutputPath) {
+    const std::string longest = "/" + std::string(254, 'p');
+    expect_silent_success(kestrel_log({"output", longest}));
+    EXPECT_EQ(record().substr(244, 256), longest + std::string(1, '\0'));
+}
+
+TEST_F(KestrelLog, RefusesOutputPathsThatDoNotFit) {
+    expect_refused({"output", "/" + std::string(255, 'p')}, "256 bytes long; valid are 1 to 255");
+    expect_refused({"output", "relative"}, "must begin with '/'");
+    expect_refused({"output", ""}, "must begin with '/'");
+}
+
+TEST_F(KestrelLog, SetsTheRollover) {
+    expect_silent_success(kestrel_log({"rollover", "--size", "2000", "--count", "0"}));
+    EXPECT_EQ(u32_at(record(), 500), 2000U);
+    EXPECT_EQ(u32_at(record(), 504), 0U);
+    expect_silent_success(kestrel_log({"rollover", "--count", "100"}));
+    EXPECT_EQ(u32_at(record(), 500), 2000U);
+    EXPECT_EQ(u32_at(record(), 504), 100U);
+}
+
+TEST_F(KestrelLog, RefusesRolloversOutOfRange) {
+    expect_refused({"rollover", "--size", "0"}, "not in range 1 to 2000");
+    expect_refused({"rollover", "--size", "2001"}, "not in range 1 to 2000");
+    expect_refused({"rollover", "--size", "7", "--count", "101"}, "not in range 0 to 100");
+    expect_refused({"rollover", "--count=-1"}, "--count");
+    expect_refused({"rollover"}, "--size");
+}
+
+TEST_F(KestrelLog, SetsTheSessionMaximum) {
+    expect_silent_success(kestrel_log({"session", "0"}));
+    EXPECT_EQ(u32_at(record(), 508), 0U);
+    expect_silent_success(kestrel_log({"session", "2000"}));
+    EXPECT_EQ(u32_at(record(), 508), 2000U);
+    expect_refused({"session", "2001"}, "not in range 0 to 2000");
+}
+
+TEST_F(KestrelLog, ResetsEverything) {
+    const std::string defaults = record();
+    kestrel_log({"level", "ALL", "NONE"});
+    kestrel_log({"level", "CLASS59", "INFO"});
+    kestrel_log({"flags", "--enable", "0xfffff000", "--disable", "0x1"});
+    kestrel_log({"output", "/x"});
+    kestrel_log({"rollover", "--size", "1", "--count", "1"});
+    kestrel_log({"session", "1"});
+    EXPECT_NE(record(), defaults);
+    expect_silent_success(kestrel_log({"reset"}));
+    EXPECT_EQ(record(), defaults);
+}
+
+TEST_F(KestrelLog, HasHelpAndAVersion) {
+    EXPECT_EQ(kestrel_log({"--version"}).output, "kestrel-log " KESTREL_VERSION "\n");
+    const Outcome help = kestrel_log({"--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_THAT(help.output, HasSubstr("follow"));
+    EXPECT_THAT(kestrel_log({"level", "--help"}).output, HasSubstr("CLASS"));
+}
+
+TEST_F(KestrelLog, SaysWhenThereAreNoSettings) {
+    kestrel::testing::write_file(home() + "/file", "");
+    setenv("HOME", (home() + "/file").c_str(), 1);
+    const Outcome outcome = kestrel_log({"show"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.error, HasSubstr("cannot open the settings"));
+}
+
+TEST_F(KestrelLog, StopsQuietlyWhenNobodyReads) {
+    const std::string tool = KESTREL_LOG_PROGRAM;
+    const Outcome outcome =
+        kestrel::testing::run({"bash", "-c", tool + " show | true; echo ${PIPESTATUS[0]}"});
+    EXPECT_EQ(outcome.output, "0\n");
+    EXPECT_EQ(outcome.error, "");
+}
+
+TEST_F(KestrelLog, SaysWhenItCannotWrite) {
+    const std::string tool = KESTREL_LOG_PROGRAM;
+    const Outcome outcome = kestrel::testing::run({"bash", "-c", tool + " show >/dev/full"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.error, HasSubstr("No space left on device"));
+}
+
+// What bash offers for a line that ends in a word begun.
+std::string completions(const std::string& words, int word) {
+    return kestrel::testing::run({"bash", "-c",
+                                  "PATH=" KESTREL_LOG_DIRECTORY
+                                  ":$PATH; source " KESTREL_LOG_COMPLETION "; COMP_WORDS=(" +
+                                      words + "); COMP_CWORD=" + std::to_string(word) +
+                                      "; _kestrel_log; echo \"${COMPREPLY[@]}\""})
+        .output;
+}
+
+TEST_F(KestrelLog, IsCompletedByBash) {
+    EXPECT_EQ(completions("kestrel-log re", 1), "reset\n");
+    EXPECT_EQ(completions("kestrel-log level WEB", 2), "WEBKIT\n");
+    EXPECT_EQ(completions("kestrel-log level k", 2), "KS KSEXT\n");
+    EXPECT_EQ(completions("kestrel-log level KS ''", 3),
+              "INHERIT VERBOSE INFO WARNING ERROR FATAL AOL NONE\n");
+    EXPECT_EQ(completions("kestrel-log follow --level f", 3), "FATAL\n");
+    EXPECT_EQ(completions("kestrel-log flags --enable ''", 3), "thread-name\n");
+    EXPECT_EQ(completions("kestrel-log rollover --", 2), "--size --count --help\n");
+}
+
+}  // namespace

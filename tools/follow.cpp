@@ -1,0 +1,133 @@
+#include "tools/follow.h"
+
+#include <poll.h>
+#include <sys/resource.h>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <list>
+
+#include "log/zynlog_paths.h"
+#include "tools/class_and_level_names.h"
+#include "tools/console.h"
+#include "tools/listening_socket.h"
+#include "tools/process_connection.h"
+
+namespace kestrel::tools {
+namespace {
+
+class Filter {
+  public:
+    explicit Filter(const FollowOptions& options)
+        : lowest_level_(line_level_by_name(options.lowest_level)) {
+        for (const std::string& name : options.classes) classes_.push_back(class_by_name(name));
+    }
+
+    bool passes(const TraceLine& line) const {
+        return line.level >= lowest_level_ &&
+               (classes_.empty() || std::ranges::any_of(classes_, [&](std::uint32_t ancestor) {
+                    return is_within(line.log_class, ancestor);
+                }));
+    }
+
+  private:
+    std::uint32_t lowest_level_;
+    std::vector<std::uint32_t> classes_;
+};
+
+// SIGINT and SIGTERM as something to wait for.
+logging::FileDescriptor stop_signals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    sigprocmask(SIG_BLOCK, &signals, nullptr);
+    return logging::FileDescriptor(signalfd(-1, &signals, SFD_CLOEXEC));
+}
+
+void allow_many_connections() {
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) == -1) return;
+    limit.rlim_cur = limit.rlim_max;
+    setrlimit(RLIMIT_NOFILE, &limit);
+}
+
+class Viewer {
+  public:
+    explicit Viewer(const FollowOptions& options)
+        : filter_(options),
+          json_(options.json),
+          colours_(wants_colours()),
+          stop_(stop_signals()),
+          listener_(GetSocketFilePath()) {
+        std::fprintf(stderr, "kestrel-log: listening at %s\n", GetSocketFilePath());
+    }
+
+    void run() {
+        while (wait()) {
+            receive();
+            if ((waiting_[kListener].revents & POLLIN) != 0) accept();
+        }
+    }
+
+  private:
+    enum : std::size_t { kStop, kOutput, kListener, kFirstProcess };
+
+    // False when it is time to stop.
+    bool wait() {
+        waiting_.clear();
+        waiting_.push_back({stop_.get(), POLLIN, 0});
+        waiting_.push_back({STDOUT_FILENO, 0, 0});  // tells when its reader has gone
+        waiting_.push_back({listener_.fd(), static_cast<short>(is_full_ ? 0 : POLLIN), 0});
+        for (const ProcessConnection& process : processes_) {
+            waiting_.push_back({process.fd(), POLLIN, 0});
+        }
+        poll(waiting_.data(), waiting_.size(), -1);
+        return waiting_[kStop].revents == 0 && (waiting_[kOutput].revents & POLLERR) == 0;
+    }
+
+    void receive() {
+        std::size_t index = kFirstProcess;
+        std::erase_if(processes_, [&](ProcessConnection& process) {
+            if (waiting_[index++].revents == 0) return false;
+            const bool has_gone = !process.receive([this](const TraceLine& line) { show(line); });
+            if (has_gone) is_full_ = false;
+            return has_gone;
+        });
+    }
+
+    void accept() {
+        logging::FileDescriptor process = listener_.accept();
+        if (process) {
+            processes_.emplace_back(std::move(process));
+        } else if (errno == EMFILE || errno == ENFILE) {
+            is_full_ = true;  // until a process goes
+        }
+    }
+
+    void show(const TraceLine& line) const {
+        if (filter_.passes(line)) print(json_ ? json_of(line) : text_of(line, colours_));
+    }
+
+    const Filter filter_;
+    const bool json_;
+    const bool colours_;
+    const logging::FileDescriptor stop_;
+    const ListeningSocket listener_;
+    std::list<ProcessConnection> processes_;
+    std::vector<pollfd> waiting_;
+    bool is_full_ = false;
+};
+
+}  // namespace
+
+void follow(const FollowOptions& options) {
+    allow_many_connections();
+    Viewer(options).run();
+}
+
+}  // namespace kestrel::tools

@@ -1,0 +1,151 @@
+// kestrel-log: looks at and changes the shared settings of the client family's logging, and shows
+// the lines as they come.
+
+#include <CLI/CLI.hpp>
+
+#include <csignal>
+#include <cstdio>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "log/zynlog.h"
+#include "log/zynlog_config.h"
+#include "log/zynlog_paths.h"
+#include "tools/console.h"
+#include "tools/follow.h"
+#include "tools/settings.h"
+#include "tools/usage_error.h"
+
+namespace {
+
+using namespace kestrel::tools;
+
+constexpr int kExitFailure = 1;
+constexpr int kExitUsage = 2;
+
+struct Arguments {
+    bool json = false;
+    std::string class_name;
+    std::string level_name;
+    std::string enable = "0";
+    std::string disable = "0";
+    std::string path;
+    std::optional<int> size;
+    std::optional<std::uint32_t> count;
+    std::uint32_t sessions = 0;
+    FollowOptions follow;
+};
+
+using Command = std::function<void()>;
+
+void add_commands(CLI::App& app, Arguments& arguments, Command& command) {
+    const auto add = [&](const char* name, const char* description, const Command& run) {
+        CLI::App* const subcommand = app.add_subcommand(name, description);
+        subcommand->callback([&command, run] { command = run; });
+        return subcommand;
+    };
+
+    add("show", "Show all settings: every class with its own and its working level, and the rest",
+        [&] { show_settings(arguments.json); });
+
+    CLI::App* const level = add("level", "Set the level of a class",
+                                [&] { set_level(arguments.class_name, arguments.level_name); });
+    level->add_option("CLASS", arguments.class_name, "Name of the class, such as WEBKIT")
+        ->required();
+    level->add_option("LEVEL", arguments.level_name, "Name of the level, such as VERBOSE")
+        ->required();
+
+    CLI::App* const flags =
+        add("flags", "Set or clear flags: numbers such as 0x1000, or the name thread-name",
+            [&] { change_flags(arguments.enable, arguments.disable); });
+    flags->add_option("--enable", arguments.enable, "Flags to set");
+    flags->add_option("--disable", arguments.disable, "Flags to clear");
+    flags->require_option(1, 2);
+
+    add("output", "Set the file that the log daemon writes to",
+        [&] { set_output_path(arguments.path); })
+        ->add_option("PATH", arguments.path, "Absolute path of at most 255 bytes")
+        ->required();
+
+    CLI::App* const rollover = add("rollover", "Set how log files are rolled over",
+                                   [&] { set_rollover(arguments.size, arguments.count); });
+    rollover->add_option("--size", arguments.size, "Size of a log file, in the daemon's unit")
+        ->check(CLI::Range(kestrel::kLogMinRolloverSize, kestrel::kLogMaxRolloverSize));
+    rollover->add_option("--count", arguments.count, "Number of full log files to keep")
+        ->check(CLI::Range(kestrel::kLogMaxRolloverCount));
+    rollover->require_option(1, 2);
+
+    add("session", "Set the session maximum", [&] { set_session_max(arguments.sessions); })
+        ->add_option("MAXIMUM", arguments.sessions, "Session maximum, in the daemon's unit")
+        ->required()
+        ->check(CLI::Range(kestrel::kLogMaxSessions));
+
+    add("reset", "Set everything to its default", [] { reset_settings(); });
+
+    CLI::App* const following =
+        add("follow", "Show log lines as they come, in the place of the log daemon", [&] {
+            arguments.follow.json = arguments.json;
+            follow(arguments.follow);
+        });
+    following->add_option("--level", arguments.follow.lowest_level,
+                          "Show only lines of this level and above");
+    following->add_option("--class", arguments.follow.classes,
+                          "Show only lines of this class and those below it; may be repeated");
+}
+
+int run(const Command& command) {
+    if (ZynLogInitConfigOnly() == 0) {
+        std::fprintf(stderr, "kestrel-log: cannot open the settings%s%s\n",
+                     *GetConfigFilePath() == '\0' ? ": there is no home directory" : " at ",
+                     GetConfigFilePath());
+        return kExitFailure;
+    }
+    try {
+        command();
+        return 0;
+    } catch (const OutputClosed&) {
+        return 0;
+    } catch (const UsageError& error) {
+        std::fprintf(stderr, "kestrel-log: %s\n", error.what());
+        return kExitUsage;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "kestrel-log: %s\n", error.what());
+        return kExitFailure;
+    }
+}
+
+void explain(const CLI::App& app, const CLI::ParseError& error) {
+    std::string text = error.what();
+    if (app.get_subcommands().empty()) {
+        text = "a command is needed; valid are:";
+        for (const CLI::App* command : app.get_subcommands({})) text += " " + command->get_name();
+    }
+    std::fprintf(stderr, "kestrel-log: %s\nRun with --help for more information.\n", text.c_str());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::signal(SIGPIPE, SIG_IGN);
+
+    CLI::App app(
+        "Looks at and changes the settings that all processes of the client family share "
+        "for their logging, and shows their log lines.",
+        "kestrel-log");
+    app.set_version_flag("--version", "kestrel-log " KESTREL_VERSION);
+    app.require_subcommand(1);
+    app.fallthrough();
+    Arguments arguments;
+    app.add_flag("--json", arguments.json, "Show as JSON (show, follow)");
+    Command command;
+    add_commands(app, arguments, command);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() == 0) return app.exit(error);  // --help and --version
+        explain(app, error);
+        return kExitUsage;
+    }
+    return run(command);
+}

@@ -1,0 +1,159 @@
+#include "tools/settings.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+
+#include "log/zynlog_config.h"
+#include "log/zynlog_paths.h"
+#include "tools/class_and_level_names.h"
+#include "tools/console.h"
+#include "tools/usage_error.h"
+
+namespace kestrel::tools {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::uint32_t current_flags() {
+    std::uint32_t flags = 0;
+    ZynLogGetCurrentFlags(&flags);
+    return flags;
+}
+
+// A path that fills its field has no terminator.
+std::string output_path() {
+    const char* const path = ZynLogGetOutputPath();
+    return {path, strnlen(path, kLogOutputPathSize)};
+}
+
+std::string hexadecimal(std::uint32_t number) {
+    std::array<char, 11> text{};
+    std::snprintf(text.data(), text.size(), "0x%08x", number);
+    return text.data();
+}
+
+std::uint32_t flag_bits(const std::string& text) {
+    if (text == "thread-name") return kLogThreadNameFlag;
+    const bool is_hexadecimal = text.starts_with("0x");
+    const char* const begin = text.data() + (is_hexadecimal ? 2 : 0);
+    const char* const end = text.data() + text.size();
+    std::uint32_t bits = 0;
+    const auto result = std::from_chars(begin, end, bits, is_hexadecimal ? 16 : 10);
+    if (result.ec != std::errc() || result.ptr != end) {
+        throw UsageError("'" + text +
+                         "' is no set of flags; valid are: 0 to 0xffffffff, thread-name");
+    }
+    return bits;
+}
+
+std::string column(std::string text, std::size_t width) {
+    text.resize(std::max(text.size() + 1, width), ' ');
+    return text;
+}
+
+std::string class_table() {
+    std::string table = "CLASS     OWN LEVEL  WORKING LEVEL  NAME\n";
+    for (std::uint32_t index = 0; index < kLogClassCount; ++index) {
+        const std::uint32_t working = ZynLogGetWorkingLevel(index);
+        table += column(class_name(index), 10) +
+                 column(level_name(ZynLogGetCurrentLevel(index)), 11) +
+                 column(working == kLogFailure ? "-" : level_name(working), 15) +
+                 ZynLogGetClassDisplayName(index) + "\n";
+    }
+    return table;
+}
+
+std::string settings_table() {
+    return column("flags", 18) + hexadecimal(current_flags()) + "\n" + column("output", 18) +
+           printable(output_path()) + "\n" + column("rollover size", 18) +
+           std::to_string(ZynLogGetRolloverSize()) + "\n" + column("rollover count", 18) +
+           std::to_string(ZynLogGetRolloverCount()) + "\n" + column("session maximum", 18) +
+           std::to_string(ZynLogGetSessionMax()) + "\n";
+}
+
+Json class_json(std::uint32_t index) {
+    const std::uint32_t parent = ZynLogGetParent(index);
+    const std::uint32_t working = ZynLogGetWorkingLevel(index);
+    return {
+        {"index", index},
+        {"name", class_name(index)},
+        {"display_name", ZynLogGetClassDisplayName(index)},
+        {"parent", parent == kLogFailure ? Json() : Json(class_name(parent))},
+        {"level", level_name(ZynLogGetCurrentLevel(index))},
+        {"working_level", working == kLogFailure ? Json() : Json(level_name(working))},
+    };
+}
+
+std::string settings_json() {
+    Json settings = {
+        {"config_file", GetConfigFilePath()},
+        {"socket", GetSocketFilePath()},
+        {"flags", current_flags()},
+        {"output", output_path()},
+        {"rollover_size", ZynLogGetRolloverSize()},
+        {"rollover_count", ZynLogGetRolloverCount()},
+        {"session_max", ZynLogGetSessionMax()},
+        {"classes", Json::array()},
+    };
+    for (std::uint32_t index = 0; index < kLogClassCount; ++index) {
+        settings["classes"].push_back(class_json(index));
+    }
+    return settings.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+}  // namespace
+
+void show_settings(bool json) {
+    print(json ? settings_json() : class_table() + "\n" + settings_table());
+}
+
+void set_level(const std::string& class_name, const std::string& level_name) {
+    const std::uint32_t log_class = class_by_name(class_name);
+    const std::uint32_t level = level_by_name(level_name);
+    ZynLogSetCurrentLevel(log_class, level);
+}
+
+void change_flags(const std::string& enable, const std::string& disable) {
+    const std::uint32_t enabled_bits = flag_bits(enable);
+    const std::uint32_t disabled_bits = flag_bits(disable);
+    ZynLogEnableFlags(enabled_bits);
+    ZynLogDisableFlags(disabled_bits);
+}
+
+void set_output_path(const std::string& path) {
+    if (!path.starts_with('/')) throw UsageError("the output path must begin with '/'");
+    if (path.size() >= kLogOutputPathSize) {
+        throw UsageError("the output path is " + std::to_string(path.size()) +
+                         " bytes long; valid are 1 to " + std::to_string(kLogOutputPathSize - 1));
+    }
+    ZynLogSetOutputPath(path.c_str());
+}
+
+void set_rollover(std::optional<int> size, std::optional<std::uint32_t> count) {
+    if (size) ZynLogSetRolloverSize(*size);
+    if (count) ZynLogSetRolloverCount(*count);
+}
+
+void set_session_max(std::uint32_t sessions) { ZynLogSetSessionMax(sessions); }
+
+void reset_settings() {
+    std::uint32_t flags = 0;
+    ZynLogGetDefaultFlags(&flags);
+    ZynLogEnableFlags(flags);
+    ZynLogDisableFlags(~flags);
+    for (std::uint32_t index = 0; index < kLogClassCount; ++index) {
+        ZynLogSetCurrentLevel(index, ZynLogGetDefaultLevel(index));
+    }
+    ZynLogSetOutputPath(GetLogFilePath());
+    ZynLogSetRolloverSize(kLogDefaultRolloverSize);
+    ZynLogSetRolloverCount(kLogDefaultRolloverCount);
+    ZynLogSetSessionMax(kLogDefaultSessions);
+}
+
+}  // namespace kestrel::tools
