@@ -7,7 +7,6 @@
 #include <cstring>
 
 #include "log/daemon_protocol.h"
-#include "log/errno_guard.h"
 #include "log/local_socket.h"
 #include "log/sigpipe_ignored.h"
 #include "log/zynlog_paths.h"
@@ -62,7 +61,6 @@ bool say_hello(int fd, const char* ident) {
 }  // namespace
 
 void connect_daemon(const char* ident) {
-    const ErrnoGuard errno_guard;
     const SigpipeIgnored sigpipe_ignored;
     FileDescriptor socket = connect_to(GetSocketFilePath());
     if (!socket || !say_hello(socket.get(), ident)) return;
@@ -72,13 +70,11 @@ void connect_daemon(const char* ident) {
 }
 
 void send_to_daemon(std::span<const char> message) {
-    const ErrnoGuard errno_guard;
     const Hold hold;
     if (hold && !write_whole(descriptor, message)) disconnect_daemon();
 }
 
 void disconnect_daemon() {
-    const ErrnoGuard errno_guard;
     if (!daemon_connected.exchange(false)) return;
     shutdown(descriptor, SHUT_RDWR);
     let_go();

@@ -49,6 +49,7 @@ int ZynLogInit() {
 }
 
 int ZynLogInitConfigOnly() {
+    const ErrnoGuard errno_guard;
     if (!initialised) {
         kestrel::logging::map_shared_config();
         initialised = true;
@@ -57,6 +58,7 @@ int ZynLogInitConfigOnly() {
 }
 
 void ZynLogShutdown() {
+    const ErrnoGuard errno_guard;
     if (!initialised) return;
     kestrel::logging::disconnect_daemon();
     kestrel::logging::close_syslog();

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include "log/errno_guard.h"
 #include "log/file_descriptor.h"
 #include "log/zynlog_paths.h"
 
@@ -59,7 +58,6 @@ void set_output_path(SharedLogConfig& shared, const char* path) {
 }
 
 void map_shared_config() {
-    const ErrnoGuard errno_guard;
     const FileDescriptor file = open_config_file();
     if (!file || ftruncate(file.get(), sizeof(SharedLogConfig)) == -1) return;
     SharedLogConfig* const shared = map_file(file.get());
@@ -71,7 +69,6 @@ void map_shared_config() {
 }
 
 void unmap_shared_config() {
-    const ErrnoGuard errno_guard;
     SharedLogConfig* const shared = mapped_config.exchange(nullptr);
     if (shared == nullptr) return;
     // Not munmap: a thread that has read the pointer before must find something there. Moved over

@@ -24,14 +24,12 @@ static_assert(kPriorities.size() == kAlwaysOn + 1);
 }  // namespace
 
 void open_syslog(const char* ident) {
-    const ErrnoGuard errno_guard;
     openlog(ident, LOG_CONS | LOG_PID, LOG_USER);
     setlogmask(kPassedPriorities);
     syslog_open = true;
 }
 
 void close_syslog() {
-    const ErrnoGuard errno_guard;
     if (syslog_open.exchange(false)) closelog();
 }
 

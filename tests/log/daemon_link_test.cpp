@@ -4,10 +4,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <pthread.h>
-#include <sys/syscall.h>
+#include <sys/prctl.h>
 #include <sys/time.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <cerrno>
 #include <clocale>
 #include <csignal>
 #include <set>
@@ -21,6 +23,18 @@
 #include "tests/log/fake_daemon.h"
 #include "tests/log/machine.h"
 #include "tests/log/syslog_recorder.h"
+
+namespace {
+
+constinit std::atomic<bool> thread_has_no_name = false;
+
+}  // namespace
+
+// Fails when told to, and then changes errno.
+extern "C" int pthread_getname_np(pthread_t /*thread*/, char* name, std::size_t /*size*/) noexcept {
+    if (thread_has_no_name) return errno = ERANGE;
+    return prctl(PR_GET_NAME, name);
+}
 
 namespace {
 
@@ -156,12 +170,22 @@ TEST_F(DaemonLink, CutsAThreadNameAndItsLineTogether) {
     EXPECT_EQ(text_of(record), terminated("[fifteen-letters]: " + std::string(8'191 - 19, 't')));
 }
 
+TEST_F(DaemonLink, PutsNoNameFirstIfTheThreadHasNone) {
+    ZynLogEnableFlags(kLogThreadNameFlag);
+    thread_has_no_name = true;
+    const std::string format = "%m";
+    errno = ENOSPC;
+    __ZynTrace(kLogWebkit, kError, "", "", 0, format.c_str());
+    thread_has_no_name = false;
+    EXPECT_EQ(text_of(connection_.read_message()), terminated("[]: No space left on device"));
+}
+
 TEST_F(DaemonLink, LeavesOutTextThatCannotBeConverted) {
     std::setlocale(LC_ALL, "C");
-    __ZynTrace(kLogWebkit, kError, "", "", 0, "%ls", L"\u2603");
+    __ZynTrace(kLogWebkit, kError, "", "", 0, "text %ls", L"\u2603");
     const std::string record = connection_.read_message();
-    EXPECT_EQ(record.size(), 4 + u16_at(record, 0));
-    EXPECT_EQ(record.back(), '\0');
+    EXPECT_EQ(u16_at(record, 0), 23U);
+    EXPECT_EQ(text_of(record), terminated(""));
 }
 
 TEST_F(DaemonLink, KeepsSyslogOutOfIt) {
