@@ -28,7 +28,8 @@ std::string display_name() {
     return std::string(name.empty() || name == "Unknown" ? g_get_user_name() : name);
 }
 
-// The URI of an existing file in the page's directory or below, or "".
+// The URI of an existing file in the page's directory or below, or "". Only local files are looked
+// for: asking for any other would wait for a network.
 std::string uri_beside(const std::string& page_uri, const std::string& name) {
     const File page(g_file_new_for_uri(page_uri.c_str()));
     const File directory(g_file_get_parent(page.get()));

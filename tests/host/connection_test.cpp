@@ -103,5 +103,14 @@ TEST_F(ConnectionTest, EndsWhenThePeerDoesNotReadAllThatItAskedFor) {
     EXPECT_EQ(wait_for_end(), "does not read what it is sent");
 }
 
+TEST_F(ConnectionTest, SendsAPeerThatReadsAsMuchAsItWants) {
+    const std::string long_text(4'000'000, 'x');
+    for (int i = 0; i < 18; ++i) {
+        connection->send(build_frame(1, {}, std::array<std::string_view, 1>{long_text}));
+        ASSERT_EQ(web_process.read_frame().size(), 16 + long_text.size() + 1) << i;
+    }
+    EXPECT_EQ(end, "it has not ended");
+}
+
 }  // namespace
 }  // namespace kestrel::testing

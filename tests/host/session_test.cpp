@@ -60,6 +60,24 @@ TEST_F(SessionTest, OffersThePageToAProcessThatComesLater) {
     EXPECT_EQ(web_process.read_frame(), kPageOffer);
 }
 
+TEST_F(SessionTest, OffersThePageOnceToAProcessThatAnnouncesItselfTwice) {
+    web_process.announce(11);
+    web_process.announce(11);
+    settle();
+    session.offer_page();
+    EXPECT_EQ(web_process.read_frame(), kPageOffer);
+    EXPECT_TRUE(web_process.is_quiet());
+}
+
+TEST_F(SessionTest, ForgetsAProcessThatHasGone) {
+    web_process.announce(11);
+    web_process.hang_up();
+    settle();
+    session.offer_page();
+    session.greet_page();
+    EXPECT_THAT(lines.str(), Not(HasSubstr(" -> ")));
+}
+
 TEST_F(SessionTest, LoadsThePageOnceWhenItsUrlHasBeenTaken) {
     web_process.announce(11);
     session.offer_page();
@@ -141,8 +159,9 @@ TEST_F(SessionTest, WritesDownEveryMessageInBothDirections) {
 TEST_F(SessionTest, IgnoresMessagesThatItCannotUse) {
     web_process.write(frame_bytes(99, {}, {"x"}) + frame_bytes(33, {}, {}) +
                       header_bytes(61, 1, 0, 1) + "x" + frame_bytes(12, {}, {}));
-    web_process.write(frame_bytes(18, {}, {"key", "take"}));
-    EXPECT_NE(web_process.read_frame(), "");
+    web_process.write(header_bytes(19, 0, 3, 5) + std::string("k\0v\0f", 5));  // one NUL missing
+    web_process.write(frame_bytes(18, {}, {"k", "take"}));
+    EXPECT_EQ(web_process.read_frame(), frame_bytes(1, {}, {"(() => (take\n)(null))"}));
     EXPECT_THAT(lines.str(), HasSubstr("  99 (unknown) \"x\"\n"));
     EXPECT_THAT(lines.str(), HasSubstr("  61 announce (items do not fit the header)\n"));
 }
