@@ -6,7 +6,9 @@ set(public_headers
   ipc/webkit_client.h
   ipc/webkit_util.h
   jsapi/KsJS_proxy.h
-  log/zynlog.h)
+  log/zynlog.h
+  log/zynlog_config.h
+  log/zynlog_paths.h)
 foreach(header IN LISTS public_headers)
   cmake_path(GET header PARENT_PATH folder)
   install(FILES ${header}

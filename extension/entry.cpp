@@ -2,6 +2,7 @@
 #include <libintl.h>
 #include <webkit2/webkit-web-extension.h>
 
+#include <cerrno>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
@@ -46,6 +47,14 @@ void bind_catalogue() {
     textdomain(kTextDomain);
 }
 
+// errno is kept, for perror.
+bool exists(std::string& path) {
+    const int saved_errno = errno;
+    const bool result = LinuxCommonUtils::ifFileExists(path);
+    errno = saved_errno;
+    return result;
+}
+
 }  // namespace
 
 extern "C" [[gnu::visibility("default")]] void webkit_web_extension_initialize_with_user_data(
@@ -53,7 +62,10 @@ extern "C" [[gnu::visibility("default")]] void webkit_web_extension_initialize_w
     // The API's signature has a const that no GVariant function takes.
     read_user_data(const_cast<GVariant*>(user_data));
     bind_catalogue();
-    ZynLogInit();
+    std::string client_directory = LinuxCommonUtils::getHomeDir() + "/.QUOClient";
+    const bool has_client_directory = exists(client_directory);
+    // Logging would make the directory, which is the host's to make; without it the start ends.
+    if (has_client_directory) ZynLogInit();
     if (extension == nullptr) {
         std::perror("Extension is null\n");
         std::exit(0);
@@ -61,8 +73,7 @@ extern "C" [[gnu::visibility("default")]] void webkit_web_extension_initialize_w
     g_signal_connect(webkit_script_world_get_default(), "window-object-cleared",
                      G_CALLBACK(kestrel::on_window_object_cleared), nullptr);
 
-    std::string client_directory = LinuxCommonUtils::getHomeDir() + "/.QUOClient";
-    if (!LinuxCommonUtils::ifFileExists(client_directory)) {
+    if (!has_client_directory) {
         kestrel::error_line(".QUOClient not created, anomoly use case, exiting\n");
         std::exit(0);
     }

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "common/LinuxCommonUtils.h"
+#include "log/zynlog_paths.h"
 
 namespace {
 
@@ -25,6 +26,7 @@ int main() {
     print("user agent",
           LinuxCommonUtils::WCharToChar(LinuxCommonUtils::GetTarnUserAgent().c_str()));
     print("install root", LinuxCommonUtils::getQUOROOT());
+    print("install root of the logging client", GetQUORoot());
     print("home directory", LinuxCommonUtils::getHomeDir());
     print("scratch directory", LinuxCommonUtils::getUserTmpDir());
 
