@@ -3,7 +3,13 @@
 
 const kSampleApp = 'atlas';
 
+/** @typedef {{name: string, isAnswered?: boolean, call: () => unknown}} Row */
+/**
+ * @type {<Name extends keyof HostFunctions>(
+ *     name: Name, ...args: Parameters<HostFunctions[Name]>) => Row}
+ */
 const tellRow = (name, ...args) => ({name, call: () => host.tell(name, ...args)});
+/** @type {<Name extends keyof Answers>(name: Name, ...args: Question<Name>) => Row} */
 const askRow = (name, ...args) => ({name, isAnswered: true, call: () => host.ask(name, ...args)});
 
 // In the order in which "Call all" calls them.

@@ -2,6 +2,21 @@
 // calls a function of the page later. Here such a call becomes a promise.
 'use strict';
 
+/** @typedef {import('kestrel-store-page-types').Answers} Answers */
+/** @typedef {import('kestrel-store-page-types').HostFunctions} HostFunctions */
+/**
+ * @template {keyof Answers} Name
+ * @typedef {import('kestrel-store-page-types').Question<Name>} Question
+ */
+/**
+ * @typedef {<Name extends keyof HostFunctions>(
+ *     name: Name, ...args: Parameters<HostFunctions[Name]>) => void} Tell
+ */
+/**
+ * @typedef {<Name extends keyof Answers>(
+ *     name: Name, ...args: Question<Name>) => Promise<Answers[Name]>} Ask
+ */
+
 const host = (() => {
   const kPatience = 10_000;  // milliseconds
 
@@ -10,6 +25,7 @@ const host = (() => {
   const observers = [];
 
   // The host's first word. Before it the link need not be up, and a call would be lost.
+  /** @type {Promise<void>} */
   const ready = new Promise((resolve) => { window.onHostReady = resolve; });
 
   const observe = (observer) => { observers.push(observer); };
@@ -46,9 +62,9 @@ const host = (() => {
   }
 
   // A host finds a callback by its name: every question has one here, made when it is looked up.
-  window.hostAnswers = new Proxy({}, {
+  /** @type {any} */ (window).hostAnswers = new Proxy({}, {
     get: (_, property) => {
-      const number = Number(/^take(\d+)$/.exec(property)?.[1]);
+      const number = Number(/^take(\d+)$/.exec(String(property))?.[1]);
       return (value) => settle(number, value);
     },
   });
@@ -71,6 +87,9 @@ const host = (() => {
 
   return {
     isPresent: typeof window.external?.siteLoaded === 'function',
-    ready, observe, tell, ask, askBySource, relay,
+    ready, observe, relay,
+    tell: /** @type {Tell} */ (tell),
+    ask: /** @type {Ask} */ (ask),
+    askBySource: /** @type {Ask} */ (askBySource),
   };
 })();

@@ -3,24 +3,24 @@
 
 const kAccents = ['#3f5efb', '#0f9a68', '#d1297f', '#e05a1c', '#7a3fe0'];
 
-const components = (color) =>
-    [1, 3, 5].map((start) => Number.parseInt(color.slice(start, start + 2), 16));
+const components = (color) => /** @type {[number, number, number]} */ (
+    [1, 3, 5].map((start) => Number.parseInt(color.slice(start, start + 2), 16)));
 
 function setTheme(theme) {
   document.documentElement.dataset.theme = theme;
-  document.querySelector(`#themes [value=${theme}]`).checked = true;
+  elements(`#themes [value=${theme}]`)[0].checked = true;
 }
 
 function setAccent(color) {
   document.documentElement.style.setProperty('--accent', color);
-  for (const swatch of document.querySelectorAll('#accents button')) {
+  for (const swatch of elements('#accents button')) {
     swatch.ariaPressed = String(swatch.dataset.color === color);
   }
 }
 
 // The swatches are images that the host has coloured; until they come, they are empty.
 async function makeSwatches() {
-  for (const swatch of document.querySelectorAll('#accents button')) {
+  for (const swatch of elements('#accents button')) {
     const image = await host.ask('recolorImage', 'square', ...components(swatch.dataset.color), '');
     swatch.style.backgroundImage = `url("${image}")`;
   }
@@ -77,7 +77,7 @@ function connectSettings() {
   });
   onClick('show-error', async () => {
     const pressed = await host.ask('errorDialog',
-        ['Sample store', null, 'This is what an error looks like.', 'Close']);
+        'Sample store', null, 'This is what an error looks like.', 'Close');
     element('client-answer').textContent = `The dialog was closed with "${pressed}".`;
   });
 }

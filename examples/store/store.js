@@ -2,10 +2,14 @@
 // The host keeps the subscriptions and the items; the page shows them and passes on what is done.
 'use strict';
 
+/** @type {(id: string) => any} */
 const element = (id) => document.getElementById(id);
+/** @type {(selector: string) => any[]} */
+const elements = (selector) => [...document.querySelectorAll(selector)];
 
 const store = {
-  mine: [],  // ids of the subscribed applications, in the user's order
+  /** @type {string[]} Ids of the subscribed applications, in the user's order. */
+  mine: [],
   category: 'all',
   query: '',
   isOnline: true,
@@ -34,15 +38,16 @@ const onClick = (id, action) => element(id).addEventListener('click', () => atte
 // --- Localised texts ---
 
 function applyResources() {
-  if (!window.ZYNS) return;  // consumed by an earlier load, or the host has none
-  const texts = ZYNS.getResources();
-  for (const target of document.querySelectorAll('[data-text]')) {
+  const zyns = window.ZYNS;
+  if (!zyns) return;  // consumed by an earlier load, or the host has none
+  const texts = /** @type {Record<string, string>} */ (zyns.getResources());
+  for (const target of elements('[data-text]')) {
     target.textContent = texts[target.dataset.text] ?? target.textContent;
   }
-  for (const target of document.querySelectorAll('[data-placeholder]')) {
+  for (const target of elements('[data-placeholder]')) {
     target.placeholder = texts[target.dataset.placeholder] ?? target.placeholder;
   }
-  document.documentElement.lang = ZYNS.getLocale().split(/[,;]/)[0];
+  document.documentElement.lang = zyns.getLocale().split(/[,;]/)[0];
 }
 
 // --- Applications ---
@@ -53,7 +58,7 @@ const isMine = (app) => store.mine.includes(app.id);
 function shownApplications() {
   const words = store.query.toLowerCase().split(/\s+/).filter(Boolean);
   const candidates = store.category === 'mine'
-      ? store.mine.map(application).filter(Boolean)
+      ? store.mine.map(application).filter((app) => app !== undefined)
       : kCatalogue.filter((app) => store.category === 'all' || app.category === store.category);
   return candidates.filter((app) => {
     const text = `${app.name} ${app.publisher} ${app.summary}`.toLowerCase();
@@ -208,7 +213,7 @@ function connectControls() {
     store.query = event.target.value;
     showApplications();
   });
-  for (const button of document.querySelectorAll('[data-tell]')) {
+  for (const button of elements('[data-tell]')) {
     button.addEventListener('click', () => {
       host.tell(button.dataset.tell);
       element('account-menu').hidePopover();
