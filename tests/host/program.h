@@ -7,8 +7,8 @@
 
 namespace kestrel::testing {
 
-// A running kestrel-host, whose temporary files are in the directory that it is given. Whoever waits
-// for one that says nothing for thirty seconds waits no longer, and ends it.
+// A running kestrel-host, whose temporary files are in the directory that it is given. Whoever
+// waits for one that says nothing for thirty seconds waits no longer, and ends it.
 class Program {
   public:
     Program(std::vector<std::string> arguments, const std::string& temporary_directory);
