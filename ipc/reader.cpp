@@ -16,6 +16,7 @@
 #include "ipc/error_line.h"
 #include "ipc/frame.h"
 #include "ipc/link.h"
+#include "ipc/wire_trace.h"
 #include "log/zynlog.h"
 
 using kestrel::error_line;
@@ -129,6 +130,7 @@ bool receive_one(FrameBuffer& buffer) {
     }
     *message = header;
     if (!read_payload({kestrel::payload_begin(*message), length})) return false;
+    kestrel::trace_frame(kestrel::Direction::to_page, *message);
     webkit_client::processMessage(message);
     return true;
 }

@@ -1,8 +1,6 @@
-#include <pthread.h>
 #include <sys/socket.h>
 
 #include <cerrno>
-#include <csignal>
 #include <cstdlib>
 #include <cstring>
 
@@ -10,6 +8,8 @@
 #include "ipc/frame.h"
 #include "ipc/link.h"
 #include "ipc/send.h"
+#include "ipc/signals_blocked.h"
+#include "ipc/wire_trace.h"
 #include "log/zynlog.h"
 
 namespace {
@@ -17,21 +17,6 @@ namespace {
 // Up to this size the kernel queues a frame whole or not at all; beyond it, a signal handler could
 // cut the write short half-way.
 constexpr std::size_t kIndivisibleWrite = 32'768;
-
-class SignalsBlocked {
-  public:
-    SignalsBlocked() {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_SETMASK, &all, &previous_);
-    }
-    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &previous_, nullptr); }
-    SignalsBlocked(const SignalsBlocked&) = delete;
-    SignalsBlocked& operator=(const SignalsBlocked&) = delete;
-
-  private:
-    sigset_t previous_{};
-};
 
 // One write. MSG_NOSIGNAL turns a peer that has gone into EPIPE without touching the process's
 // SIGPIPE disposition.
@@ -45,13 +30,15 @@ ssize_t write_once(int fd, std::span<const char> bytes) {
 
 ssize_t write_whole(int fd, std::span<const char> bytes) {
     if (bytes.size() <= kIndivisibleWrite) return write_once(fd, bytes);
-    const SignalsBlocked blocked;
+    const kestrel::SignalsBlocked blocked;
     return write_once(fd, bytes);
 }
 
 }  // namespace
 
 void kestrel::write_frame(const webkit_message& frame) {
+    // Before the write, or the host's answer could be traced first.
+    trace_frame(Direction::from_page, frame);
     const std::span<const char> bytes = bytes_of(frame);
     const ssize_t written = write_whole(load_server_fd(), bytes);
     if (written == static_cast<ssize_t>(bytes.size())) return;

@@ -15,6 +15,7 @@
 #include "ipc/frame.h"
 #include "ipc/link.h"
 #include "ipc/never_destroyed.h"
+#include "ipc/wire_trace.h"
 #include "log/zynlog.h"
 
 using kestrel::error_line;
@@ -87,6 +88,7 @@ void webkit_client::initComm(InboundHandler* handlers, char* socket_path) {
                    static_cast<int>(kestrel::kMaxSocketPath), path.get());
         return;
     }
+    kestrel::start_wire_trace();
 
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);

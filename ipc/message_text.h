@@ -1,0 +1,28 @@
+// A message as a person reads it.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "ipc/direction.h"
+#include "ipc/protocol.h"
+
+namespace kestrel {
+
+// What stands for a type that its direction's table does not have.
+inline constexpr std::string_view kUnknownType = "(unknown)";
+
+// One line without time and newline: "<-" for a message from the page, "->" for one to it, process
+// id ("?" while it is 0), type, name of the type, items. 16 items are shown, 80 characters of each.
+// The payload must be as long as the header says. Throws std::bad_alloc.
+std::string message_text(Direction direction, int pid, const webkit_message& message);
+
+// A line that is about no message: "--" stands where the direction would.
+std::string note_text(int pid, std::string_view note);
+
+// A string item as message_text shows it: between quotes, shortened, and whatever would not print,
+// or would disturb a terminal, escaped: \" \\ \n \r \t, \u{1b} a character, \xff a byte that
+// belongs to none.
+std::string quoted_text(std::string_view text);
+
+}  // namespace kestrel

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <pthread.h>
+
+#include <csignal>
+
+namespace kestrel {
+
+// Keeps every signal from the calling thread for its lifetime. A thread that is started meanwhile
+// never gets any.
+class SignalsBlocked {
+  public:
+    SignalsBlocked() {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &previous_);
+    }
+    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &previous_, nullptr); }
+    SignalsBlocked(const SignalsBlocked&) = delete;
+    SignalsBlocked& operator=(const SignalsBlocked&) = delete;
+
+  private:
+    sigset_t previous_{};
+};
+
+}  // namespace kestrel

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+
+namespace kestrel {
+
+// "14:03:59.000021", by the clock on the wall.
+std::string local_time(std::chrono::system_clock::time_point time);
+
+// "2026-11-21T13:03:59.000021Z"
+std::string utc_time(std::chrono::system_clock::time_point time);
+
+}  // namespace kestrel
