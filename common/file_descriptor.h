@@ -2,7 +2,7 @@
 
 #include <unistd.h>
 
-namespace kestrel {
+namespace kestrel::utilities {
 
 // Owns an open file, or holds -1.
 class FileDescriptor {
@@ -21,4 +21,4 @@ class FileDescriptor {
     int fd_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::utilities

@@ -36,8 +36,9 @@ std::vector<std::string> root_candidates() {
         candidates.push_back(std::move(root));
     }
     candidates.emplace_back("/opt/Veltrane/QUOClient");
-    candidates.push_back(LinuxCommonUtils::getHomeDir() + "/QUOClient/" +
-                         std::string(kestrel::platform_directory(kestrel::kPlatformName)));
+    candidates.push_back(
+        LinuxCommonUtils::getHomeDir() + "/QUOClient/" +
+        std::string(kestrel::utilities::platform_directory(kestrel::utilities::kPlatformName)));
     candidates.emplace_back("/usr/lib/QUOClient");
     return candidates;
 }
@@ -46,7 +47,7 @@ std::vector<std::string> root_candidates() {
 
 std::string LinuxCommonUtils::getHomeDir() {
     if (const char* home = std::getenv("HOME")) return home;
-    return kestrel::password_entry_of_caller().home;
+    return kestrel::utilities::password_entry_of_caller().home;
 }
 
 std::string LinuxCommonUtils::GetModulePath() {

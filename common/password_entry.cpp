@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <vector>
 
-namespace kestrel {
+namespace kestrel::utilities {
 namespace {
 
 // Entries grow with what directory services put into them: start small, and give up only where a
@@ -30,4 +30,4 @@ PasswordEntry password_entry_of_caller() {
     return {text_or_empty(found->pw_name), text_or_empty(found->pw_dir)};
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::utilities

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-namespace kestrel {
+namespace kestrel::utilities {
 
 // The platform this library is built for, as the client family names it.
 #if defined(__x86_64__)
@@ -20,4 +20,4 @@ constexpr std::string_view platform_directory(std::string_view platform) {
     return "linuxarmhf";
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::utilities

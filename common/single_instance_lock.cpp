@@ -52,7 +52,7 @@ std::string command_line(const std::string& process) {
 }
 
 LockState read_lock(const std::string& path) {
-    const kestrel::FileDescriptor file(open(path.c_str(), O_RDONLY | kSafely));
+    const kestrel::utilities::FileDescriptor file(open(path.c_str(), O_RDONLY | kSafely));
     if (!file.is_open()) return errno == ENOENT ? LockState::kStale : LockState::kFailed;
     const FileLock lock(file.get());
     if (!lock.is_held()) return failure("locking error: ");
@@ -67,7 +67,8 @@ LockState read_lock(const std::string& path) {
 }
 
 LockState take_lock(const std::string& path) {
-    const kestrel::FileDescriptor file(open(path.c_str(), O_RDWR | O_CREAT | kSafely, 0700));
+    const kestrel::utilities::FileDescriptor file(
+        open(path.c_str(), O_RDWR | O_CREAT | kSafely, 0700));
     if (!file.is_open()) return failure("error opening write : ");
     const FileLock lock(file.get());
     if (!lock.is_held()) return failure("locking error: ");

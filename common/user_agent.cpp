@@ -41,8 +41,9 @@ std::wstring LinuxCommonUtils::GetOsVersion() {
 // the build that is running, of this platform, and follow an update at once. The log's only labels
 // lines: any platform's file under its own install root will do, for the life of the process.
 std::wstring LinuxCommonUtils::GetPorticoVersionFromQuoroot() {
-    std::ifstream file(getQUOROOT() + "/pkginf/Ver.core." +
-                       std::string(kestrel::platform_directory(kestrel::kPlatformName)));
+    std::ifstream file(
+        getQUOROOT() + "/pkginf/Ver.core." +
+        std::string(kestrel::utilities::platform_directory(kestrel::utilities::kPlatformName)));
     std::array<char, 256> buffer{};
     file.getline(buffer.data(), buffer.size());
     const std::string_view line = buffer.data();

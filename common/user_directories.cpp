@@ -26,7 +26,7 @@ bool make_directory(const std::string& path, const std::string& what) {
 
 std::string LinuxCommonUtils::getUserName() {
     if (const char* user = std::getenv("USER")) return user;
-    return kestrel::password_entry_of_caller().name;
+    return kestrel::utilities::password_entry_of_caller().name;
 }
 
 std::string LinuxCommonUtils::getUserTmpDir() {

@@ -11,8 +11,8 @@
 #include <string_view>
 
 #include "host/event_source.h"
-#include "host/file_descriptor.h"
 #include "ipc/frame_assembler.h"
+#include "log/file_descriptor.h"
 
 namespace kestrel {
 

@@ -1,41 +1,19 @@
 #include "host/rehearsal.h"
 
-#include <json-glib/json-glib.h>
-
-#include <memory>
-#include <optional>
+#include <nlohmann/json.hpp>
 
 namespace kestrel {
-namespace {
-
-struct NodeFree {
-    void operator()(JsonNode* node) const { json_node_unref(node); }
-};
-using Node = std::unique_ptr<JsonNode, NodeFree>;
-
-// The array `name` of the JSON object `text`, or null. It belongs to `holder`.
-JsonArray* array_member(const std::string& text, const char* name, Node& holder) {
-    holder.reset(json_from_string(text.c_str(), nullptr));
-    if (!holder || !JSON_NODE_HOLDS_OBJECT(holder.get())) return nullptr;
-    JsonNode* member = json_object_get_member(json_node_get_object(holder.get()), name);
-    if (member == nullptr || !JSON_NODE_HOLDS_ARRAY(member)) return nullptr;
-    return json_node_get_array(member);
-}
-
-}  // namespace
 
 void Rehearsal::note_command(const Command& command) { ++arrivals_[command.code]; }
 
 void Rehearsal::take_report(const std::string& trace) {
-    Node holder;
-    JsonArray* names = array_member(trace, "calledBack", holder);
-    if (names == nullptr) return;
+    const auto report = nlohmann::json::parse(trace, nullptr, /*allow_exceptions=*/false);
+    if (!report.is_object()) return;
+    const auto names = report.find("calledBack");
+    if (names == report.end() || !names->is_array()) return;
     has_report_ = true;
-    for (guint i = 0; i < json_array_get_length(names); ++i) {
-        JsonNode* name = json_array_get_element(names, i);
-        if (JSON_NODE_HOLDS_VALUE(name) && json_node_get_value_type(name) == G_TYPE_STRING) {
-            called_back_.insert(json_node_get_string(name));
-        }
+    for (const nlohmann::json& name : *names) {
+        if (name.is_string()) called_back_.insert(name.get<std::string>());
     }
 }
 

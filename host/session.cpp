@@ -70,7 +70,8 @@ void Session::on_message(Connection& connection, const webkit_message& message) 
 
 void Session::on_end(Connection& connection, std::string_view why) {
     std::erase(announced_, &connection);
-    transcript_.note("connection of " + shown_pid(connection.pid()) + ": " + std::string(why));
+    const std::string process = connection.pid() == 0 ? "?" : std::to_string(connection.pid());
+    transcript_.note("connection of " + process + ": " + std::string(why));
 }
 
 void Session::introduce(Connection& connection, int pid) {

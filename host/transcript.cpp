@@ -25,7 +25,7 @@ bool Transcript::copy_to(const std::string& path) {
 }
 
 void Transcript::message(Direction direction, int pid, const webkit_message& message) {
-    write(message_line(direction, pid, message));
+    write(message_text(direction, pid, message));
 }
 
 void Transcript::note(std::string_view text) { write("-- " + std::string(text)); }

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "host/message_line.h"
+#include "ipc/message_text.h"
 
 namespace kestrel {
 

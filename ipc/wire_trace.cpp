@@ -16,12 +16,12 @@
 #include <utility>
 
 #include "ipc/error_line.h"
-#include "ipc/file_descriptor.h"
 #include "ipc/message_json.h"
 #include "ipc/message_text.h"
 #include "ipc/signals_blocked.h"
 #include "ipc/trace_queue.h"
 #include "ipc/trace_time.h"
+#include "log/file_descriptor.h"
 
 constinit std::atomic<bool> kestrel::wire_is_traced = false;
 

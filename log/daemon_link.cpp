@@ -63,7 +63,7 @@ bool say_hello(int fd, const char* ident) {
 void connect_daemon(const char* ident) {
     const SigpipeIgnored sigpipe_ignored;
     FileDescriptor socket = connect_to(GetSocketFilePath());
-    if (!socket || !say_hello(socket.get(), ident)) return;
+    if (!socket.is_open() || !say_hello(socket.get(), ident)) return;
     descriptor = socket.release();
     holders = 1;
     daemon_connected = true;

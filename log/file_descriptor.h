@@ -4,24 +4,28 @@
 
 #include <utility>
 
-namespace kestrel::logging {
+namespace kestrel {
 
 // An open file, closed at the end of its scope; -1 when opening failed.
 class FileDescriptor {
   public:
+    FileDescriptor() = default;
     explicit FileDescriptor(int fd) : fd_(fd) {}
     ~FileDescriptor() {
-        if (fd_ != -1) close(fd_);
+        if (is_open()) close(fd_);
     }
     FileDescriptor(FileDescriptor&& other) noexcept : fd_(other.release()) {}
-    FileDescriptor& operator=(FileDescriptor&&) = delete;
+    FileDescriptor& operator=(FileDescriptor&& other) noexcept {
+        std::swap(fd_, other.fd_);
+        return *this;
+    }
 
-    explicit operator bool() const { return fd_ != -1; }
+    bool is_open() const { return fd_ != -1; }
     int get() const { return fd_; }
     int release() { return std::exchange(fd_, -1); }
 
   private:
-    int fd_;
+    int fd_ = -1;
 };
 
-}  // namespace kestrel::logging
+}  // namespace kestrel

@@ -11,7 +11,7 @@ FileDescriptor connect_to(const char* path) {
     // An empty path would be a name in the abstract namespace, where any user may listen.
     if (*path == '\0') return FileDescriptor(-1);
     FileDescriptor fd(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    if (!fd) return fd;
+    if (!fd.is_open()) return fd;
 
     sockaddr_un address{};
     address.sun_family = AF_UNIX;

@@ -37,7 +37,7 @@ bool owns_system_log_directory() {
 
 bool system_daemon_answers() {
     const kestrel::logging::SigpipeIgnored sigpipe_ignored;
-    return static_cast<bool>(kestrel::logging::connect_to(kSocketFile.system_wide));
+    return kestrel::logging::connect_to(kSocketFile.system_wide).is_open();
 }
 
 // Settled for all three files by the first of them that is asked for.

@@ -59,7 +59,7 @@ void set_output_path(SharedLogConfig& shared, const char* path) {
 
 void map_shared_config() {
     const FileDescriptor file = open_config_file();
-    if (!file || ftruncate(file.get(), sizeof(SharedLogConfig)) == -1) return;
+    if (!file.is_open() || ftruncate(file.get(), sizeof(SharedLogConfig)) == -1) return;
     SharedLogConfig* const shared = map_file(file.get());
     if (shared == nullptr) return;
     if (std::atomic_ref(shared->magic).load(std::memory_order_acquire) != kConfigMagic) {

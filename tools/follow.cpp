@@ -40,13 +40,13 @@ class Filter {
 };
 
 // SIGINT and SIGTERM as something to wait for.
-logging::FileDescriptor stop_signals() {
+FileDescriptor stop_signals() {
     sigset_t signals;
     sigemptyset(&signals);
     sigaddset(&signals, SIGINT);
     sigaddset(&signals, SIGTERM);
     sigprocmask(SIG_BLOCK, &signals, nullptr);
-    return logging::FileDescriptor(signalfd(-1, &signals, SFD_CLOEXEC));
+    return FileDescriptor(signalfd(-1, &signals, SFD_CLOEXEC));
 }
 
 void allow_many_connections() {
@@ -101,8 +101,8 @@ class Viewer {
     }
 
     void accept() {
-        logging::FileDescriptor process = listener_.accept();
-        if (process) {
+        FileDescriptor process = listener_.accept();
+        if (process.is_open()) {
             processes_.emplace_back(std::move(process));
         } else if (errno == EMFILE || errno == ENFILE) {
             is_full_ = true;  // until a process goes
@@ -116,7 +116,7 @@ class Viewer {
     const Filter filter_;
     const bool json_;
     const bool colours_;
-    const logging::FileDescriptor stop_;
+    const FileDescriptor stop_;
     const ListeningSocket listener_;
     std::list<ProcessConnection> processes_;
     std::vector<pollfd> waiting_;

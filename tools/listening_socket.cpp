@@ -11,11 +11,9 @@
 namespace kestrel::tools {
 namespace {
 
-using logging::FileDescriptor;
-
 FileDescriptor new_socket() {
     FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-    if (!socket) throw std::system_error(errno, std::generic_category(), "socket");
+    if (!socket.is_open()) throw std::system_error(errno, std::generic_category(), "socket");
     return socket;
 }
 

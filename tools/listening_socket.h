@@ -23,13 +23,13 @@ class ListeningSocket {
     int fd() const { return socket_.get(); }
 
     // The next connection; none, with errno, when it cannot be had.
-    logging::FileDescriptor accept() const;
+    FileDescriptor accept() const;
 
   private:
     bool is_ours() const;
 
     std::string path_;
-    logging::FileDescriptor socket_;
+    FileDescriptor socket_;
     struct stat file_ {};
 };
 

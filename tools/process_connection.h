@@ -11,7 +11,7 @@ namespace kestrel::tools {
 // The connection of one process that logs.
 class ProcessConnection {
   public:
-    explicit ProcessConnection(logging::FileDescriptor socket) : socket_(std::move(socket)) {}
+    explicit ProcessConnection(FileDescriptor socket) : socket_(std::move(socket)) {}
 
     int fd() const { return socket_.get(); }
 
@@ -23,7 +23,7 @@ class ProcessConnection {
     bool take_message(std::string_view message,
                       const std::function<void(const TraceLine&)>& take_line);
 
-    logging::FileDescriptor socket_;
+    FileDescriptor socket_;
     std::string unread_;
     std::string process_ = "?";
 };

@@ -13,7 +13,8 @@
 namespace kestrel::testing {
 namespace {
 
-const std::string kInHome = "/QUOClient/" + std::string(platform_directory(kPlatformName));
+const std::string kInHome =
+    "/QUOClient/" + std::string(utilities::platform_directory(utilities::kPlatformName));
 constexpr auto kNoneFound = "No valid QUOROOT directory found\n";
 
 class InstallRootTest : public ::testing::Test {

@@ -6,25 +6,25 @@ namespace kestrel::testing {
 namespace {
 
 TEST(PlatformTest, EveryNameHasItsDirectory) {
-    EXPECT_EQ(platform_directory("linux"), "linuxx86");
-    EXPECT_EQ(platform_directory("x86"), "linuxx86");
-    EXPECT_EQ(platform_directory("linux64"), "linuxx64");
-    EXPECT_EQ(platform_directory("x64"), "linuxx64");
+    EXPECT_EQ(utilities::platform_directory("linux"), "linuxx86");
+    EXPECT_EQ(utilities::platform_directory("x86"), "linuxx86");
+    EXPECT_EQ(utilities::platform_directory("linux64"), "linuxx64");
+    EXPECT_EQ(utilities::platform_directory("x64"), "linuxx64");
 }
 
 TEST(PlatformTest, AnyOtherNameIsAnArm) {
     for (const char* name : {"armhf", "arm64", "", "Linux", "linux6", "linux640", "x"}) {
-        EXPECT_EQ(platform_directory(name), "linuxarmhf") << name;
+        EXPECT_EQ(utilities::platform_directory(name), "linuxarmhf") << name;
     }
 }
 
 TEST(PlatformTest, TheBuildKnowsItsOwnName) {
 #if defined(__x86_64__)
-    EXPECT_EQ(kPlatformName, "linux64");
+    EXPECT_EQ(utilities::kPlatformName, "linux64");
 #elif defined(__i386__)
-    EXPECT_EQ(platform_directory(kPlatformName), "linuxx86");
+    EXPECT_EQ(utilities::platform_directory(utilities::kPlatformName), "linuxx86");
 #else
-    EXPECT_EQ(platform_directory(kPlatformName), "linuxarmhf");
+    EXPECT_EQ(utilities::platform_directory(utilities::kPlatformName), "linuxarmhf");
 #endif
 }
 

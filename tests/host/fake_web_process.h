@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "host/file_descriptor.h"
+#include "log/file_descriptor.h"
 
 namespace kestrel::testing {
 

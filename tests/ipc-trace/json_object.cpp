@@ -1,6 +1,6 @@
 #include "tests/ipc-trace/json_object.h"
 
-#include <stdexcept>
+#include <string_view>
 
 namespace kestrel::testing {
 namespace {
@@ -13,56 +13,24 @@ std::string bytes_of_hex(std::string_view hex) {
     return bytes;
 }
 
-std::string bytes_of_item(JsonNode* item) {
-    if (JSON_NODE_HOLDS_OBJECT(item)) {
-        return bytes_of_hex(json_object_get_string_member(json_node_get_object(item), "hex"));
-    }
-    return json_node_get_string(item);
+std::string bytes_of_item(const nlohmann::json& item) {
+    if (item.is_object()) return bytes_of_hex(item.at("hex").get<std::string>());
+    return item;
 }
 
 }  // namespace
 
-JsonObjectText::JsonObjectText(const std::string& json) {
-    const auto length = static_cast<gssize>(json.size());
-    if (json_parser_load_from_data(parser_.get(), json.data(), length, nullptr) == FALSE ||
-        !JSON_NODE_HOLDS_OBJECT(json_parser_get_root(parser_.get()))) {
-        throw std::runtime_error("no JSON object: " + json);
-    }
-    object_ = json_node_get_object(json_parser_get_root(parser_.get()));
-}
-
-bool JsonObjectText::has(const char* member) const {
-    return json_object_has_member(object_, member) != FALSE;
-}
-
-long JsonObjectText::integer(const char* member) const {
-    return json_object_get_int_member(object_, member);
-}
-
-std::string JsonObjectText::text(const char* member) const {
-    return json_object_get_string_member(object_, member);
-}
-
-std::vector<long> JsonObjectText::integers(const char* member) const {
-    JsonArray* const items = json_object_get_array_member(object_, member);
-    std::vector<long> values;
-    for (guint i = 0; i < json_array_get_length(items); ++i) {
-        values.push_back(json_array_get_int_element(items, i));
-    }
-    return values;
-}
+JsonObjectText::JsonObjectText(const std::string& json)
+    : object_(nlohmann::json::parse(json).get<nlohmann::json::object_t>()) {}
 
 std::vector<std::string> JsonObjectText::strings(const char* member) const {
-    JsonArray* const items = json_object_get_array_member(object_, member);
     std::vector<std::string> values;
-    for (guint i = 0; i < json_array_get_length(items); ++i) {
-        values.push_back(bytes_of_item(json_array_get_element(items, i)));
-    }
+    for (const nlohmann::json& item : object_.at(member)) values.push_back(bytes_of_item(item));
     return values;
 }
 
 std::string JsonObjectText::bytes(const char* member) const {
-    return bytes_of_item(json_object_get_member(object_, member));
+    return bytes_of_item(object_.at(member));
 }
 
 }  // namespace kestrel::testing

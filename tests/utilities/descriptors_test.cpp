@@ -66,7 +66,8 @@ struct Installation {
 
     std::string version_file() const {
         return root + "/pkginf/Ver.core." +
-               std::string(kestrel::platform_directory(kestrel::kPlatformName));
+               std::string(
+                   kestrel::utilities::platform_directory(kestrel::utilities::kPlatformName));
     }
 };
 

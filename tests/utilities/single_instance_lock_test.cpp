@@ -29,7 +29,6 @@
 #include "tests/utilities/scoped_variable.h"
 
 namespace fs = std::filesystem;
-using kestrel::FileDescriptor;
 using kestrel::testing::as_ordinary_user;
 using kestrel::testing::in_child;
 using kestrel::testing::is_root;
@@ -37,6 +36,7 @@ using kestrel::testing::Output;
 using kestrel::testing::RunningProgram;
 using kestrel::testing::ScopedVariable;
 using kestrel::testing::TemporaryDirectory;
+using kestrel::utilities::FileDescriptor;
 
 namespace {
 

@@ -49,8 +49,9 @@ class UserAgent : public ::testing::Test {
     TemporaryDirectory root_;
     ScopedVariable root_variable_{"QUOROOT", root_.path()};
     ScopedVariable home_variable_{"HOME", root_.path() + "/home"};
-    std::string version_file_ = root_.path() + "/pkginf/Ver.core." +
-                                std::string(kestrel::platform_directory(kestrel::kPlatformName));
+    std::string version_file_ =
+        root_.path() + "/pkginf/Ver.core." +
+        std::string(kestrel::utilities::platform_directory(kestrel::utilities::kPlatformName));
 
     void SetUp() override {
         fs::create_directories(root_.path() + "/util");
