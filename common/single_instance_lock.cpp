@@ -82,7 +82,7 @@ LockState take_lock(const std::string& path) {
 
 // The name comes by value because the exported signature says so.
 bool LinuxCommonUtils::IsAnotherInstanceRunning(std::string name) {  // NOLINT
-    const std::string program = name.c_str();  // up to its first NUL, as every path
+    const std::string program = name.substr(0, name.find('\0'));     // as every path
     const std::string path = getUserTmpDir() + "/." + program + ".lock";
 
     const bool stays_inside = program.find('/') == std::string::npos;

@@ -57,7 +57,8 @@ std::wstring LinuxCommonUtils::GetTarnUserAgent() {
            with_slash(GetOsVersion()) + L" M4Class TarnCapable";
 }
 
-std::string LinuxCommonUtils::GetTarnLaunchSourceUserAgentString(std::string source) {
+// The source comes by value because the exported signature says so.
+std::string LinuxCommonUtils::GetTarnLaunchSourceUserAgentString(std::string source) {  // NOLINT
     const std::string version = WCharToChar(GetPorticoVersionFromQuoroot().c_str());
     return (source.empty() ? "Tarn" : source) + with_slash(version);
 }

@@ -34,13 +34,13 @@ std::string LinuxCommonUtils::getUserTmpDir() {
     if (home.empty()) return "/tmp";
 
     const std::string client = home + "/.QUOClient";
-    const std::string scratch = client + "/.tmp";
+    std::string scratch = client + "/.tmp";
     if (make_directory(client, "quoHome") && make_directory(scratch, "quoHome/.tmp")) {
         return scratch;
     }
     const std::string user = getUserName();
     if (user.empty()) return "/tmp";
-    const std::string fallback = "/tmp/" + user;
+    std::string fallback = "/tmp/" + user;
     mkdir(fallback.c_str(), kPrivate);
     return fallback;
 }

@@ -126,7 +126,8 @@ void explain(const CLI::App& app, const CLI::ParseError& error) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+// Describing the arguments throws only where their description is wrong.
+int main(int argc, char** argv) {  // NOLINT(bugprone-exception-escape)
     std::signal(SIGPIPE, SIG_IGN);
 
     CLI::App app(
