@@ -23,7 +23,7 @@
 namespace {
 
 constexpr const char* kFormat = "Value of server_fd %d, retries left : %d\n";
-constexpr std::size_t kRecordSize = 26 + 42;
+constexpr std::size_t kRecordSize = 26 + 40;  // its fields, and "… 7, … 9\n" with its NUL
 
 // Takes connections and whatever comes through them, as a daemon that is never late.
 class Sink {

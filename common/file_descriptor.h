@@ -4,7 +4,7 @@
 
 namespace kestrel::utilities {
 
-// Owns an open file, or holds -1.
+// Owns an open file, or holds -1. The utilities stand alone, and so have their own.
 class FileDescriptor {
   public:
     explicit FileDescriptor(int fd) : fd_(fd) {}

@@ -77,5 +77,6 @@ std::string LinuxCommonUtils::getQUOROOT() {
         if (ifValidQUOROOT(candidate)) return candidate;
     }
     std::fputs("No valid QUOROOT directory found\n", stderr);
+    std::fflush(stderr);
     return "";
 }

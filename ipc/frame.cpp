@@ -3,6 +3,8 @@
 #include <array>
 #include <charconv>
 #include <cstring>
+#include <limits>
+#include <system_error>
 
 #include "ipc/error_line.h"
 
@@ -88,9 +90,13 @@ bool counts_are_possible(const webkit_message& header) {
 int parse_int(std::string_view text) {
     while (!text.empty() && is_space(text.front())) text.remove_prefix(1);
     if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
-    int value = 0;
-    std::from_chars(text.data(), text.data() + text.size(), value);
-    return value;
+    std::int64_t value = 0;
+    const auto read = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (read.ec == std::errc::result_out_of_range) {
+        using Limits = std::numeric_limits<std::int64_t>;
+        value = text.front() == '-' ? Limits::min() : Limits::max();
+    }
+    return static_cast<int>(value);
 }
 
 bool decode_items(const webkit_message& frame, Items& items) {

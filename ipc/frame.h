@@ -48,8 +48,8 @@ std::optional<std::int32_t> payload_length(std::span<const std::size_t> text_len
 // one byte an item. Call it before allocating anything by the counts.
 bool counts_are_possible(const webkit_message& header);
 
-// The value of an integer item as scanf's "%d" reads it; 0 for text that is no number or whose
-// number is not an int.
+// The value of an integer item as scanf's "%d" reads it, cut to its low 32 bits if it has more; 0
+// for text that is no number.
 int parse_int(std::string_view text);
 
 struct Items {

@@ -125,7 +125,7 @@ bool receive_one(FrameBuffer& buffer) {
     if (message == nullptr) {
         error_line("webkit_client::recvMessage could not malloc, failing\n");
         __ZynTrace(kestrel::kLogWebkit, kestrel::kError, "", "", 0,
-                   "could not malloc %d, too less memory?", header.total_len_of_string);
+                   "could not malloc %d, too less memory?", kestrel::kMaxInboundPayload);
         return false;
     }
     *message = header;

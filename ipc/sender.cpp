@@ -1,4 +1,5 @@
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
@@ -24,6 +25,8 @@ ssize_t write_once(int fd, std::span<const char> bytes) {
     ssize_t written = 0;
     do {
         written = send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        // Programs that link the library may have put a pipe or a file into server_fd.
+        if (written == -1 && errno == ENOTSOCK) written = write(fd, bytes.data(), bytes.size());
     } while (written == -1 && errno == EINTR);
     return written;
 }

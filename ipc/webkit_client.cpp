@@ -1,5 +1,7 @@
 #include "ipc/webkit_client.h"
 
+#include <fcntl.h>
+#include <poll.h>
 #include <pthread.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -31,6 +33,8 @@ constinit std::mutex kestrel::send_lock;
 
 namespace {
 
+constexpr int kFullQueueMilliseconds = 20;
+
 using SocketPath = std::unique_ptr<char, kestrel::FreeDeleter>;
 
 // The kernel knows Unix addresses of up to 110 bytes; `path` has been checked to fit.
@@ -41,12 +45,20 @@ sockaddr_un address_of(const char* path) {
     return address;
 }
 
-bool connect_once(int fd, const sockaddr_un& address) {
-    int result = 0;
-    do {
-        result = connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address);
-    } while (result == -1 && errno == EINTR);
-    return result == 0;
+// The socket does not block yet: a host whose queue is full would make connect wait, and a page
+// call with it for the lock. So this waits without the lock until there is room.
+bool connect_once(int fd, const sockaddr_un& address, std::unique_lock<std::mutex>& sending) {
+    while (connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == -1) {
+        if (errno == EAGAIN) {
+            sending.unlock();
+            poll(nullptr, 0, kFullQueueMilliseconds);
+            sending.lock();
+        } else if (errno != EINTR) {
+            return false;
+        }
+    }
+    fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) & ~O_NONBLOCK);
+    return true;
 }
 
 // Takes the lock for each attempt and keeps it on success, so that no other sender's frame can
@@ -54,12 +66,12 @@ bool connect_once(int fd, const sockaddr_un& address) {
 bool connect_with_retries(int fd, const sockaddr_un& address,
                           std::unique_lock<std::mutex>& sending) {
     sending.lock();
-    bool connected = connect_once(fd, address);
+    bool connected = connect_once(fd, address, sending);
     for (int retries = kestrel::kConnectRetries; !connected && retries > 0;) {
         sending.unlock();
         sleep(kestrel::kConnectRetrySeconds);
         sending.lock();
-        connected = connect_once(fd, address);
+        connected = connect_once(fd, address, sending);
         --retries;
         __ZynTrace(kestrel::kLogWebkit, kestrel::kInfo, "", "", 0,
                    "Failed to connect to server, trying again after %d secs, retries left : %d",
@@ -108,7 +120,7 @@ void* webkit_client::sinitComm(void* socket_path) {
     SocketPath path(static_cast<char*>(socket_path));
     std::unique_lock lock(mu);
 
-    const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     kestrel::store_server_fd(fd);
     if (fd == -1) {
         error_line("Could not create socket!\n");

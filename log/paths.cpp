@@ -2,12 +2,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "log/errno_guard.h"
 #include "log/local_socket.h"
@@ -30,6 +30,9 @@ constexpr FileLocation kLogFile{"/var/log/veltrane/QUOClient.log",
                                 "/.QUOClient/logs/QUOClient.log"};
 constexpr FileLocation kSocketFile{"/var/log/veltrane/.zynlogsocket", "/.QUOClient/.zynlogsocket"};
 
+constexpr std::size_t kFirstPasswordBuffer = 1'024;
+constexpr std::size_t kLargestPasswordBuffer = 1'048'576;
+
 bool owns_system_log_directory() {
     struct stat status {};
     return stat("/var/log/veltrane/", &status) == 0 && status.st_uid == getuid();
@@ -48,13 +51,14 @@ bool uses_system_log_directory() {
 
 const char* find_home() {
     if (const char* home = std::getenv("HOME")) return strdup(home);
-    std::array<char, 16'384> buffer;
+    std::vector<char> buffer(kFirstPasswordBuffer);
     passwd entry{};
     passwd* found = nullptr;
-    if (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found) != 0 ||
-        found == nullptr || found->pw_dir == nullptr) {
-        return nullptr;
+    while (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found) == ERANGE &&
+           buffer.size() < kLargestPasswordBuffer) {
+        buffer.resize(buffer.size() * 2);
     }
+    if (found == nullptr || found->pw_dir == nullptr) return nullptr;
     return strdup(found->pw_dir);
 }
 

@@ -45,16 +45,24 @@ void write_defaults(SharedLogConfig& shared) {
         set_output_path(record, GetLogFilePath());
         return record;
     }();
-    std::memcpy(&shared, &defaults, offsetof(SharedLogConfig, magic));
+    store(shared.flags, defaults.flags);
+    for (std::size_t i = 0; i < defaults.levels.size(); ++i) {
+        store(shared.levels[i], defaults.levels[i]);
+    }
+    set_output_path(shared, defaults.output_path.data());
+    store(shared.rollover_size, defaults.rollover_size);
+    store(shared.rollover_count, defaults.rollover_count);
+    store(shared.session_max, defaults.session_max);
     std::atomic_ref(shared.magic).store(defaults.magic, std::memory_order_release);
 }
 
 }  // namespace
 
 void set_output_path(SharedLogConfig& shared, const char* path) {
-    const std::size_t length = strnlen(path, shared.output_path.size());
-    char* const end = std::copy_n(path, length, shared.output_path.data());
-    std::fill(end, shared.output_path.data() + shared.output_path.size(), '\0');
+    for (char& place : shared.output_path) {
+        std::atomic_ref(place).store(*path, std::memory_order_relaxed);
+        if (*path != '\0') ++path;
+    }
 }
 
 void map_shared_config() {

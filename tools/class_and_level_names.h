@@ -1,4 +1,5 @@
-// Classes and levels by the names that people use. Needs the settings to be mapped.
+// Classes and levels by the names that people use. From the tables, so that a wrong name is found
+// before the settings are touched.
 #pragma once
 
 #include <cstdint>

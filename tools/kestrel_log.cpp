@@ -9,9 +9,7 @@
 #include <optional>
 #include <string>
 
-#include "log/zynlog.h"
 #include "log/zynlog_config.h"
-#include "log/zynlog_paths.h"
 #include "tools/console.h"
 #include "tools/follow.h"
 #include "tools/settings.h"
@@ -95,12 +93,6 @@ void add_commands(CLI::App& app, Arguments& arguments, Command& command) {
 }
 
 int run(const Command& command) {
-    if (ZynLogInitConfigOnly() == 0) {
-        std::fprintf(stderr, "kestrel-log: cannot open the settings%s%s\n",
-                     *GetConfigFilePath() == '\0' ? ": there is no home directory" : " at ",
-                     GetConfigFilePath());
-        return kExitFailure;
-    }
     try {
         command();
         return 0;

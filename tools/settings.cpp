@@ -7,8 +7,10 @@
 #include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <stdexcept>
 #include <string_view>
 
+#include "log/zynlog.h"
 #include "log/zynlog_config.h"
 #include "log/zynlog_paths.h"
 #include "tools/class_and_level_names.h"
@@ -19,6 +21,14 @@ namespace kestrel::tools {
 namespace {
 
 using Json = nlohmann::ordered_json;
+
+// For when a command's arguments are known to be good: opening creates and repairs the file.
+void open_settings() {
+    if (ZynLogInitConfigOnly() == 1) return;
+    const std::string path = GetConfigFilePath();
+    throw std::runtime_error("cannot open the settings" +
+                             (path.empty() ? ": there is no home directory" : " at " + path));
+}
 
 std::uint32_t current_flags() {
     std::uint32_t flags = 0;
@@ -110,18 +120,21 @@ std::string settings_json() {
 }  // namespace
 
 void show_settings(bool json) {
+    open_settings();
     print(json ? settings_json() : class_table() + "\n" + settings_table());
 }
 
 void set_level(const std::string& class_name, const std::string& level_name) {
     const std::uint32_t log_class = class_by_name(class_name);
     const std::uint32_t level = level_by_name(level_name);
+    open_settings();
     ZynLogSetCurrentLevel(log_class, level);
 }
 
 void change_flags(const std::string& enable, const std::string& disable) {
     const std::uint32_t enabled_bits = flag_bits(enable);
     const std::uint32_t disabled_bits = flag_bits(disable);
+    open_settings();
     ZynLogEnableFlags(enabled_bits);
     ZynLogDisableFlags(disabled_bits);
 }
@@ -132,17 +145,23 @@ void set_output_path(const std::string& path) {
         throw UsageError("the output path is " + std::to_string(path.size()) +
                          " bytes long; valid are 1 to " + std::to_string(kLogOutputPathSize - 1));
     }
+    open_settings();
     ZynLogSetOutputPath(path.c_str());
 }
 
 void set_rollover(std::optional<int> size, std::optional<std::uint32_t> count) {
+    open_settings();
     if (size) ZynLogSetRolloverSize(*size);
     if (count) ZynLogSetRolloverCount(*count);
 }
 
-void set_session_max(std::uint32_t sessions) { ZynLogSetSessionMax(sessions); }
+void set_session_max(std::uint32_t sessions) {
+    open_settings();
+    ZynLogSetSessionMax(sessions);
+}
 
 void reset_settings() {
+    open_settings();
     std::uint32_t flags = 0;
     ZynLogGetDefaultFlags(&flags);
     ZynLogEnableFlags(flags);

@@ -5,6 +5,8 @@
 #include <nlohmann/json.hpp>
 
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -112,6 +114,21 @@ TEST_F(KestrelLog, RefusesNamesThatAreNot) {
                    "valid are: show level flags output rollover session reset follow\n");
     expect_refused({}, "a command is needed");
     expect_refused({"show", "--yaml"}, "--yaml");
+}
+
+TEST(KestrelLogOnAFreshMachine, RefusesWithoutMakingAFile) {
+    EXPECT_EQ(kestrel_log({"level", "NOPE", "VERBOSE"}).status, 2);
+    EXPECT_EQ(kestrel_log({"flags", "--enable", "loud"}).status, 2);
+    EXPECT_EQ(kestrel_log({"output", "relative"}).status, 2);
+    EXPECT_EQ(kestrel_log({"follow", "--level", "LOUD"}).status, 2);
+    EXPECT_FALSE(std::filesystem::exists(home() + "/.QUOClient"));
+}
+
+TEST_F(KestrelLog, RefusesWithoutRepairingADamagedRecord) {
+    const std::string garbage(2'000, 'x');
+    std::ofstream(home() + "/.QUOClient/.zynlogconf") << garbage;
+    expect_refused({"level", "NOPE", "VERBOSE"}, "there is no class 'NOPE'");
+    EXPECT_EQ(record(), garbage);
 }
 
 TEST_F(KestrelLog, SetsAndClearsFlags) {
