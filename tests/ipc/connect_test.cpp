@@ -5,6 +5,7 @@
 #include <pthread.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -46,6 +47,28 @@ TEST_F(ConnectTest, AnnouncesTheProcessFirstAndOnce) {
     EXPECT_TRUE(connection.is_quiet());
     EXPECT_THAT(logged(), ElementsAre(kStarted));
     EXPECT_EQ(errors.text(), "");
+}
+
+// A blocking connect would keep the lock, and a page call would wait for as long.
+TEST_F(ConnectTest, WaitsForRoomInTheHostsQueueWithoutTheLock) {
+    const ListeningHost host(path, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    const int first = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    ASSERT_EQ(connect(first, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+
+    start_link();
+    ASSERT_TRUE(comes_true([] { return load_server_fd() != -1; }));
+    for (int i = 0; i < 3; ++i) {
+        ASSERT_TRUE(comes_true([] { return send_lock.try_lock(); }));
+        send_lock.unlock();
+    }
+    EXPECT_NE(host.accept().fd(), -1);
+    const HostEnd connection = host.accept();
+    EXPECT_EQ(connection.read_frame(), announcement());
+    EXPECT_EQ(fcntl(load_server_fd(), F_GETFL) & O_NONBLOCK, 0);
+    close(first);
 }
 
 TEST_F(ConnectTest, StoresTheHandlersAndDispatchesThroughThem) {

@@ -1,8 +1,10 @@
 // Sends that a host is there for, and those that are dropped.
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <array>
 #include <csignal>
@@ -14,6 +16,7 @@
 #include "ipc/webkit_client.h"
 #include "ipc/webkit_util.h"
 #include "log/zynlog.h"
+#include "tests/support/frame_bytes.h"
 #include "tests/support/link_peer.h"
 #include "tests/support/log_recorder.h"
 #include "tests/support/process_state.h"
@@ -31,6 +34,19 @@ class SendMessageTest : public ::testing::Test {
 
     StderrCapture errors;
 };
+
+TEST_F(SendMessageTest, WritesToADescriptorThatIsNoSocket) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+    webkit_client::server_fd = ends[1];
+    send(6, {}, {});
+    std::array<char, 17> read_back{};
+    EXPECT_EQ(read(ends[0], read_back.data(), read_back.size()), 16);
+    EXPECT_EQ(std::string(read_back.data(), 16), frame_bytes(6, {}, {}));
+    webkit_client::server_fd = -1;
+    close(ends[0]);
+    close(ends[1]);
+}
 
 TEST_F(SendMessageTest, WritesTheFrameAndLeavesItToTheCaller) {
     const LinkPeer host;

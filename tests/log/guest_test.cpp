@@ -22,6 +22,13 @@ using kestrel::kLogWebkit;
 using kestrel::testing::DaemonConnection;
 using kestrel::testing::FakeDaemon;
 
+[[gnu::format(printf, 1, 2)]] void trace_with_list(const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    __ZynTraceV(kLogWebkit, kError, "", "", 0, format, arguments);
+    va_end(arguments);
+}
+
 struct Call {
     const char* name;
     std::function<void()> make;
@@ -40,6 +47,7 @@ std::vector<Call> calls() {
         {"__ZynTrace", [] { __ZynTrace(kLogWebkit, kError, "", "", 0, "%s", "x"); }},
         {"__ZynTrace, bad text",
          [] { __ZynTrace(kLogWebkit, kError, "", "", 0, "%ls", L"\u2603"); }},
+        {"__ZynTraceV", [] { trace_with_list("%s", "x"); }},
         {"__ZynLog", [] { __ZynLog(kError, "", "", 0, "x"); }},
         {"ZynLogEnableFlags", [] { ZynLogEnableFlags(kestrel::kLogThreadNameFlag); }},
         {"__ZynTrace, thread name", [] { __ZynTrace(kLogWebkit, kError, "", "", 0, "x"); }},

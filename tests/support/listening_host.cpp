@@ -10,13 +10,13 @@
 
 namespace kestrel::testing {
 
-ListeningHost::ListeningHost(const std::string& path)
+ListeningHost::ListeningHost(const std::string& path, int queue)
     : fd_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     path.copy(address.sun_path, sizeof address.sun_path - 1);
     if (bind(fd_, reinterpret_cast<const sockaddr*>(&address), sizeof address) == -1 ||
-        listen(fd_, SOMAXCONN) == -1) {
+        listen(fd_, queue) == -1) {
         throw std::system_error(errno, std::generic_category(), path);
     }
 }

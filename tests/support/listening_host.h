@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/socket.h>
+
 #include <string>
 
 #include "tests/support/host_end.h"
@@ -7,9 +9,10 @@
 namespace kestrel::testing {
 
 // A host that listens on a Unix socket at `path`, which must not exist and has 107 bytes at most.
+// One connection more than `queue` may wait to be accepted.
 class ListeningHost {
   public:
-    explicit ListeningHost(const std::string& path);
+    explicit ListeningHost(const std::string& path, int queue = SOMAXCONN);
     ~ListeningHost();
     ListeningHost(const ListeningHost&) = delete;
     ListeningHost& operator=(const ListeningHost&) = delete;

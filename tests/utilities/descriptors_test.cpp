@@ -29,6 +29,26 @@ std::ptrdiff_t open_descriptors() {
 
 const std::vector<std::pair<const char*, std::function<void()>>> kMembers = {
     {"getHomeDir", [] { LinuxCommonUtils::getHomeDir(); }},
+    {"ifFileExists",
+     [] {
+         std::string path = "/";
+         LinuxCommonUtils::ifFileExists(path);
+     }},
+    {"ifValidQUOROOT", [] { LinuxCommonUtils::ifValidQUOROOT("/"); }},
+    {"GetOsName", [] { LinuxCommonUtils::GetOsName(); }},
+    {"GetWebkitUserAgentParamters",
+     [] {
+         std::string name;
+         std::string version;
+         LinuxCommonUtils::GetWebkitUserAgentParamters("a/1", name, version);
+     }},
+    {"trimString", [] { LinuxCommonUtils::trimString(L" a ", L" "); }},
+    {"WCharToChar", [] { LinuxCommonUtils::WCharToChar(L"a"); }},
+    {"SecureZeroMemory",
+     [] {
+         char byte = 1;
+         LinuxCommonUtils::SecureZeroMemory(&byte, sizeof byte);
+     }},
     {"getUserName", [] { LinuxCommonUtils::getUserName(); }},
     {"getUserTmpDir", [] { LinuxCommonUtils::getUserTmpDir(); }},
     {"GetModulePath", [] { LinuxCommonUtils::GetModulePath(); }},

@@ -339,6 +339,20 @@ TEST_F(SingleInstanceLock, LockThatFailsBeforeWritingIsAFailure) {
     EXPECT_EQ(content(lock_), "");
 }
 
+TEST_F(SingleInstanceLock, LockThatFailsLeavesNoFileOpen) {
+    const Output output = in_child([] {
+        on_flock = [](int, int) { return ENOLCK; };
+        std::freopen("/dev/null", "w", stderr);
+        const auto open_files = [] {
+            return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
+        };
+        const auto before = open_files();
+        for (int i = 0; i < 300; ++i) LinuxCommonUtils::IsAnotherInstanceRunning("catalook");
+        std::cout << open_files() - before;
+    });
+    EXPECT_EQ(output.out, "0");
+}
+
 TEST_F(SingleInstanceLock, SlashInTheNameIsAFailureAndTouchesNothing) {
     fs::create_directory(scratch_ + "/.");
     for (const std::string name : {"a/b", "/", "/../../outside", "catalook/"}) {
