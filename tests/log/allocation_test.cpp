@@ -1,6 +1,8 @@
-// A program whose allocations are counted: it has the C library's names itself.
+// A program whose allocations and writes are counted: it has the C library's names itself.
 
 #include <gtest/gtest.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <cstddef>
@@ -13,6 +15,7 @@
 namespace {
 
 constinit std::atomic<int> allocations = 0;
+constinit std::atomic<int> writes = 0;
 
 }  // namespace
 
@@ -30,6 +33,11 @@ void* malloc(std::size_t size) {
 void* calloc(std::size_t count, std::size_t size) {
     ++allocations;
     return __libc_calloc(count, size);
+}
+
+ssize_t write(int fd, const void* bytes, std::size_t size) {
+    ++writes;
+    return syscall(SYS_write, fd, bytes, size);
 }
 
 void* realloc(void* block, std::size_t size) {
@@ -62,6 +70,20 @@ TEST(Allocations, AreNotMadeForALine) {
     __ZynTrace(kLogWebkit, kestrel::kError, "", "", 0, "%s", text.c_str());
     EXPECT_EQ(allocations, before);
     EXPECT_FALSE(connection.is_quiet());
+}
+
+TEST(Writes, AreOneForALineHoweverLongAndNoneForASuppressedOne) {
+    const kestrel::testing::FakeDaemon daemon;
+    ZynLogInit();
+    const kestrel::testing::DaemonConnection connection = daemon.accept();
+    const std::string text(10'000, 'x');
+    ZynLogEnableFlags(kestrel::kLogThreadNameFlag);
+
+    const int before = writes;
+    __ZynTrace(kLogWebkit, kestrel::kInfo, "", "", 0, "suppressed");
+    EXPECT_EQ(writes, before);
+    __ZynTrace(kLogWebkit, kestrel::kError, "", "", 0, "%s", text.c_str());
+    EXPECT_EQ(writes, before + 1);
 }
 
 }  // namespace
