@@ -10,6 +10,9 @@ option(KESTREL_WERROR "Treat warnings as errors" OFF)
 set(KESTREL_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize takes them")
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  add_compile_options(-Wno-restrict)  # false alarms over std::string's operator+ at -O3
+endif()
 if(KESTREL_WERROR)
   add_compile_options(-Werror)
 endif()

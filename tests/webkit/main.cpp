@@ -2,7 +2,6 @@
 #include <gtk/gtk.h>
 
 #include <cstdlib>
-#include <filesystem>
 
 #include "tests/support/temporary_directory.h"
 
@@ -12,7 +11,6 @@ int main(int argc, char** argv) {
     if (GTEST_FLAG_GET(list_tests)) return RUN_ALL_TESTS();
 
     const kestrel::testing::TemporaryDirectory home;
-    std::filesystem::create_directory(home.path() + "/.QUOClient");
     setenv("HOME", home.path().c_str(), 1);
     setenv("LC_ALL", "C.UTF-8", 1);
     setenv("NO_AT_BRIDGE", "1", 1);

@@ -96,7 +96,10 @@ void ScriptedHost::hang_up() {
     if (listener_source_ != 0) g_source_remove(listener_source_);
     listener_source_ = 0;
     if (client_ != -1) close(client_);
-    if (listener_ != -1) close(listener_);
+    if (listener_ != -1) {
+        close(listener_);
+        unlink(path_.c_str());
+    }
     client_ = listener_ = -1;
 }
 

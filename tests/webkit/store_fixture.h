@@ -3,6 +3,7 @@
 #include <glib.h>
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <string>
 
 #include "tests/support/main_loop.h"
@@ -14,6 +15,8 @@ namespace kestrel::testing {
 // A host that listens in this process's temporary home directory.
 class StoreTest : public ::testing::Test {
   protected:
+    StoreTest() { std::filesystem::create_directories(client_directory()); }
+
     static std::string client_directory() { return std::string(g_get_home_dir()) + "/.QUOClient"; }
 
     ScriptedHost host{client_directory()};
