@@ -26,9 +26,7 @@ constexpr const char* kTextDomain = "kestrel";
 void read_user_data(GVariant* user_data) {
     if (user_data == nullptr || !g_variant_is_of_type(user_data, G_VARIANT_TYPE("as"))) return;
     const std::size_t count = g_variant_n_children(user_data);
-    if (count > 0) {
-        g_variant_get_child(user_data, 0, "s", &g_quoroot);
-    }
+    if (count > 0) g_variant_get_child(user_data, 0, "s", &g_quoroot);
     if (count > 1) {
         const char* resources = nullptr;
         g_variant_get_child(user_data, 1, "&s", &resources);
