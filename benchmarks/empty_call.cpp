@@ -1,4 +1,4 @@
-#include "bench/empty_call.h"
+#include "benchmarks/empty_call.h"
 
 [[gnu::visibility("default")]] void empty_call(std::uint32_t /*log_class*/, int /*level*/,
                                                const char* /*aux1*/, const char* /*aux2*/,

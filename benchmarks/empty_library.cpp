@@ -1,0 +1,1 @@
+// The floor of loading a library: one without anything in it.

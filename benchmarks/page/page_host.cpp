@@ -1,0 +1,122 @@
+#include "benchmarks/page/page_host.h"
+
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+
+#include "ipc/frame.h"
+
+namespace kestrel::bench {
+namespace {
+
+constexpr int kRelay = to_host("ajax");
+constexpr int kAnswer = to_page("answer");
+constexpr std::size_t kPieceSize = 262'144;
+
+[[noreturn]] void fail(const char* what) {
+    std::perror(what);
+    std::exit(EXIT_FAILURE);
+}
+
+void sleep_a_moment() { std::this_thread::sleep_for(std::chrono::microseconds(200)); }
+
+}  // namespace
+
+double monotonic_seconds() {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+PageHost::PageHost(const std::string& client_directory)
+    : path_(client_directory + "/webkit_socket2"),
+      listener_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)),
+      assembler_({64'000'000, 100}) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path_.copy(address.sun_path, sizeof address.sun_path - 1);
+    if (bind(listener_, reinterpret_cast<sockaddr*>(&address), sizeof address) == -1) fail("bind");
+    if (listen(listener_, 8) == -1) fail("listen");
+    thread_ = std::thread(&PageHost::serve, this);
+}
+
+PageHost::~PageHost() {
+    paused_ = false;
+    shutdown(listener_, SHUT_RDWR);
+    if (peer_ != -1) shutdown(peer_, SHUT_RDWR);
+    thread_.join();
+    unlink(path_.c_str());
+    close(listener_);
+}
+
+void PageHost::serve() {
+    peer_ = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
+    std::vector<char> piece(kPieceSize);
+    for (;;) {
+        paused_.wait(true);
+        const ssize_t got = read(peer_, piece.data(), piece.size());
+        if (got <= 0) break;
+        take(std::span(piece).first(static_cast<std::size_t>(got)));
+    }
+    close(peer_.exchange(-1));
+}
+
+void PageHost::take(std::span<const char> bytes) {
+    const std::uint64_t received = received_ += bytes.size();
+    if (task_ != Task::count) {
+        while (const Frame frame = assembler_.next(bytes)) take_frame(*frame);
+    }
+    if (received >= expected_ && finished_at_ == 0) finished_at_ = monotonic_seconds();
+}
+
+void PageHost::take_frame(const webkit_message& frame) {
+    const std::span<const char> payload = payload_of(frame);
+    if (task_ == Task::keep) {
+        kept_.emplace_back(payload.begin(), payload.end());
+    } else if (frame.msg_type == kRelay) {
+        const std::string_view text(payload.data());
+        const std::array<std::string_view, 6> strings = {kAjaxCompletion, text};
+        const Frame answer = build_frame(kAnswer, {}, strings);
+        const std::span<const char> bytes = bytes_of(*answer);
+        send({bytes.data(), bytes.size()});
+    }
+}
+
+void PageHost::expect(std::uint64_t bytes) {
+    kept_.clear();
+    expected_ = received_ + bytes;
+    finished_at_ = 0;
+}
+
+double PageHost::finished_at() const {
+    constexpr double kPatience = 60;
+    const double deadline = monotonic_seconds() + kPatience;
+    while (finished_at_ == 0 && monotonic_seconds() < deadline) sleep_a_moment();
+    return finished_at_;
+}
+
+void PageHost::resume() {
+    paused_ = false;
+    paused_.notify_one();
+}
+
+std::size_t PageHost::waiting() const {
+    int bytes = 0;
+    ioctl(peer_, FIONREAD, &bytes);
+    return static_cast<std::size_t>(bytes);
+}
+
+void PageHost::send(std::string_view bytes) const {
+    while (!bytes.empty()) {
+        const ssize_t sent = ::send(peer_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        if (sent <= 0) fail("send");
+        bytes.remove_prefix(static_cast<std::size_t>(sent));
+    }
+}
+
+}  // namespace kestrel::bench
