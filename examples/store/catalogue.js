@@ -2,13 +2,16 @@
 'use strict';
 
 const kCategories = {
-  all: 'All',
+  discover: 'Discover',
   mine: 'My applications',
   office: 'Office',
   create: 'Create',
   team: 'Team',
   tools: 'Tools',
+  computer: 'On this computer',
 };
+
+const kFeatured = 'easel';
 
 // `required` applications belong to everybody from the first visit on. A glyph is the path of a
 // drawing of 24 by 24, made of lines.
@@ -29,7 +32,7 @@ const kCatalogue = [
    summary: 'Tables that calculate', colors: ['#34c3a0', '#0d7f74'],
    glyph: 'M4 4h16v16H4zM4 9.5h16M4 14.7h16M10 4v16'},
   {id: 'easel', name: 'Easel', publisher: 'Studio Five', category: 'create',
-   summary: 'Draw, sketch and annotate', colors: ['#b07bff', '#7a3fe0'],
+   summary: 'Draw, sketch and annotate, alone or with others at the same sheet', colors: ['#b07bff', '#7a3fe0'],
    glyph: 'M4 20l1-5L16 4l4 4L9 19zM13.2 6.8l4 4'},
   {id: 'darkroom', name: 'Darkroom', publisher: 'Studio Five', category: 'create',
    summary: 'Develop and arrange photographs', colors: ['#6b7a99', '#333f5c'],
@@ -60,8 +63,12 @@ const kCatalogue = [
    glyph: 'M3.5 4.5h17v11h-17zM12 15.5V18M8 20.5l4-2.5 4 2.5M8 12l3-3 2 2 3.5-3.5'},
 ];
 
+// Files in documents/.
 const kDocuments = [
-  {id: 'doc-budget', name: 'Budget 2027.ods', application: 'Ledger'},
-  {id: 'doc-minutes', name: 'Minutes of the board.odt', application: 'Notebook'},
-  {id: 'doc-floor', name: 'Floor plan.svg', application: 'Easel'},
+  {name: 'Budget 2027.csv', kind: 'Table', color: '#0f9a68',
+   glyph: 'M4 4h16v16H4zM4 9.5h16M4 14.7h16M10 4v16'},
+  {name: 'Minutes of the board.txt', kind: 'Text', color: '#2356d8',
+   glyph: 'M6 3h12v18H6zM9.5 8h5M9.5 12h5M9.5 16h3'},
+  {name: 'Floor plan.svg', kind: 'Drawing', color: '#7a3fe0',
+   glyph: 'M4 4h16v16H4zM4 12h6M14 12h6M12 4v5M12 15v5'},
 ];

@@ -2,6 +2,7 @@
 'use strict';
 
 const kSampleApp = 'atlas';
+const kRefusedAddress = 'http://127.0.0.1:9/';  // nobody listens: an answer without a network
 
 /** @typedef {{name: string, isAnswered?: boolean, call: () => unknown}} Row */
 /**
@@ -28,26 +29,26 @@ const kFunctions = [
   askRow('subscribe', kSampleApp),
   tellRow('updateSubPosition', kSampleApp, 0),
   askRow('launchApp', kSampleApp),
-  askRow('launchResource', 'doc-budget'),
+  askRow('launchResource', 'documents/Budget 2027.csv'),
   askRow('unsubscribe', kSampleApp),
   askRow('setItem', 'greeting', 'Grüß Gott – "hello"'),
   // This callback travels as a function's text, the others as names.
   {name: 'getItem', isAnswered: true, call: () => host.askBySource('getItem', 'greeting')},
   askRow('getFileUri', 'index.html'),
-  askRow('recolorImage', 'square', 63, 94, 251, ''),
-  {name: 'ajax', isAnswered: true, call: () => host.relay({url: 'https://store.example/news'})},
+  askRow('recolorImage', 'drop.png', 63, 94, 251, ''),
+  {name: 'ajax', isAnswered: true, call: () => host.relay({url: kRefusedAddress})},
   tellRow('openUrl', 'https://store.example/help'),
-  tellRow('openDefaultStore'),
   tellRow('settingsMenu', 980, 12, 1_020, 52),
   askRow('errorDialog', 'Sample store', null, 'Nothing is wrong.', 'Close'),
-  tellRow('sendAction', 'category:all'),
+  tellRow('sendAction', 'category:discover'),
   tellRow('goOnline', '', 'online'),
   tellRow('offlineErrorTryAgain'),
   tellRow('writeTraceMessage', 'A line for the trace', '', '', ''),
   tellRow('logOff'),
+  // The last: it may end this page.
+  tellRow('openDefaultStore'),
 ];
 
-const shorten = (text, length) => (text.length > length ? `${text.slice(0, length)}…` : text);
 const shownArgument = (value) => shorten(JSON.stringify(value) ?? 'undefined', 34);
 
 function showCall(row, {args, answer, failure}) {
@@ -66,7 +67,7 @@ function showCall(row, {args, answer, failure}) {
 function buildSheet() {
   const rows = new Map();
   for (const row of kFunctions) {
-    const line = element('function-row').content.firstElementChild.cloneNode(true);
+    const line = copyOf('function-row');
     line.dataset.name = row.name;
     if (row.isAnswered) line.dataset.answered = 'yes';
     line.querySelector('.call').textContent = `${row.name}()`;

@@ -18,7 +18,11 @@
  */
 
 const host = (() => {
-  const kPatience = 10_000;  // milliseconds
+  // How long an answer may take, in milliseconds: what waits for the user or for a web server takes
+  // longer.
+  const kPatience = 10_000;
+  const kPatienceFor =
+      {launchApp: 600_000, launchResource: 600_000, errorDialog: 600_000, ajax: 60_000};
 
   const pending = new Map();  // number of a question -> what to do with its answer
   let questions = 0;
@@ -55,7 +59,7 @@ const host = (() => {
         pending.delete(number);
         report({name, failure: 'no answer'});
         reject(new Error(`${name}: no answer`));
-      }, kPatience);
+      }, kPatienceFor[name] ?? kPatience);
       pending.set(number, {name, resolve, timer});
       tell(name, ...makeArguments(number));
     });

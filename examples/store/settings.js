@@ -2,6 +2,8 @@
 'use strict';
 
 const kAccents = ['#3f5efb', '#0f9a68', '#d1297f', '#e05a1c', '#7a3fe0'];
+const kSwatchImage = 'drop.png';
+const kShownBody = 400;  // characters of the answer to diagnostics
 
 const components = (color) => /** @type {[number, number, number]} */ (
     [1, 3, 5].map((start) => Number.parseInt(color.slice(start, start + 2), 16)));
@@ -18,10 +20,14 @@ function setAccent(color) {
   }
 }
 
-// The swatches are images that the host has coloured; until they come, they are empty.
+// The swatches are drops that the host has coloured; until they come, and if they cannot be made,
+// plain colour stands in.
 async function makeSwatches() {
   for (const swatch of elements('#accents button')) {
-    const image = await host.ask('recolorImage', 'square', ...components(swatch.dataset.color), '');
+    const {image, problem} =
+        await host.ask('recolorImage', kSwatchImage, ...components(swatch.dataset.color), '');
+    if (!image) throw new Error(`No colours: ${problem}`);
+    swatch.classList.add('coloured');
     swatch.style.backgroundImage = `url("${image}")`;
   }
 }
@@ -33,15 +39,20 @@ async function loadSettings() {
   element('note').value = await saved('note') ?? '';
 }
 
-async function showDiagnostics() {
+const showAnswer = (text) => { element('client-answer').textContent = text; };
+
+async function sendDiagnostics() {
+  showAnswer('Sending…');
   const capabilities = await host.ask('getCapabilities', 'sample store');
-  const answer = await host.relay({
-    url: 'https://store.example/diagnostics',
+  const {status, statusText, body} = await host.relay({
+    url: element('diagnostics-address').value,
     method: 'POST',
     headers: 'Content-Type: application/json',
     body: JSON.stringify({capabilities, userAgent: navigator.userAgent}),
   });
-  element('client-answer').textContent = `${answer.status} ${answer.statusText}: ${answer.body}`;
+  showAnswer(status === 0
+      ? `No answer: ${statusText}`
+      : `${status} ${statusText}: ${shorten(body, kShownBody)}`);
 }
 
 function connectSettings() {
@@ -49,6 +60,7 @@ function connectSettings() {
     const swatch = document.createElement('button');
     swatch.type = 'button';
     swatch.dataset.color = color;
+    swatch.style.setProperty('--swatch', color);
     swatch.title = color;
     swatch.addEventListener('click', () => attempt(async () => {
       setAccent(color);
@@ -71,13 +83,11 @@ function connectSettings() {
     const area = element('client-settings').getBoundingClientRect();
     host.tell('settingsMenu', area.left, area.top, area.right, area.bottom);
   });
-  onClick('diagnostics', showDiagnostics);
-  onClick('style-file', async () => {
-    element('client-answer').textContent = await host.ask('getFileUri', 'store.css');
-  });
+  onClick('diagnostics', sendDiagnostics);
+  onClick('style-file', async () => showAnswer(await host.ask('getFileUri', 'store.css')));
   onClick('show-error', async () => {
     const pressed = await host.ask('errorDialog',
         'Sample store', null, 'This is what an error looks like.', 'Close');
-    element('client-answer').textContent = `The dialog was closed with "${pressed}".`;
+    showAnswer(pressed ? `You pressed "${pressed}".` : 'You closed the dialog without its button.');
   });
 }

@@ -1,0 +1,333 @@
+#include "workbench/session.h"
+
+#include <gmock/gmock.h>
+
+#include <array>
+#include <memory>
+#include <sstream>
+
+#include "tests/support/frame_bytes.h"
+#include "tests/support/main_loop.h"
+#include "tests/support/temporary_directory.h"
+#include "tests/workbench/fake_services.h"
+#include "tests/workbench/fake_web_process.h"
+#include "workbench/wire/message_server.h"
+
+namespace kestrel::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using ::testing::StartsWith;
+
+constexpr const char* kUri = "file:///store/page.html";
+
+const std::string kPageOffer = frame_bytes(34, {}, {kUri, "{a: 1}"});
+const std::string kTaken = frame_bytes(35, {}, {kUri});
+const std::string kGreeting = frame_bytes(0, {}, {"window.onHostReady && window.onHostReady();"});
+
+// Over when the page has reported something and every answer has been confirmed.
+class FakeCheck final : public PageCheck {
+  public:
+    std::string on_page_shown() override { return "shown()"; }
+    std::string on_command(const Command& command, const Request& /*request*/) override {
+        if (command.code == to_host("writeTraceMessage")) has_report_ = true;
+        return command.code == to_host("ready") ? "begin()" : "";
+    }
+    void on_answer_sent() override { ++unconfirmed_; }
+    void on_answer_confirmed() override { --unconfirmed_; }
+    bool is_over() const override { return has_report_ && unconfirmed_ == 0; }
+    std::vector<std::string> failures() const override { return {}; }
+    std::string success() const override { return ""; }
+
+  private:
+    bool has_report_ = false;
+    int unconfirmed_ = 0;
+};
+
+class SessionTest : public ::testing::Test {
+  protected:
+    explicit SessionTest(PageCheck* check = nullptr)
+        : session(fakes.services, "{a: 1}", transcript, check,
+                  {.load_page = [this] { ++loads; }, .check_over = [this] { is_over = true; }}) {
+        fakes.services.page_uri = kUri;
+    }
+
+    // Waits until the host has taken everything that was sent to it.
+    static void settle() { run_main_loop_until_idle(); }
+
+    int loads = 0;
+    bool is_over = false;
+    std::ostringstream lines;
+    Transcript transcript{lines};
+    TemporaryDirectory directory;
+    FakeServices fakes;
+    Session session;
+    MessageServer server{directory.path() + "/socket", session};
+    FakeWebProcess web_process{directory.path() + "/socket"};
+};
+
+TEST_F(SessionTest, OffersThePageWhenTheEmptyPageIsShownAndTheProcessIsThere) {
+    web_process.announce(11);
+    EXPECT_TRUE(web_process.is_quiet());
+    session.offer_page();
+    EXPECT_EQ(web_process.read_frame(), kPageOffer);
+}
+
+TEST_F(SessionTest, OffersThePageToAProcessThatComesLater) {
+    session.offer_page();
+    EXPECT_TRUE(web_process.is_quiet());
+    web_process.announce(11);
+    EXPECT_EQ(web_process.read_frame(), kPageOffer);
+}
+
+TEST_F(SessionTest, OffersThePageOnceToAProcessThatAnnouncesItselfTwice) {
+    web_process.announce(11);
+    web_process.announce(11);
+    settle();
+    session.offer_page();
+    EXPECT_EQ(web_process.read_frame(), kPageOffer);
+    EXPECT_TRUE(web_process.is_quiet());
+}
+
+TEST_F(SessionTest, ForgetsAProcessThatHasGone) {
+    web_process.announce(11);
+    web_process.hang_up();
+    settle();
+    session.offer_page();
+    session.greet_page();
+    EXPECT_THAT(lines.str(), Not(HasSubstr(" -> ")));
+}
+
+TEST_F(SessionTest, LoadsThePageOnceWhenItsUrlHasBeenTaken) {
+    web_process.announce(11);
+    session.offer_page();
+    web_process.write(frame_bytes(35, {}, {"file:///another"}));
+    settle();
+    EXPECT_EQ(loads, 0);
+    web_process.write(kTaken + kTaken);
+    settle();
+    EXPECT_EQ(loads, 1);
+}
+
+TEST_F(SessionTest, LoadsNothingThatWasNotOffered) {
+    web_process.announce(11);
+    web_process.write(kTaken);
+    settle();
+    EXPECT_EQ(loads, 0);
+}
+
+TEST_F(SessionTest, GreetsThePageInEveryProcessOnceItIsShown) {
+    web_process.announce(11);
+    session.offer_page();
+    EXPECT_EQ(web_process.read_frame(), kPageOffer);
+    web_process.write(kTaken);
+    settle();
+    EXPECT_TRUE(web_process.is_quiet());
+    session.greet_page();
+    EXPECT_EQ(web_process.read_frame(), kGreeting);
+
+    FakeWebProcess late(directory.path() + "/socket");
+    late.announce(22);
+    EXPECT_EQ(late.read_frame(), kGreeting);
+    EXPECT_TRUE(web_process.is_quiet());
+}
+
+TEST_F(SessionTest, OffersThePageAgainForAReload) {
+    web_process.announce(11);
+    for (int load = 1; load <= 2; ++load) {
+        session.offer_page();
+        EXPECT_EQ(web_process.read_frame(), kPageOffer);
+        web_process.write(kTaken);
+        settle();
+        EXPECT_EQ(loads, load);
+        session.greet_page();
+        EXPECT_EQ(web_process.read_frame(), kGreeting);
+    }
+}
+
+TEST_F(SessionTest, AnswersAQuestionToWhoAskedIt) {
+    FakeWebProcess other(directory.path() + "/socket");
+    web_process.announce(11);
+    other.announce(22);
+    web_process.write(frame_bytes(18, {}, {"key", "take"}));
+    EXPECT_EQ(web_process.read_frame(), frame_bytes(1, {}, {"(() => (take\n)(null))"}));
+    EXPECT_TRUE(other.is_quiet());
+}
+
+TEST_F(SessionTest, KeepsItsStateForAllProcesses) {
+    FakeWebProcess other(directory.path() + "/socket");
+    other.write(frame_bytes(19, {}, {"key", "value", ""}));
+    settle();
+    web_process.write(frame_bytes(18, {}, {"key", "take"}));
+    EXPECT_EQ(web_process.read_frame(), frame_bytes(1, {}, {"(() => (take\n)(\"value\"))"}));
+}
+
+TEST_F(SessionTest, WritesDownEveryMessageInBothDirections) {
+    web_process.write(frame_bytes(7, {}, {}));
+    web_process.announce(11);
+    web_process.write(frame_bytes(18, {}, {"key", "take"}));
+    web_process.read_frame();
+    web_process.hang_up();
+    run_main_loop_until([this] { return !server.has_connections(); });
+    EXPECT_THAT(lines.str(), HasSubstr(" <-       ?   7 refresh\n"));
+    EXPECT_THAT(lines.str(), HasSubstr(" <-      11  61 announce 11\n"));
+    EXPECT_THAT(lines.str(), HasSubstr(" <-      11  18 getItem \"key\" \"take\"\n"));
+    EXPECT_THAT(lines.str(), HasSubstr(" ->      11   1 answer \"(() => (take\\n)(null))\"\n"));
+    EXPECT_THAT(lines.str(), HasSubstr(" -- connection of 11: closed\n"));
+}
+
+TEST_F(SessionTest, IgnoresMessagesThatItCannotUse) {
+    web_process.write(frame_bytes(99, {}, {"x"}) + frame_bytes(33, {}, {}) +
+                      header_bytes(61, 1, 0, 1) + "x" + frame_bytes(12, {}, {}));
+    web_process.write(header_bytes(19, 0, 3, 5) + std::string("k\0v\0f", 5));  // one NUL missing
+    web_process.write(frame_bytes(18, {}, {"k", "take"}));
+    EXPECT_EQ(web_process.read_frame(), frame_bytes(1, {}, {"(() => (take\n)(null))"}));
+    EXPECT_THAT(lines.str(), HasSubstr("  99 (unknown) \"x\"\n"));
+    EXPECT_THAT(lines.str(), HasSubstr("  61 announce (items do not fit the header)\n"));
+}
+
+TEST_F(SessionTest, AnswersNullInPlaceOfWhatTheExtensionWouldNotTake) {
+    fakes.database.set_item("key", std::string(kMaxInboundPayload, 'x'));
+    web_process.write(frame_bytes(18, {}, {"key", "take"}));
+    EXPECT_EQ(web_process.read_frame(), frame_bytes(1, {}, {"(() => (take\n)(null))"}));
+    EXPECT_THAT(lines.str(), HasSubstr("-- an answer is too long for the page, not sent\n"));
+}
+
+TEST_F(SessionTest, AnswersLaterToTheProcessThatAskedWhileItIsThere) {
+    FakeWebProcess other(directory.path() + "/socket");
+    fakes.desktop.holds_back = true;
+    web_process.write(frame_bytes(22, {}, {"", "", "text", "Close", "take"}));
+    other.write(frame_bytes(22, {}, {"", "", "text", "Close", "take"}));
+    settle();
+    EXPECT_TRUE(web_process.is_quiet());
+    other.hang_up();
+    settle();
+    fakes.desktop.let_go();
+    EXPECT_EQ(web_process.read_frame(), frame_bytes(1, {}, {"(() => (take\n)(\"Close\"))"}));
+    EXPECT_TRUE(web_process.is_quiet());
+}
+
+TEST_F(SessionTest, AnswersNullAndSaysWhyWhenAnActionFails) {
+    fakes.break_database();
+    web_process.write(frame_bytes(18, {}, {"key", "take"}));
+    EXPECT_EQ(web_process.read_frame(), frame_bytes(1, {}, {"(() => (take\n)(null))"}));
+    EXPECT_THAT(fakes.desktop.shown, ElementsAre(StartsWith("getItem: ")));
+}
+
+class CheckedSessionTest : public SessionTest {
+  protected:
+    CheckedSessionTest() : SessionTest(&check) {}
+
+    FakeCheck check;
+};
+
+TEST_F(CheckedSessionTest, SendsTheScriptsOfTheCheck) {
+    web_process.announce(11);
+    session.greet_page();
+    EXPECT_EQ(web_process.read_frame(), kGreeting);
+    EXPECT_EQ(web_process.read_frame(), frame_bytes(0, {}, {"shown()"}));
+    web_process.write(frame_bytes(25, {}, {}));
+    EXPECT_TRUE(web_process.is_quiet());
+    web_process.write(frame_bytes(28, {}, {}));
+    EXPECT_EQ(web_process.read_frame(), frame_bytes(0, {}, {"begin()"}));
+}
+
+TEST_F(CheckedSessionTest, TellsWhenTheCheckIsOver) {
+    web_process.write(frame_bytes(18, {}, {"key", "take"}));
+    web_process.write(frame_bytes(15, {}, {"report"}));
+    settle();
+    EXPECT_FALSE(is_over);
+    web_process.write(frame_bytes(33, {}, {}));
+    settle();
+    EXPECT_TRUE(is_over);
+}
+
+class BadHostTest : public SessionTest {
+  protected:
+    BadHostTest() {
+        web_process.announce(11);
+        settle();
+    }
+    void ask() { web_process.write(frame_bytes(18, {}, {"key", "take"})); }
+
+    const std::string answer = frame_bytes(1, {}, {"(() => (take\n)(null))"});
+};
+
+TEST_F(BadHostTest, SwallowsAnswersUntilItBehavesAgain) {
+    session.set_misbehavior(Misbehavior::silence);
+    ask();
+    EXPECT_TRUE(web_process.is_quiet());
+    EXPECT_THAT(lines.str(), HasSubstr(" -- bad host: Silence\n"));
+    session.set_misbehavior(Misbehavior::none);
+    ask();
+    EXPECT_EQ(web_process.read_frame(), answer);
+}
+
+TEST_F(BadHostTest, SendsAnswersLateAndTheRestAtOnce) {
+    session.set_misbehavior(Misbehavior::late_answer);
+    ask();
+    session.greet_page();
+    EXPECT_EQ(web_process.read_frame(), kGreeting);
+    EXPECT_TRUE(web_process.is_quiet());
+    EXPECT_EQ(web_process.read_frame(), answer);
+}
+
+TEST_F(BadHostTest, SendsNothingBehindATruncatedAnswer) {
+    session.set_misbehavior(Misbehavior::truncated);
+    ask();
+    settle();
+    session.greet_page();
+    session.misbehave_now(Misbehavior::hang_up);
+    EXPECT_EQ(web_process.read_frame(), "");  // the header promises more than comes
+}
+
+TEST_F(BadHostTest, HangsUp) {
+    session.set_misbehavior(Misbehavior::hang_up);
+    ask();
+    EXPECT_TRUE(web_process.sees_end());
+    run_main_loop_until([this] { return !server.has_connections(); });
+    EXPECT_THAT(lines.str(), HasSubstr(" -- connection of 11: hung up on\n"));
+    EXPECT_THAT(session.processes(), ElementsAre());
+}
+
+TEST_F(BadHostTest, MisbehavesAtOnceToAllProcesses) {
+    session.misbehave_now(Misbehavior::wrong_type);
+    EXPECT_EQ(web_process.read_frame(), frame_bytes(59, {}, {"(() => {})"}));
+    session.misbehave_now(Misbehavior::oversize);
+    EXPECT_EQ(web_process.read_frame().size(), 16U + 5'000'001U);
+}
+
+TEST_F(SessionTest, SendsWhatAPersonSendsToOneProcessOrToAll) {
+    FakeWebProcess other(directory.path() + "/socket");
+    web_process.announce(11);
+    other.announce(22);
+    settle();
+    EXPECT_THAT(session.processes(), ElementsAre(11, 22));
+    const std::string script = frame_bytes(0, {}, {"run()"});
+    const Frame frame = build_frame(0, {}, std::array<std::string_view, 1>{"run()"});
+    session.send_to(22, *frame);
+    EXPECT_EQ(other.read_frame(), script);
+    EXPECT_TRUE(web_process.is_quiet());
+    session.send_to(0, *frame);
+    EXPECT_EQ(other.read_frame(), script);
+    EXPECT_EQ(web_process.read_frame(), script);
+}
+
+TEST_F(SessionTest, LogsEachMessageAndWhichRequestAnAnswerBelongsTo) {
+    MessageLog log;
+    transcript.log_to(&log);
+    web_process.announce(11);
+    web_process.write(frame_bytes(18, {}, {"key", "take"}) + frame_bytes(18, {}, {"key", "take"}));
+    EXPECT_EQ(web_process.read_frame(), frame_bytes(1, {}, {"(() => (take\n)(null))"}));
+    EXPECT_EQ(web_process.read_frame(), frame_bytes(1, {}, {"(() => (take\n)(null))"}));
+    transcript.note("a note");
+    std::vector<std::uint64_t> answered;
+    for (const LoggedMessage& row : log.rows()) answered.push_back(row.record->answer_to);
+    EXPECT_THAT(answered, ElementsAre(0, 0, 2, 0, 4, 0));
+    EXPECT_EQ(log.rows().back().record->note, "a note");
+}
+
+}  // namespace
+}  // namespace kestrel::testing

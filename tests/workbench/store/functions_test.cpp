@@ -1,0 +1,92 @@
+// What goes over the wire when the sample store calls every function, compared with the transcript
+// that is kept beside this file. Where a change is meant, copy the new one, as the failure tells.
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <fstream>
+#include <sstream>
+
+#include "tests/support/temporary_directory.h"
+#include "tests/workbench/program.h"
+#include "workbench/desktop/desktop.h"
+
+namespace kestrel::testing {
+namespace {
+
+using Json = nlohmann::json;
+
+constexpr const char* kKept = TRANSCRIPT_KEPT;
+constexpr const char* kNew = TRANSCRIPT_NEW;
+
+std::string store_file(const std::string& name) { return STORE "/" + name; }
+
+std::string content(const std::string& path) {
+    std::ostringstream text;
+    text << std::ifstream(path).rdbuf();
+    return text.str();
+}
+
+std::string replaced(std::string text, const std::string& from, const std::string& to) {
+    for (std::size_t at = text.find(from); at != std::string::npos;
+         at = text.find(from, at + to.size())) {
+        text.replace(at, from.size(), to);
+    }
+    return text;
+}
+
+// Without what stands between these two, where they first do.
+std::string without(std::string text, const std::string& start, const std::string& end) {
+    const std::size_t found = text.find(start);
+    if (found == std::string::npos) return text;
+    const std::size_t from = found + start.size();
+    return text.erase(from, text.find(end, from) - from);
+}
+
+// Without what is another on each computer.
+std::string normalised(std::string text) {
+    const Account account = local_account();
+    text = replaced(text, "file://" STORE, "file:///store");
+    text = replaced(text, R"("version":")" WORKBENCH_VERSION "\"", R"("version":"0")");
+    text = replaced(text, R"("user":")" + account.user + "\"", R"("user":"robin")");
+    text = replaced(text, "\"" + account.name + "\"", R"("Robin Example")");
+
+    text = without(text, R"("applications":[)", R"(],"subscriptions")");
+    text = without(text, "data:image/png;base64,", "\"");
+    return text.starts_with("Could not connect") ? "Could not connect" : text;
+}
+
+std::string normalised_line(const std::string& line) {
+    Json message = Json::parse(line);
+    for (const char* member : {"time", "pid", "length"}) message.erase(member);
+    if (message["name"] == "announce") message.erase("ints");
+    for (Json& text : message["strings"]) {
+        if (text.is_string()) text = normalised(text.get<std::string>());
+    }
+    return message.dump() + "\n";
+}
+
+// The messages of a transcript; its notes are for people.
+std::string messages_of(const std::string& path) {
+    std::ifstream file(path);
+    std::string messages;
+    for (std::string line; std::getline(file, line);) {
+        if (Json::parse(line).contains("direction")) messages += normalised_line(line);
+    }
+    return messages;
+}
+
+TEST(Functions, GoOverTheWireAsInTheKeptTranscript) {
+    const TemporaryDirectory files;
+    const std::string transcript = files.path() + "/transcript";
+    Program program({"--headless", "--auto", "--page", store_file("index.html"), "--resources",
+                     store_file("resources.json"), "--transcript", transcript},
+                    files.path(), files.path());
+    ASSERT_EQ(program.wait_for_end(), 0) << program.output();
+
+    const std::string messages = messages_of(transcript);
+    std::ofstream(kNew) << messages;
+    EXPECT_EQ(messages, content(kKept)) << "to keep the new one: cp " << kNew << " " << kKept;
+}
+
+}  // namespace
+}  // namespace kestrel::testing

@@ -1,0 +1,88 @@
+// What the workbench's window has above the page, used on a page that does nothing.
+#include <gmock/gmock.h>
+
+#include <fstream>
+
+#include "tests/support/main_loop.h"
+#include "tests/support/temporary_directory.h"
+#include "tests/workbench/store/visit.h"
+#include "tests/workbench/web_server.h"
+#include "tests/workbench/widgets.h"
+
+namespace kestrel::testing {
+namespace {
+
+using ::testing::StartsWith;
+
+constexpr const char* kFirst = "document.title === 'Page that never calls the host'";
+
+class HeaderTest : public ::testing::Test {
+  protected:
+    std::string file(const std::string& name, const std::string& text) const {
+        const std::string path = files.path() + "/" + name;
+        std::ofstream(path) << text;
+        return path;
+    }
+    Options options() const {
+        Options options;
+        options.page_uri = "file://" PAGES "/silent.html";
+        options.extension_directory = EXTENSION_DIRECTORY;
+        options.data = files.path();
+        return options;
+    }
+    static void go_to(const Person& person, const std::string& address) {
+        type_into(person.control("address"), address);
+        gtk_widget_activate(person.control("address"));
+    }
+
+    TemporaryDirectory files;
+};
+
+TEST_F(HeaderTest, AnAddressIsAFileOrAUrl) {
+    const std::string path = file("second.html", "<title>second</title>");
+    WebServer server([](const std::string&) {
+        return WebServer::Saying(
+            "HTTP/1.1 200 OK\r\nContent-Type: text/html\r\n\r\n"
+            "<title>third</title>");
+    });
+    visit(options(), [&](Person& person) {
+        ASSERT_TRUE(person.sees(kFirst));
+        go_to(person, path);
+        EXPECT_TRUE(person.sees("document.title === 'second'"));
+        GtkEntry* address = GTK_ENTRY(person.control("address"));
+        EXPECT_EQ(gtk_entry_get_text(address), "file://" + path);
+        go_to(person, server.url());
+        EXPECT_TRUE(person.sees("document.title === 'third'"));
+    });
+}
+
+TEST_F(HeaderTest, AnAddressThatIsNoneLeavesThePageAndIsTold) {
+    visit(options(), [&](Person& person) {
+        ASSERT_TRUE(person.sees(kFirst));
+        go_to(person, "/missing");
+        EXPECT_THAT(text_in(person.control("status")), StartsWith("the address: no such file"));
+        EXPECT_EQ(person.read(kFirst), "true");
+    });
+}
+
+TEST_F(HeaderTest, ThePageIsLoadedAgain) {
+    visit(options(), [](Person& person) {
+        ASSERT_TRUE(person.sees(kFirst));
+        person.read("window.isOld = true");
+        gtk_button_clicked(GTK_BUTTON(person.control("reload")));
+        EXPECT_TRUE(person.sees("window.isOld === undefined"));
+        EXPECT_TRUE(person.sees(kFirst));
+    });
+}
+
+TEST_F(HeaderTest, ResourcesComeFromAFile) {
+    const std::string resources = file("resources.json", R"({"greeting": "Guten Tag"})");
+    visit(options(), [&](Person& person) {
+        ASSERT_TRUE(person.sees(kFirst));
+        person.choose_file("choose resources", resources);
+        EXPECT_TRUE(person.sees("window.ZYNS?.getResources()?.greeting === 'Guten Tag'"));
+    });
+}
+
+}  // namespace
+}  // namespace kestrel::testing

@@ -1,0 +1,48 @@
+#include "workbench/answers/answer.h"
+
+#include <array>
+
+#include "workbench/answers/script_literal.h"
+
+namespace kestrel {
+namespace {
+
+// `arguments` are literals, parted by commas. The newline ends a comment in the page's text.
+std::string call_expression(const std::string& callback, const std::string& arguments) {
+    return "(() => (" + callback + "\n)(" + arguments + "))";
+}
+
+bool takes_arguments(const std::string& callback) {
+    return callback.find(kAjaxCompletion) != std::string::npos;
+}
+
+}  // namespace
+
+std::optional<Answer> call_back(const std::string& callback, const std::string& value) {
+    if (callback.empty()) return std::nullopt;
+    return Answer{call_expression(callback, value), {}};
+}
+
+std::optional<Answer> call_back(const std::string& completion, const AjaxResult& result) {
+    if (completion.empty()) return std::nullopt;
+    const std::array texts = {result.id, result.status, result.status_text, result.headers,
+                              result.body};
+    if (takes_arguments(completion)) return Answer{completion, {texts.begin(), texts.end()}};
+
+    std::string arguments;
+    for (const std::string& text : texts) {
+        if (!arguments.empty()) arguments += ',';
+        arguments += script_string(text);
+    }
+    return Answer{call_expression(completion, arguments), {}};
+}
+
+Frame answer_frame(const Answer& answer) {
+    std::vector<std::string_view> strings = {answer.callback};
+    strings.insert(strings.end(), answer.arguments.begin(), answer.arguments.end());
+    Frame frame = build_frame(to_page("answer"), {}, strings);
+    if (frame && frame->total_len_of_string > kMaxInboundPayload) frame = nullptr;
+    return frame;
+}
+
+}  // namespace kestrel

@@ -1,0 +1,110 @@
+// The actions that start or show something on the user's desktop.
+#include <array>
+#include <utility>
+
+#include "log/zynlog.h"
+#include "program/translation.h"
+#include "workbench/answers/actions.h"
+#include "workbench/answers/script_literal.h"
+#include "workbench/desktop/local_files.h"
+
+namespace kestrel {
+namespace {
+
+// One message carries all icons, and must have room for what else is told.
+constexpr std::size_t kMaxIconsTogether = 3'000'000;
+
+std::string started_literal(const std::string& problem) {
+    return script_object(
+        {{"started", script_boolean(problem.empty())}, {"problem", script_string(problem)}});
+}
+
+// Does `start`, which answers with a problem or "", if the user agrees.
+void ask_and_start(Services& services, const Question& question, const Reply& reply,
+                   std::function<void(std::function<void(const std::string&)>)> start) {
+    services.desktop.ask(question, [&services, reply, start = std::move(start)](bool agrees) {
+        const auto answer = [&services, reply](const std::string& problem) {
+            if (!problem.empty()) services.desktop.show_notice(problem);
+            reply(started_literal(problem));
+        };
+        if (agrees) {
+            start(answer);
+        } else {
+            reply(started_literal("the user declined"));
+        }
+    });
+}
+
+}  // namespace
+
+void launch_app(Services& services, const Request& request, const Reply& reply) {
+    const std::string& id = request.text(0);
+    const auto app = services.apps.find(id);
+    if (!app) {
+        reply(started_literal("there is no application " + id + " on this computer"));
+        return;
+    }
+    ask_and_start(services,
+                  {formatted(translate("Start %s?"), app->name.c_str()), id, translate("Start")},
+                  reply, [&services, id](auto done) { services.apps.launch(id, std::move(done)); });
+}
+
+void launch_resource(Services& services, const Request& request, const Reply& reply) {
+    const std::string uri = uri_beside(services.page_uri, request.text(0));
+    if (uri.empty()) {
+        reply(started_literal("there is no file " + request.text(0) + " beside the page"));
+        return;
+    }
+    ask_and_start(services, {translate("Open this file?"), uri, translate("Open")}, reply,
+                  [&services, uri](auto done) { services.apps.open(uri, std::move(done)); });
+}
+
+void open_url(Services& services, const Request& request, const Reply& reply) {
+    const std::string& uri = request.text(0);
+    ask_and_start(services, {translate("Open this address?"), uri, translate("Open")}, reply,
+                  [&services, uri](auto done) { services.apps.open(uri, std::move(done)); });
+}
+
+void tell_installed_apps(Services& services, const Request& /*request*/, const Reply& reply) {
+    std::vector<std::string> applications;
+    std::size_t icon_bytes = 0;
+    for (const InstalledApp& app : services.apps.list()) {
+        std::string icon = services.icon_uri(app.icon);
+        if (icon_bytes + icon.size() > kMaxIconsTogether) icon.clear();
+        icon_bytes += icon.size();
+        applications.push_back(script_object({{"id", script_string(app.id)},
+                                              {"name", script_string(app.name)},
+                                              {"summary", script_string(app.description)},
+                                              {"icon", script_string(icon)}}));
+    }
+    reply(script_object({{"applications", script_array(applications)},
+                         {"subscriptions", script_strings(services.database.subscriptions())}}));
+}
+
+void report_error(Services& services, const Request& request, const Reply& reply) {
+    const std::string& button = request.text(3);
+    services.desktop.report_error(
+        {request.text(0), request.text(1), request.text(2), button},
+        [reply, button](bool is_pressed) { reply(script_string(is_pressed ? button : "")); });
+}
+
+void show_settings_menu(Services& services, const Request& request, const Reply& /*reply*/) {
+    services.desktop.show_settings_menu(
+        {request.number(0), request.number(1), request.number(2), request.number(3)});
+}
+
+void show_accounts(Services& services, const Request& /*request*/, const Reply& /*reply*/) {
+    services.desktop.show_accounts(std::array{local_account()});
+}
+
+void open_default_store(Services& services, const Request& /*request*/, const Reply& /*reply*/) {
+    services.desktop.open_default_store();
+}
+
+void write_trace_message(Services& services, const Request& request, const Reply& /*reply*/) {
+    services.desktop.show_notice("the page says: " + request.text(0));
+    // Whatever the levels are set to: the page's author has asked for this line.
+    __ZynTrace(kLogKestrel, kAlwaysOn, "", "", 0, "%s", request.text(0).c_str());
+}
+
+}  // namespace kestrel

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "workbench/desktop/desktop.h"
+#include "workbench/desktop/installed_apps.h"
+#include "workbench/desktop/store_database.h"
+#include "workbench/desktop/web_requests.h"
+
+namespace kestrel {
+
+// What actions are made of. Everything outlives the session that carries them out.
+struct Services {
+    std::string page_uri;  // of the page that is shown
+    StoreDatabase& database;
+    InstalledApps& apps;
+    WebRequests& requests;
+    Desktop& desktop;
+    // The data URI of an application's icon, or "".
+    std::function<std::string(const std::string& icon)> icon_uri;
+};
+
+}  // namespace kestrel

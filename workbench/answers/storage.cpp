@@ -1,0 +1,49 @@
+// The actions on what the page has kept: items, and subscriptions in the user's order.
+#include <charconv>
+
+#include "ipc/protocol.h"
+#include "workbench/answers/actions.h"
+#include "workbench/answers/script_literal.h"
+
+namespace kestrel {
+namespace {
+
+// What is left of a message for a value, when its callback and the escapes of its text have taken
+// their part, and a value of this size is made of ordinary characters.
+constexpr std::size_t kMaxItem = kMaxInboundPayload - 65'536;
+
+// 0 for what is no position.
+std::size_t position_of(const std::string& text) {
+    std::size_t position = 0;
+    std::from_chars(text.data(), text.data() + text.size(), position);
+    return position;
+}
+
+}  // namespace
+
+void tell_item(Services& services, const Request& request, const Reply& reply) {
+    const auto value = services.database.item(request.text(0));
+    reply(value ? script_string(*value) : "null");
+}
+
+void keep_item(Services& services, const Request& request, const Reply& reply) {
+    const bool fits = script_string(request.text(1)).size() <= kMaxItem;
+    if (fits) services.database.set_item(request.text(0), request.text(1));
+    reply(script_boolean(fits));
+}
+
+void subscribe(Services& services, const Request& request, const Reply& reply) {
+    services.database.subscribe(request.text(0));
+    reply(script_strings(services.database.subscriptions()));
+}
+
+void unsubscribe(Services& services, const Request& request, const Reply& reply) {
+    services.database.unsubscribe(request.text(0));
+    reply(script_strings(services.database.subscriptions()));
+}
+
+void move_subscription(Services& services, const Request& request, const Reply& /*reply*/) {
+    services.database.move(request.text(0), position_of(request.text(1)));
+}
+
+}  // namespace kestrel

@@ -1,0 +1,31 @@
+// What people name on the command line or in the window, checked before anything depends on it.
+// Each throws UsageError with a sentence that begins with `option`.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace kestrel {
+
+// A wish that makes no sense; the text says why.
+class UsageError : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+// The absolute path of a directory that exists and whose name is UTF-8.
+std::string existing_directory(const std::string& option, const std::string& path);
+
+// The absolute path of a file that exists.
+std::string existing_file(const std::string& option, const std::string& path);
+
+// The absolute path of a file that can be written, or made.
+std::string future_file(const std::string& option, const std::string& path);
+
+// The URI of an existing file, or the valid URL given in its place.
+std::string page_address(const std::string& option, const std::string& page);
+
+// The whole of a file, which must be UTF-8 without U+0000: a message would break off there.
+std::string text_of_file(const std::string& option, const std::string& path);
+
+}  // namespace kestrel

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include "workbench/desktop/glib_handles.h"
+#include "workbench/wire/message_log.h"
+
+namespace kestrel {
+
+// Shows all of one message, as text that can be selected and copied.
+class MessageDetails {
+  public:
+    // GTK must be initialised.
+    MessageDetails();
+    ~MessageDetails();
+    MessageDetails(const MessageDetails&) = delete;
+    MessageDetails& operator=(const MessageDetails&) = delete;
+
+    // To be put into a window, which must outlive this object. The text view is named "details".
+    GtkWidget* widget() const { return root_.get(); }
+
+    void show(const LoggedMessage& message);
+
+  private:
+    ObjectHandle<GtkWidget> root_;
+    GtkTextView* text_;
+};
+
+}  // namespace kestrel

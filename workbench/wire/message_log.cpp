@@ -1,0 +1,62 @@
+#include "workbench/wire/message_log.h"
+
+#include <utility>
+
+namespace kestrel {
+namespace {
+
+constexpr std::chrono::milliseconds kBetweenCalls{33};
+
+std::size_t bytes_of_row(const MessageRecord& record) { return record.size + record.note.size(); }
+
+}  // namespace
+
+const LoggedMessage* find_message(const LoggedMessages& rows, std::uint64_t serial) {
+    if (rows.empty() || serial < rows.front().serial || serial > rows.back().serial) return nullptr;
+    return &rows[serial - rows.front().serial];
+}
+
+std::uint64_t MessageLog::add(MessageRecord record) {
+    const std::uint64_t serial = next_serial_++;
+    bytes_ += bytes_of_row(record);
+    rows_.push_back(
+        {serial, std::make_shared<const MessageRecord>(std::move(record)), std::nullopt});
+    pair(rows_.back());
+    while (rows_.size() > limits_.rows || (bytes_ > limits_.bytes && rows_.size() > 1)) {
+        drop_first();
+    }
+    tell_soon();
+    return serial;
+}
+
+void MessageLog::clear() {
+    rows_.clear();
+    bytes_ = 0;
+    pairing_.clear();
+    tell_soon();
+}
+
+void MessageLog::pair(LoggedMessage& answer) {
+    const std::optional<std::uint64_t> serial = pairing_.take(answer.serial, *answer.record);
+    if (!serial || *serial >= answer.serial || *serial < rows_.front().serial) return;
+    LoggedMessage& request = rows_[*serial - rows_.front().serial];
+    const auto between = std::chrono::duration_cast<std::chrono::microseconds>(
+        answer.record->time - request.record->time);
+    answer.partner = {request.serial, between};
+    request.partner = {answer.serial, between};
+}
+
+void MessageLog::drop_first() {
+    bytes_ -= bytes_of_row(*rows_.front().record);
+    rows_.pop_front();
+}
+
+void MessageLog::tell_soon() {
+    if (telling_.is_active()) return;
+    telling_ = EventSource::every(kBetweenCalls, [this] {
+        telling_.remove();
+        if (listener_) listener_();
+    });
+}
+
+}  // namespace kestrel
