@@ -33,6 +33,11 @@ class ScriptedHost {
     std::vector<ReceivedFrame> frames(int type) const;
     const std::vector<ReceivedFrame>& frames() const { return frames_; }
 
+    // Forgets all frames so far but the announcements.
+    void forget_frames() {
+        std::erase_if(frames_, [](const ReceivedFrame& frame) { return frame.type != 61; });
+    }
+
     void send(int type, std::initializer_list<std::string_view> strings) const;
     void send_bytes(std::string_view bytes) const;
 

@@ -2,9 +2,9 @@
 
 #include <array>
 #include <fstream>
-#include <memory>
 
 #include "tests/support/main_loop.h"
+#include "tests/webkit/evaluate.h"
 
 namespace kestrel::testing {
 namespace {
@@ -12,21 +12,6 @@ namespace {
 GVariant* strings_variant(const std::string& install_root, const std::string& resources) {
     const std::array<const char*, 2> strings = {install_root.c_str(), resources.c_str()};
     return g_variant_new_strv(strings.data(), strings.size());
-}
-
-std::string text_of(WebKitWebView* view, GAsyncResult* result) {
-    GError* error = nullptr;
-    JSCValue* value = webkit_web_view_evaluate_javascript_finish(view, result, &error);
-    if (value == nullptr) {
-        std::string text = std::string("error: ") + error->message;
-        g_error_free(error);
-        return text;
-    }
-    char* string = jsc_value_to_string(value);
-    std::string text = string;
-    g_free(string);
-    g_object_unref(value);
-    return text;
 }
 
 }  // namespace
@@ -103,22 +88,7 @@ void StoreView::go_back() {
 }
 
 std::string StoreView::evaluate(const std::string& script) {
-    struct Answer {
-        bool come = false;
-        std::string text;
-    };
-    auto answer = std::make_shared<Answer>();
-    webkit_web_view_evaluate_javascript(
-        view_, script.c_str(), -1, nullptr, nullptr, nullptr,
-        [](GObject* view, GAsyncResult* result, void* data) {
-            const std::unique_ptr<std::shared_ptr<Answer>> place(
-                static_cast<std::shared_ptr<Answer>*>(data));
-            (*place)->text = text_of(WEBKIT_WEB_VIEW(view), result);
-            (*place)->come = true;
-        },
-        new std::shared_ptr<Answer>(answer));
-    run_main_loop_until([&] { return answer->come || process_has_gone_; });
-    return answer->text;
+    return testing::evaluate(view_, script, [this] { return process_has_gone_; });
 }
 
 bool StoreView::wait_for(const std::string& script) {

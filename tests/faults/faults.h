@@ -1,0 +1,26 @@
+// System calls that fail when they are told to. Each function that
+// CMakeLists.txt names is replaced, in all
+// code that is linked into the test program, by one that counts its calls and lets the n-th fail.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace kestrel::testing {
+
+// From now on the `nth` call of `function`, counted from 1, fails with `error` and does nothing.
+void fail(std::string_view function, int nth, int error);
+
+// Whether that call has come.
+bool has_failed();
+
+// For its lifetime the calling thread's calls neither count nor fail: they are the test's own.
+class NoFaults {
+  public:
+    NoFaults();
+    ~NoFaults();
+    NoFaults(const NoFaults&) = delete;
+    NoFaults& operator=(const NoFaults&) = delete;
+};
+
+}  // namespace kestrel::testing

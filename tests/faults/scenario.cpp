@@ -1,0 +1,89 @@
+#include "tests/faults/scenario.h"
+
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+#include "tests/faults/faults.h"
+#include "tests/support/process_state.h"
+#include "tests/support/stderr_capture.h"
+#include "tests/support/temporary_directory.h"
+
+namespace kestrel::testing {
+namespace {
+
+// What the child tells by shared memory: it may end in the middle of anything.
+struct Report {
+    bool failed;
+    bool leaks;
+};
+
+}  // namespace
+
+std::ostream& operator<<(std::ostream& stream, const Fault& fault) {
+    return stream << fault.function << " fails at its call " << fault.nth << " with "
+                  << strerror(fault.error);
+}
+
+Outcome run_with(const Fault& fault, const std::function<int()>& scenario) {
+    const TemporaryDirectory home;
+    const StderrCapture errors;
+    auto* const report = static_cast<volatile Report*>(
+        mmap(nullptr, sizeof(Report), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
+    const pid_t child = fork();
+    if (child == 0) {
+        alarm(30);
+        setenv("HOME", home.path().c_str(), 1);
+        const std::size_t before = open_descriptors();
+        static volatile Report* at_exit = nullptr;
+        at_exit = report;
+        std::atexit([] { at_exit->failed = has_failed(); });
+        fail(fault.function, fault.nth, fault.error);
+        int status = 0;
+        try {
+            status = scenario();
+        } catch (const std::exception& exception) {
+            std::fprintf(stderr, "the scenario threw: %s\n", exception.what());
+            _exit(99);
+        }
+        report->failed = has_failed();
+        fail("", 0, 0);
+        report->leaks = open_descriptors() != before;
+        std::fflush(stderr);
+        _exit(status);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    Outcome outcome{WIFEXITED(status) ? WEXITSTATUS(status) : -1, errors.text(), report->failed,
+                    report->leaks};
+    munmap(const_cast<Report*>(report), sizeof(Report));
+    return outcome;
+}
+
+void for_each_fault(const std::vector<std::pair<std::string_view, std::vector<int>>>& errors,
+                    const std::function<int()>& scenario,
+                    const std::function<void(const Fault&, const Outcome&)>& look_at) {
+    constexpr int kMostCalls = 30;
+    for (const auto& [function, numbers] : errors) {
+        int seen = 0;
+        for (const int number : numbers) {
+            for (int nth = 1; nth <= kMostCalls; ++nth) {
+                const Fault fault{function, nth, number};
+                const Outcome outcome = run_with(fault, scenario);
+                if (!outcome.failed) break;
+                ++seen;
+                EXPECT_NE(outcome.status, -1) << fault << ": ended by a signal";
+                EXPECT_FALSE(outcome.leaks) << fault << ": leaves a descriptor open";
+                look_at(fault, outcome);
+            }
+        }
+        EXPECT_GT(seen, 0) << function << " is never called";
+    }
+}
+
+}  // namespace kestrel::testing

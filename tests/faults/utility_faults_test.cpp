@@ -1,0 +1,69 @@
+// The utilities that touch the system, with each system call failing once.
+#include <gtest/gtest.h>
+
+#include <cerrno>
+
+#include "common/LinuxCommonUtils.h"
+#include "tests/faults/scenario.h"
+
+namespace kestrel::testing {
+namespace {
+
+int use_the_lock() { return LinuxCommonUtils::IsAnotherInstanceRunning("probe") ? 1 : 0; }
+
+// The second start of the same process finds its own lock.
+int use_the_lock_twice() {
+    const int first = use_the_lock();
+    return first == 0 ? use_the_lock() : first;
+}
+
+int use_the_rest() {
+    LinuxCommonUtils::GetModulePath();
+    LinuxCommonUtils::getQUOROOT();
+    LinuxCommonUtils::GetTarnUserAgent();
+    return LinuxCommonUtils::getUserTmpDir().starts_with('/') ? 0 : 1;
+}
+
+TEST(UtilityFaults, OfTheLockCountAsAnotherInstanceWithAdvice) {
+    for_each_fault({{"open", {EACCES, EMFILE, ENFILE, EROFS, ELOOP, ENOSPC, EIO, EINTR}},
+                    {"write", {ENOSPC, EIO, EDQUOT, EFBIG}}},
+                   use_the_lock, [](const Fault& fault, const Outcome& outcome) {
+                       EXPECT_EQ(outcome.status, 1) << fault;
+                       EXPECT_NE(outcome.errors.find("Please remove/"), std::string::npos) << fault;
+                   });
+}
+
+TEST(UtilityFaults, OfLookingAtALockEndInOneOfItsThreeWays) {
+    for_each_fault({{"flock", {EINTR, ENOLCK}},
+                    {"read", {EIO, EISDIR, EBADF}},
+                    {"open", {EACCES, EMFILE, ENOENT}}},
+                   use_the_lock_twice, [](const Fault& fault, const Outcome& outcome) {
+                       EXPECT_LE(outcome.status, 1) << fault;
+                       const bool has_advice =
+                           outcome.errors.find("Please remove/") != std::string::npos;
+                       EXPECT_TRUE(outcome.status == 1 || !has_advice) << fault;
+                   });
+    for_each_fault({{"kill", {ESRCH, EPERM}}}, use_the_lock_twice,
+                   [](const Fault& fault, const Outcome& outcome) {
+                       EXPECT_EQ(outcome.status, 0) << fault;
+                       EXPECT_EQ(outcome.errors, "") << fault;
+                   });
+}
+
+TEST(UtilityFaults, OfTheScratchDirectoryUseAnother) {
+    for_each_fault({{"mkdir", {EACCES, ENOSPC, EROFS, EMLINK, ENAMETOOLONG, EDQUOT}}}, use_the_rest,
+                   [](const Fault& fault, const Outcome& outcome) {
+                       EXPECT_EQ(outcome.status, 0) << fault;
+                       EXPECT_NE(outcome.errors.find(".Using /tmp directory.\n"), std::string::npos)
+                           << fault;
+                   });
+}
+
+TEST(UtilityFaults, OfLookingAroundGiveLess) {
+    for_each_fault(
+        {{"readlink", {EACCES, ENOENT, EIO}}, {"stat", {EACCES, ELOOP, ENOTDIR}}}, use_the_rest,
+        [](const Fault& fault, const Outcome& outcome) { EXPECT_EQ(outcome.status, 0) << fault; });
+}
+
+}  // namespace
+}  // namespace kestrel::testing

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace kestrel::fuzz {
+
+// Ends the process, which libFuzzer takes for a finding, unless `holds`. The place is the caller's;
+// clang 14 has no std::source_location.
+inline void check(bool holds, const char* file = __builtin_FILE(), int line = __builtin_LINE()) {
+    if (holds) return;
+    std::fprintf(stdout, "%s:%d: does not hold\n", file, line);
+    std::fflush(stdout);
+    std::abort();
+}
+
+}  // namespace kestrel::fuzz

@@ -1,0 +1,98 @@
+// Hosts, web processes and log daemons that stop, die and come back.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <memory>
+
+#include "tests/support/frame_bytes.h"
+#include "tests/support/listening_host.h"
+#include "tests/webkit/store_fixture.h"
+
+namespace kestrel::testing {
+namespace {
+
+// The id that the web process has announced last.
+pid_t announced(const ScriptedHost& host) {
+    return static_cast<pid_t>(std::atoi(host.frames(61).back().payload.c_str()));
+}
+
+TEST_F(ConnectedStoreTest, RunsAnswersInThePageThatIsShownAfterGoingBack) {
+    store.load("<title>first</title>");
+    store.evaluate("window.kept = true");
+    store.load("<title>second</title>");
+    store.go_back();
+    ASSERT_EQ(store.evaluate("window.kept"), "true") << "the page did not come from the cache";
+    host.send(1, {"(() => { document.title = 'answered ' + window.kept })"});
+    ASSERT_TRUE(host.wait_for(33));
+    EXPECT_EQ(store.evaluate("document.title"), "answered true");
+}
+
+TEST_F(ConnectedStoreTest, AWebProcessThatWasKilledIsFollowedByOneThatWorks) {
+    const pid_t first = announced(host);
+    kill(first, SIGKILL);
+    ASSERT_TRUE(run_main_loop_until([&] { return store.process_has_gone(); }));
+    webkit_web_view_load_uri(store.view(), "about:blank");
+    ASSERT_TRUE(host.wait_for(61, 2));
+    EXPECT_NE(announced(host), first);
+    host.send(1, {"String"});
+    EXPECT_TRUE(host.wait_for(33));
+}
+
+TEST_F(ConnectedStoreTest, AStoppedWebProcessLosesNothing) {
+    const pid_t process = announced(host);
+    kill(process, SIGSTOP);
+    for (int i = 0; i < 200; ++i) host.send(1, {"String"});
+    kill(process, SIGCONT);
+    EXPECT_TRUE(host.wait_for(33, 200));
+}
+
+TEST_F(ConnectedStoreTest, NavigatesWhileAnswersAreOnTheirWay) {
+    for (int page = 0; page < 10; ++page) {
+        for (int i = 0; i < 50; ++i) host.send(1, {"(() => 1)"});
+        store.load("<title>page</title>");
+    }
+    EXPECT_TRUE(host.wait_for(33, 500));
+    EXPECT_FALSE(store.process_has_gone());
+}
+
+// The host goes with part of a message written, at every place where it could break.
+class HostThatDies : public ConnectedStoreTest,
+                     public ::testing::WithParamInterface<std::size_t> {};
+
+TEST_P(HostThatDies, LeavesThePageAlive) {
+    const std::string answer = frame_bytes(1, {}, {"(() => { document.title = 'reached' })"});
+    host.send_bytes(answer.substr(0, GetParam()));
+    host.hang_up();
+    store.load("<title>next</title>");
+    EXPECT_EQ(store.evaluate("document.title"), "next");
+    EXPECT_FALSE(store.process_has_gone());
+}
+
+INSTANTIATE_TEST_SUITE_P(At, HostThatDies, ::testing::Values(0, 1, 15, 16, 17, 30, 54));
+
+TEST_F(StoreTest, TheLogDaemonMayGoAndComeBack) {
+    const std::string socket = client_directory() + "/.zynlogsocket";
+    auto daemon = std::make_unique<ListeningHost>(socket);
+    host.listen();
+    StoreView store;
+    store.load("<title>store</title>");
+    ASSERT_TRUE(host.wait_for(61));
+    daemon.reset();
+    unlink(socket.c_str());
+    for (int i = 0; i < 3; ++i) {
+        host.send_bytes(header_bytes(9, 0, 0, 0));  // no handler: a line at ERROR
+        host.send(1, {"String"});
+    }
+    ASSERT_TRUE(host.wait_for(33, 3));
+    daemon = std::make_unique<ListeningHost>(socket);
+    host.send_bytes(header_bytes(9, 0, 0, 0));
+    host.send(1, {"String"});
+    EXPECT_TRUE(host.wait_for(33, 4));
+    EXPECT_FALSE(store.process_has_gone());
+    unlink(socket.c_str());
+}
+
+}  // namespace
+}  // namespace kestrel::testing
