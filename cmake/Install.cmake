@@ -1,4 +1,6 @@
-# What other programs get: the library, the headers of its interface and a pkg-config file.
+# What is installed beside the programs, which their folders install: the library, the headers of its
+# interface, how other builds find both, and what belongs to the authors of pages.
+include(CMakePackageConfigHelpers)
 
 set(public_headers
   common/LinuxCommonUtils.h
@@ -17,8 +19,8 @@ endforeach()
 
 # Alone in its directory: WebKit loads every library that it finds there. It stays a module, without
 # soname: programs that link it name the file and its directory, as the pkg-config file does.
-install(TARGETS kestrel-extension
-        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/${PROJECT_NAME}/web-extensions)
+set(webextensiondir ${CMAKE_INSTALL_LIBDIR}/${PROJECT_NAME}/web-extensions)
+install(TARGETS kestrel-extension LIBRARY DESTINATION ${webextensiondir})
 
 # Written when installing, as only then the prefix is known: cmake --install takes another one.
 # A directory that is absolute already stays as it is.
@@ -35,3 +37,29 @@ install(CODE "
                  ${PROJECT_BINARY_DIR}/kestrel-extension.pc @ONLY)")
 install(FILES ${PROJECT_BINARY_DIR}/kestrel-extension.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+set(config_directory ${CMAKE_INSTALL_LIBDIR}/cmake/${PROJECT_NAME})
+configure_package_config_file(
+  cmake/kestrel-extension-config.cmake.in ${PROJECT_BINARY_DIR}/kestrel-extension-config.cmake
+  INSTALL_DESTINATION ${config_directory}
+  PATH_VARS CMAKE_INSTALL_INCLUDEDIR webextensiondir)
+write_basic_package_version_file(
+  ${PROJECT_BINARY_DIR}/kestrel-extension-config-version.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/kestrel-extension-config.cmake
+              ${PROJECT_BINARY_DIR}/kestrel-extension-config-version.cmake
+        DESTINATION ${config_directory})
+
+# For the authors of pages: the workbench opens this store when it is given no page.
+install(DIRECTORY examples/store DESTINATION ${CMAKE_INSTALL_DATADIR}/${PROJECT_NAME})
+install(DIRECTORY types DESTINATION ${CMAKE_INSTALL_DATADIR}/${PROJECT_NAME}
+        FILES_MATCHING PATTERN *.d.ts PATTERN package.json PATTERN README.md)
+
+# The documents as they lie in the source tree, so that their links hold.
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
+        FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.svg PATTERN man EXCLUDE)
+install(DIRECTORY examples/catalogue examples/utilities DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
+foreach(program IN ITEMS kestrel-log kestrel-workbench)
+  configure_file(docs/man/${program}.1.in ${PROJECT_BINARY_DIR}/man/${program}.1 @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/man/${program}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+endforeach()
