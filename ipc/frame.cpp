@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstring>
 #include <limits>
+#include <new>
 #include <system_error>
 
 #include "ipc/error_line.h"
@@ -22,7 +23,7 @@ struct IntText {
 };
 
 char* append_item(char* at, std::string_view text) {
-    std::memcpy(at, text.data(), text.size());
+    if (!text.empty()) std::memcpy(at, text.data(), text.size());  // "" may have no bytes at all
     at[text.size()] = '\0';
     return at + text.size() + 1;
 }
@@ -39,26 +40,33 @@ std::optional<std::string_view> next_item(std::span<const char> payload, std::si
 
 constexpr bool is_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
-}  // namespace
-
-std::optional<std::int32_t> payload_length(std::span<const std::size_t> text_lengths) {
-    std::size_t total = 0;
-    for (const std::size_t length : text_lengths) {
-        const std::size_t room = kMaxFrame - sizeof(webkit_message) - total;
-        if (length >= room) return std::nullopt;
-        total += length + 1;
+template <typename AnyItems>
+bool take_apart(const webkit_message& frame, AnyItems& items) {
+    if (!counts_are_possible(frame)) return false;
+    items.ints.resize(static_cast<std::size_t>(frame.num_of_ints));
+    items.strings.resize(static_cast<std::size_t>(frame.num_of_strings));
+    const std::span<const char> payload = payload_of(frame);
+    std::size_t position = 0;
+    for (int& value : items.ints) {
+        const auto text = next_item(payload, position);
+        if (!text) return false;
+        value = parse_int(*text);
     }
-    return static_cast<std::int32_t>(total);
+    for (auto& value : items.strings) {
+        const auto text = next_item(payload, position);
+        if (!text) return false;
+        value = *text;
+    }
+    return true;
 }
 
-Frame build_frame(std::int32_t type, std::span<const int> ints,
-                  std::span<const std::string_view> strings) {
-    std::vector<std::size_t> lengths;
-    lengths.reserve(ints.size() + strings.size());
-    for (const int value : ints) lengths.push_back(IntText(value).length);
-    for (const std::string_view text : strings) lengths.push_back(text.size());
+template <typename Text>
+Frame build_frame_of(std::int32_t type, std::span<const int> ints, std::span<const Text> strings) {
+    PayloadLength length;
+    for (const int value : ints) length.add(IntText(value).length);
+    for (const Text& text : strings) length.add(text.size());
 
-    const std::optional<std::int32_t> total = payload_length(lengths);
+    const std::optional<std::int32_t> total = length.total();
     if (!total) {
         error_line("webkit_util::wrapMessage message is too long, not sent\n");
         return nullptr;
@@ -77,8 +85,38 @@ Frame build_frame(std::int32_t type, std::span<const int> ints,
         const IntText item(value);
         at = append_item(at, {item.text.data(), item.length});
     }
-    for (const std::string_view text : strings) at = append_item(at, text);
+    for (const Text& text : strings) at = append_item(at, text);
     return frame;
+}
+
+}  // namespace
+
+void PayloadLength::add(std::size_t text_length) {
+    const std::size_t room = kMaxFrame - sizeof(webkit_message) - total_;
+    if (text_length >= room) fits_ = false;
+    if (fits_) total_ += text_length + 1;
+}
+
+std::optional<std::int32_t> PayloadLength::total() const {
+    return fits_ ? std::optional(static_cast<std::int32_t>(total_)) : std::nullopt;
+}
+
+Frame build_frame(std::int32_t type, std::span<const int> ints,
+                  std::span<const std::string_view> strings) {
+    return build_frame_of(type, ints, strings);
+}
+
+Frame build_frame_of_strings(std::int32_t type, std::span<const int> ints,
+                             std::span<const std::string> strings) {
+    return build_frame_of(type, ints, strings);
+}
+
+Frame copy_of(const webkit_message& frame) {
+    const std::span<const char> bytes = bytes_of(frame);
+    void* const block = std::malloc(bytes.size());
+    if (block == nullptr) throw std::bad_alloc();
+    std::memcpy(block, bytes.data(), bytes.size());
+    return Frame(static_cast<webkit_message*>(block));
 }
 
 bool counts_are_possible(const webkit_message& header) {
@@ -99,23 +137,10 @@ int parse_int(std::string_view text) {
     return static_cast<int>(value);
 }
 
-bool decode_items(const webkit_message& frame, Items& items) {
-    if (!counts_are_possible(frame)) return false;
-    items.ints.resize(static_cast<std::size_t>(frame.num_of_ints));
-    items.strings.resize(static_cast<std::size_t>(frame.num_of_strings));
-    const std::span<const char> payload = payload_of(frame);
-    std::size_t position = 0;
-    for (int& value : items.ints) {
-        const auto text = next_item(payload, position);
-        if (!text) return false;
-        value = parse_int(*text);
-    }
-    for (std::string& value : items.strings) {
-        const auto text = next_item(payload, position);
-        if (!text) return false;
-        value = *text;
-    }
-    return true;
+bool decode_items(const webkit_message& frame, Items& items) { return take_apart(frame, items); }
+
+bool decode_items(const webkit_message& frame, ItemViews& items) {
+    return take_apart(frame, items);
 }
 
 }  // namespace kestrel

@@ -40,9 +40,26 @@ inline std::span<const char> bytes_of(const webkit_message& frame) {
 Frame build_frame(std::int32_t type, std::span<const int> ints,
                   std::span<const std::string_view> strings);
 
-// The payload length of items with these text lengths (NULs not counted), or nothing when header
-// and payload together would exceed kMaxFrame.
-std::optional<std::int32_t> payload_length(std::span<const std::size_t> text_lengths);
+// The same of strings, without a list of views of them.
+Frame build_frame_of_strings(std::int32_t type, std::span<const int> ints,
+                             std::span<const std::string> strings);
+
+// A frame of the same bytes. The payload must be as long as the header says. Throws std::bad_alloc.
+Frame copy_of(const webkit_message& frame);
+
+// The length of a payload, item by item.
+class PayloadLength {
+  public:
+    // Without the item's NUL.
+    void add(std::size_t text_length);
+
+    // Nothing when header and payload together would exceed kMaxFrame.
+    std::optional<std::int32_t> total() const;
+
+  private:
+    std::size_t total_ = 0;
+    bool fits_ = true;
+};
 
 // Whether the header's counts are possible at all: none is negative, and the payload has at least
 // one byte an item. Call it before allocating anything by the counts.
@@ -61,5 +78,12 @@ struct Items {
 // an item lacks its NUL; bytes behind the last item are ignored. The payload must be as long as the
 // header says.
 bool decode_items(const webkit_message& frame, Items& items);
+
+// The same without copying: the strings are parts of the frame.
+struct ItemViews {
+    std::vector<int> ints;
+    std::vector<std::string_view> strings;
+};
+bool decode_items(const webkit_message& frame, ItemViews& items);
 
 }  // namespace kestrel

@@ -10,7 +10,6 @@
 namespace kestrel {
 namespace {
 
-constexpr std::size_t kMaxShownCharacters = 80;
 constexpr std::size_t kMaxShownItems = 16;
 
 struct CharacterRange {
@@ -71,23 +70,6 @@ std::string line_start(std::string_view arrow, int pid) {
     return std::string(arrow) + format(" %7s ", process.c_str());
 }
 
-std::string shown_items(const webkit_message& message) {
-    Items items;
-    if (!decode_items(message, items)) return " (items do not fit the header)";
-    std::string shown;
-    std::size_t count = 0;
-    for (const int value : items.ints) {
-        if (count++ < kMaxShownItems) shown += " " + std::to_string(value);
-    }
-    for (const std::string& text : items.strings) {
-        if (count++ < kMaxShownItems) shown += " " + quoted_text(text);
-    }
-    if (count > kMaxShownItems) {
-        shown += " ... " + std::to_string(count - kMaxShownItems) + " more items";
-    }
-    return shown;
-}
-
 }  // namespace
 
 std::string message_text(Direction direction, int pid, const webkit_message& message) {
@@ -95,16 +77,38 @@ std::string message_text(Direction direction, int pid, const webkit_message& mes
     std::string line = line_start(direction == Direction::from_page ? "<-" : "->", pid);
     line += format("%3d ", message.msg_type);
     line += type == nullptr ? kUnknownType : type->name;
-    return line + shown_items(message);
+    const std::string items = items_text(message);
+    return items.empty() ? line : line + ' ' + items;
+}
+
+std::string items_text(const webkit_message& message) {
+    ItemViews items;
+    if (!decode_items(message, items)) return "(items do not fit the header)";
+    std::string shown;
+    std::size_t count = 0;
+    const auto append = [&](const std::string& text) {
+        if (!shown.empty()) shown += ' ';
+        shown += text;
+    };
+    for (const int value : items.ints) {
+        if (count++ < kMaxShownItems) append(std::to_string(value));
+    }
+    for (const std::string_view text : items.strings) {
+        if (count++ < kMaxShownItems) append(quoted_text(text));
+    }
+    if (count > kMaxShownItems) {
+        append("... " + std::to_string(count - kMaxShownItems) + " more items");
+    }
+    return shown;
 }
 
 std::string note_text(int pid, std::string_view note) {
     return line_start("--", pid) + std::string(note);
 }
 
-std::string quoted_text(std::string_view text) {
+std::string quoted_text(std::string_view text, std::size_t max_characters) {
     std::string shown = "\"";
-    for (std::size_t count = 0; !text.empty() && count < kMaxShownCharacters; ++count) {
+    for (std::size_t count = 0; !text.empty() && count < max_characters; ++count) {
         const Utf8Character character = first_character(text);
         const std::size_t size = std::max<std::size_t>(character.size, 1);
         shown += character.size == 0 ? format("\\x%02x", static_cast<unsigned char>(text[0]))

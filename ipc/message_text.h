@@ -1,6 +1,7 @@
 // A message as a person reads it.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -17,12 +18,17 @@ inline constexpr std::string_view kUnknownType = "(unknown)";
 // The payload must be as long as the header says. Throws std::bad_alloc.
 std::string message_text(Direction direction, int pid, const webkit_message& message);
 
+// The items of a message as message_text shows them, parted by blanks; "" for none.
+std::string items_text(const webkit_message& message);
+
 // A line that is about no message: "--" stands where the direction would.
 std::string note_text(int pid, std::string_view note);
+
+inline constexpr std::size_t kMaxShownCharacters = 80;
 
 // A string item as message_text shows it: between quotes, shortened, and whatever would not print,
 // or would disturb a terminal, escaped: \" \\ \n \r \t, \u{1b} a character, \xff a byte that
 // belongs to none.
-std::string quoted_text(std::string_view text);
+std::string quoted_text(std::string_view text, std::size_t max_characters = kMaxShownCharacters);
 
 }  // namespace kestrel

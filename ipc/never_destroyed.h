@@ -13,7 +13,7 @@ namespace kestrel {
 
 template <typename T>
 union NeverDestroyed {
-    constexpr NeverDestroyed() : object() {}
+    constexpr NeverDestroyed() noexcept : object() {}
     constexpr ~NeverDestroyed() {}
     NeverDestroyed(const NeverDestroyed&) = delete;
     NeverDestroyed& operator=(const NeverDestroyed&) = delete;

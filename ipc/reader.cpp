@@ -7,9 +7,11 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <string>
 
@@ -148,6 +150,32 @@ void receive_until_end() {
     }
 }
 
+// The strings that messages are decoded into, kept from one to the next together with their memory
+// unless that has grown large; fresh ones while the kept ones are in use. Never destroyed: the
+// reader outlives static destruction.
+class KeptItems {
+  public:
+    KeptItems() : items_(spare_.exchange(nullptr)) {
+        if (!items_) items_.reset(new (std::nothrow) kestrel::Items);
+    }
+    ~KeptItems() {
+        if (!items_) return;
+        std::size_t memory = 0;
+        for (const std::string& text : items_->strings) memory += text.capacity();
+        if (memory <= kMostMemory) delete spare_.exchange(items_.release());
+    }
+    KeptItems(const KeptItems&) = delete;
+    KeptItems& operator=(const KeptItems&) = delete;
+
+    // Null when memory is out.
+    kestrel::Items* get() const { return items_.get(); }
+
+  private:
+    static constexpr std::size_t kMostMemory = 8UL * 1024 * 1024;
+    static constinit inline std::atomic<kestrel::Items*> spare_ = nullptr;
+    std::unique_ptr<kestrel::Items> items_;
+};
+
 void report_dropped(std::int32_t type, const char* reason) {
     __ZynTrace(kestrel::kLogWebkit, kestrel::kError, "", "", 0,
                "Dropped a message of type %d: %s\n", type, reason);
@@ -169,16 +197,18 @@ void webkit_client::processMessage(webkit_message*& message) {
         report_dropped(type, "no handler");
         return;
     }
-    kestrel::Items items;
+    const KeptItems kept;
+    kestrel::Items* const items = kept.get();
     try {
-        if (!kestrel::decode_items(*message, items)) {
+        if (items == nullptr) throw std::bad_alloc();
+        if (!kestrel::decode_items(*message, *items)) {
             report_dropped(type, "its items do not fit its header");
             return;
         }
-        items.strings.resize(std::max(items.strings.size() + 1, kestrel::kMinHandlerStrings));
+        items->strings.resize(std::max(items->strings.size() + 1, kestrel::kMinHandlerStrings));
     } catch (const std::bad_alloc&) {
         report_dropped(type, "out of memory");
         return;
     }
-    func_array[type](items.ints.data(), items.strings.data());
+    func_array[type](items->ints.data(), items->strings.data());
 }

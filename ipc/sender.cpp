@@ -8,6 +8,7 @@
 #include "ipc/error_line.h"
 #include "ipc/frame.h"
 #include "ipc/link.h"
+#include "ipc/outgoing_frame.h"
 #include "ipc/send.h"
 #include "ipc/signals_blocked.h"
 #include "ipc/wire_trace.h"
@@ -61,9 +62,13 @@ void kestrel::write_frame(const webkit_message& frame) {
 
 void kestrel::send(std::int32_t type, std::span<const int> ints,
                    std::span<const std::string_view> strings) {
-    const Frame frame = build_frame(type, ints, strings);
-    webkit_message* message = frame.get();
-    webkit_client::sendMessage(message);
+    std::size_t payload = ints.size() * kMaxIntItem;
+    for (const std::string_view text : strings) payload += text.size() + 1;
+    OutgoingFrame frame(type, payload);
+    if (!frame.is_open()) return;
+    for (const int value : ints) frame.add(value);
+    for (const std::string_view text : strings) frame.add(text);
+    frame.send();
 }
 
 void webkit_client::sendMessage(webkit_message*& message) {

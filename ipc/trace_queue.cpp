@@ -1,22 +1,9 @@
 #include "ipc/trace_queue.h"
 
-#include <cstring>
 #include <new>
 #include <utility>
 
 namespace kestrel {
-namespace {
-
-Frame copy_of(const webkit_message& frame) {
-    const std::span<const char> bytes = bytes_of(frame);
-    void* const block = std::malloc(bytes.size());
-    if (block == nullptr) throw std::bad_alloc();
-    std::memcpy(block, bytes.data(), bytes.size());
-    return Frame(static_cast<webkit_message*>(block));
-}
-
-}  // namespace
-
 std::size_t TraceQueue::cost_of(const webkit_message& frame) {
     return sizeof(TracedFrame) + bytes_of(frame).size();
 }

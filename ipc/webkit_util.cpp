@@ -26,10 +26,11 @@ webkit_message* webkit_util::wrapMessage(int type,
                                          std::vector<int> ints,             // NOLINT
                                          std::vector<std::string> strings)  // NOLINT
 {
-    std::vector<std::string_view> texts;
-    texts.reserve(strings.size());
-    for (const std::string& text : strings) texts.emplace_back(text.c_str());  // up to its NUL
-    return kestrel::build_frame(type, ints, texts).release();
+    for (std::string& text : strings) {
+        const std::size_t length = std::strlen(text.c_str());
+        if (length != text.size()) text.resize(length);
+    }
+    return kestrel::build_frame_of_strings(type, ints, strings).release();
 }
 
 int webkit_util::parseNextInt(int& position, char* payload, char*& scratch) {

@@ -3,13 +3,12 @@
 #include <array>
 #include <cmath>
 #include <limits>
-#include <new>
 #include <string>
-#include <string_view>
 
 #include "ipc/error_line.h"
-#include "ipc/send.h"
-#include "jsapi/KsJS_proxy.h"
+#include "ipc/outgoing_frame.h"
+#include "jsapi/script_text.h"
+#include "jsapi/utf16_to_utf8.h"
 
 namespace kestrel {
 namespace {
@@ -24,9 +23,10 @@ void refuse(const PageMethod& method, std::size_t got) {
     error_line(line);
 }
 
-// The arguments as read, by position; a place holds a text or a number, as its row says.
+// The arguments as read, by position; a place holds a text or a number, as its row says. A text
+// that could not be read, or was not to be, is null and goes out as "".
 struct ReadArguments {
-    std::array<std::string, kMaxArguments> texts;
+    std::array<ScriptString, kMaxArguments> texts;
     std::array<std::int32_t, kMaxArguments> numbers{};
 };
 
@@ -39,7 +39,7 @@ ReadArguments read_arguments(const PageMethod& method, JSContextRef context,
                 if (JSValueGetType(context, arguments[i]) != kJSTypeString) break;
                 [[fallthrough]];
             case Read::text:
-                KsJS_proxy::getStringFromJavascriptRef(context, arguments[i], read.texts[i]);
+                read.texts[i] = text_of(context, arguments[i]);
                 break;
             case Read::number:
                 read.numbers[i] = to_int32(JSValueToNumber(context, arguments[i], nullptr));
@@ -57,21 +57,41 @@ std::int32_t difference(std::int32_t minuend, std::int32_t subtrahend) {
                                      static_cast<std::uint32_t>(subtrahend));
 }
 
-void send_lists(const PageMethod& method, std::int32_t command, const ReadArguments& read) {
-    std::array<int, kMaxArguments> ints{};
-    std::array<std::string_view, kMaxArguments> strings;
-    for (std::size_t i = 0; i < method.ints.size(); ++i) {
-        const Item item = method.ints[i];
-        ints[i] = read.numbers[static_cast<std::size_t>(item.argument)];
-        if (item.subtrahend != Item::kNothing) {
-            ints[i] = difference(ints[i], read.numbers[static_cast<std::size_t>(item.subtrahend)]);
+std::int32_t value_of(Item item, const ReadArguments& read) {
+    const std::int32_t value = read.numbers[static_cast<std::size_t>(item.argument)];
+    if (item.subtrahend == Item::kNothing) return value;
+    return difference(value, read.numbers[static_cast<std::size_t>(item.subtrahend)]);
+}
+
+JSStringRef string_of(Item item, const ReadArguments& read) {
+    return read.texts[static_cast<std::size_t>(item.argument)].get();
+}
+
+// Room for the row's lists. To count the bytes of large texts beforehand is better than to ask for
+// three times the memory that they may need.
+std::size_t payload_room(const PageMethod& method, const ReadArguments& read) {
+    const auto sum = [&](std::size_t (*size)(JSStringRef)) {
+        std::size_t total = method.ints.size() * kMaxIntItem + method.strings.size();
+        for (const Item item : method.strings) {
+            const JSStringRef text = string_of(item, read);
+            if (text != nullptr) total += size(text);
         }
+        return total;
+    };
+    const std::size_t room = sum(utf8_room);
+    return room <= OutgoingFrame::kCheapPayload ? room : sum(utf8_size) + kUtf8Slack;
+}
+
+void send_lists(const PageMethod& method, std::int32_t command, const ReadArguments& read) {
+    OutgoingFrame frame(command, payload_room(method, read));
+    if (!frame.is_open()) return;
+    for (const Item item : method.ints) frame.add(value_of(item, read));
+    for (const Item item : method.strings) {
+        const JSStringRef text = string_of(item, read);
+        char* const begin = frame.begin_string();
+        frame.end_string(text == nullptr ? begin : write_utf8(text, begin));
     }
-    for (std::size_t i = 0; i < method.strings.size(); ++i) {
-        strings[i] = read.texts[static_cast<std::size_t>(method.strings[i].argument)];
-    }
-    send(command, std::span(ints).first(method.ints.size()),
-         std::span(strings).first(method.strings.size()));
+    frame.send();
 }
 
 }  // namespace
@@ -90,11 +110,7 @@ JSValueRef run_page_method(const PageMethod& method, std::int32_t command, JSCon
         refuse(method, arguments.size());
         return JSValueMakeUndefined(context);
     }
-    try {
-        send_lists(method, command, read_arguments(method, context, arguments));
-    } catch (const std::bad_alloc&) {
-        error_line("KsJS_proxy: out of memory, message not sent\n");
-    }
+    send_lists(method, command, read_arguments(method, context, arguments));
     return JSValueMakeUndefined(context);
 }
 

@@ -1,48 +1,59 @@
 #include "jsapi/script_text.h"
 
-#include <array>
 #include <cstring>
 #include <string>
 
 #include "ipc/error_line.h"
 #include "jsapi/KsJS_proxy.h"
+#include "jsapi/utf16_to_utf8.h"
 
+namespace kestrel {
 namespace {
-
-// Texts up to this many bytes need no allocation; a page chooses how long its texts are, so the
-// stack never grows with them.
-constexpr std::size_t kShortText = 1'024;
 
 constexpr const char* kBreakout =
     "               KsJS_proxy::getStringFromJavascriptRef Breakout Error\n";
 
-void assign_utf8(JSStringRef source, char* buffer, std::size_t size, std::string& text) {
-    buffer[0] = '\0';  // for a text that cannot be converted at all
-    JSStringGetUTF8CString(source, buffer, size);
-    text.assign(buffer);
+// JavaScriptCore keeps most texts at one byte a character, and makes a copy to show their units.
+// Up to this length its own conversion, slow as it is, takes less time than that.
+constexpr std::size_t kUnitsNotWorthACopy = 12;
+
+std::span<const char16_t> units_of(JSStringRef text) {
+    static_assert(sizeof(JSChar) == sizeof(char16_t));
+    return {reinterpret_cast<const char16_t*>(JSStringGetCharactersPtr(text)),
+            JSStringGetLength(text)};
 }
 
 }  // namespace
 
+ScriptString text_of(JSContextRef context, JSValueRef value) {
+    ScriptString text(JSValueToStringCopy(context, value, nullptr));
+    if (!text) error_line(kBreakout);
+    return text;
+}
+
+std::size_t utf8_room(JSStringRef text) { return JSStringGetLength(text) * kMaxBytesOfUnit; }
+
+std::size_t utf8_size(JSStringRef text) { return utf8_size(units_of(text)); }
+
+char* write_utf8(JSStringRef text, char* to) {
+    const std::size_t units = JSStringGetLength(text);
+    if (units > kUnitsNotWorthACopy) return write_utf8(units_of(text), to);
+    *to = '\0';  // for a text that cannot be converted at all
+    JSStringGetUTF8CString(text, to, units * kMaxBytesOfUnit + 1);
+    return to + std::strlen(to);
+}
+
+}  // namespace kestrel
+
 void KsJS_proxy::getStringFromJavascriptRef(JSContextRef context, JSValueRef value,
                                             std::string& text) {
-    const kestrel::ScriptString source(JSValueToStringCopy(context, value, nullptr));
-    if (!source) {
-        kestrel::error_line(kBreakout);
-        return;
-    }
-    const std::size_t size = JSStringGetMaximumUTF8CStringSize(source.get());
-    if (size <= kShortText) {
-        std::array<char, kShortText> buffer;
-        assign_utf8(source.get(), buffer.data(), buffer.size(), text);
-    } else {
-        const auto buffer = std::make_unique_for_overwrite<char[]>(size);
-        assign_utf8(source.get(), buffer.get(), size, text);
-    }
+    const kestrel::ScriptString source = kestrel::text_of(context, value);
+    if (!source) return;
+    text.resize(kestrel::utf8_room(source.get()) + 1);
+    text.resize(
+        static_cast<std::size_t>(kestrel::write_utf8(source.get(), text.data()) - text.data()));
 }
 
 void KsJS_proxy::traceExceptionJS(JSContextRef context, JSValueRef exception) {
-    if (exception == nullptr) return;
-    const kestrel::ScriptString text(JSValueToStringCopy(context, exception, nullptr));
-    if (!text) kestrel::error_line(kBreakout);
+    if (exception != nullptr) kestrel::text_of(context, exception);
 }

@@ -5,16 +5,14 @@
 #include <cstring>
 #include <memory>
 #include <string>
-#include <string_view>
 
 #include "log/errno_guard.h"
+#include "log/version_file.h"
 #include "log/zynlog_paths.h"
 
 namespace {
 
 using VersionBuffer = std::array<char, 32>;
-
-constexpr std::string_view kVersionKey = "ID_VERSION=";
 
 struct DirectoryCloser {
     void operator()(DIR* directory) const { closedir(directory); }
@@ -38,23 +36,11 @@ File open_version_file() {
     return nullptr;
 }
 
-// What follows the key in the first line that has it. A line counts in pieces of 127 characters.
-std::string version_in(std::FILE* file) {
-    std::array<char, 128> piece;
-    while (std::fgets(piece.data(), piece.size(), file) != nullptr) {
-        const std::string_view line = piece.data();
-        const std::size_t key = line.find(kVersionKey);
-        if (key == std::string_view::npos) continue;
-        const std::string_view value = line.substr(key + kVersionKey.size());
-        return std::string(value.substr(0, value.find('\n')));
-    }
-    return "unknown";
-}
-
 VersionBuffer read_version() {
     const kestrel::logging::ErrnoGuard errno_guard;
     const File file = open_version_file();
-    const std::string version = file == nullptr ? "unknown" : version_in(file.get());
+    const std::string version =
+        file == nullptr ? "unknown" : kestrel::logging::version_in(file.get());
     VersionBuffer buffer{};
     version.copy(buffer.data(), buffer.size() - 1);
     return buffer;

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "log/file_descriptor.h"
+#include "log/sigbus_guard.h"
 #include "log/zynlog_paths.h"
 
 namespace kestrel::logging {
@@ -20,10 +21,11 @@ namespace {
 constinit std::atomic<void*> mapping_place = nullptr;
 
 // Every user's processes and the daemon share the file, so its mode must not depend on the umask.
+// A link in its place is another file, which is not ours to cut and to write over.
 FileDescriptor open_config_file() {
     const char* const path = GetConfigFilePath();  // creates directories, under the caller's umask
     umask(0);
-    FileDescriptor file(open(path, O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+    FileDescriptor file(open(path, O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666));
     umask(022);
     return file;
 }
@@ -38,13 +40,18 @@ SharedLogConfig* map_file(int fd) {
     return static_cast<SharedLogConfig*>(mapping);
 }
 
-// The magic comes last: a process that sees it sees the rest.
-void write_defaults(SharedLogConfig& shared) {
+const SharedLogConfig& default_config() {
     static const SharedLogConfig defaults = [] {
         SharedLogConfig record = kDefaultConfig;
         set_output_path(record, GetLogFilePath());
         return record;
     }();
+    return defaults;
+}
+
+// The magic comes last: a process that sees it sees the rest.
+void write_defaults(SharedLogConfig& shared) {
+    const SharedLogConfig& defaults = default_config();
     store(shared.flags, defaults.flags);
     for (std::size_t i = 0; i < defaults.levels.size(); ++i) {
         store(shared.levels[i], defaults.levels[i]);
@@ -70,6 +77,7 @@ void map_shared_config() {
     if (!file.is_open() || ftruncate(file.get(), sizeof(SharedLogConfig)) == -1) return;
     SharedLogConfig* const shared = map_file(file.get());
     if (shared == nullptr) return;
+    set_sigbus_guard(shared, &default_config(), sizeof(SharedLogConfig));
     if (std::atomic_ref(shared->magic).load(std::memory_order_acquire) != kConfigMagic) {
         write_defaults(*shared);
     }
@@ -86,6 +94,7 @@ void unmap_shared_config() {
     if (zeros == MAP_FAILED) return;
     mremap(zeros, sizeof(SharedLogConfig), sizeof(SharedLogConfig), MREMAP_MAYMOVE | MREMAP_FIXED,
            shared);
+    lift_sigbus_guard();
 }
 
 }  // namespace kestrel::logging

@@ -7,11 +7,14 @@
 // SIGPIPE: the library guards its connecting, but not the writing of lines. The first line after
 // the daemon has gone raises SIGPIPE, which ends a program that leaves the signal as it is: a
 // program that logs must ignore it, `signal(SIGPIPE, SIG_IGN)`, at its start. No call leaves any
-// signal's disposition changed.
+// signal's disposition changed but SIGBUS's.
 //
 // SIGBUS: the settings are a file mapped into every process of the family. When another process
-// cuts that file short, whoever reads the settings next, every trace call included, gets SIGBUS.
-// The library installs no handler for it.
+// cuts that file short, or its disk is full, the kernel raises SIGBUS in whoever looks at the
+// settings next. While they are mapped the library handles that signal: the process goes on with
+// the default settings, which are its own from then on, until it is shut down and initialised
+// again. A SIGBUS with any other reason goes to the handler that was there before. A program that
+// installs one later has to pass on what is not its own, as is good custom.
 //
 // Every call leaves errno as it was. None throws.
 #pragma once
@@ -74,7 +77,7 @@ void ZynLogShutdown();
 //
 // Reports nothing: a line with bad arguments, before init or after shutdown, filtered out, or not
 // taken whole by the daemon is lost without a word. Allocates no memory on the way to the daemon.
-// Can block while the daemon does not read. See SIGPIPE and SIGBUS above. Any thread.
+// Can block while the daemon does not read. See SIGPIPE above. Any thread.
 [[gnu::format(printf, 6, 7)]] void __ZynTrace(std::uint32_t log_class, int level, const char* aux1,
                                               const char* aux2, std::uint64_t aux3,
                                               const char* format, ...);

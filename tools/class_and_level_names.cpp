@@ -4,6 +4,7 @@
 
 #include "log/levels_and_classes.h"
 #include "log/zynlog.h"
+#include "program/translation.h"
 #include "tools/usage_error.h"
 
 namespace kestrel::tools {
@@ -13,28 +14,34 @@ using logging::kClassTable;
 using logging::kLevelTable;
 
 template <typename Table>
-std::uint32_t index_by_name(const std::string& name, const std::string& kind, const Table& table,
+std::uint32_t index_by_name(const std::string& name, const char* refusal, const Table& table,
                             std::uint32_t first, std::uint32_t last) {
     std::string names;
     for (std::uint32_t index = first; index <= last; ++index) {
         if (strcasecmp(name.c_str(), table[index].name) == 0) return index;
         names += std::string(names.empty() ? "" : " ") + table[index].name;
     }
-    throw UsageError("there is no " + kind + " '" + name + "'; valid are: " + names);
+    throw UsageError(formatted(refusal, name.c_str(), names.c_str()));
+}
+
+std::uint32_t level_between(const std::string& name, std::uint32_t first, std::uint32_t last) {
+    return index_by_name(name, translate("there is no level '%s'; valid are: %s"), kLevelTable,
+                         first, last);
 }
 
 }  // namespace
 
 std::uint32_t class_by_name(const std::string& name) {
-    return index_by_name(name, "class", kClassTable, 0, kLogClassCount - 1);
+    return index_by_name(name, translate("there is no class '%s'; valid are: %s"), kClassTable, 0,
+                         kLogClassCount - 1);
 }
 
 std::uint32_t level_by_name(const std::string& name) {
-    return index_by_name(name, "level", kLevelTable, 0, kLogLevelCount - 1);
+    return level_between(name, 0, kLogLevelCount - 1);
 }
 
 std::uint32_t line_level_by_name(const std::string& name) {
-    return index_by_name(name, "level", kLevelTable, kVerbose, kAlwaysOn);
+    return level_between(name, kVerbose, kAlwaysOn);
 }
 
 std::string class_name(std::uint32_t log_class) {

@@ -8,6 +8,8 @@
 #include <cstdlib>
 #include <system_error>
 
+#include "program/translation.h"
+
 namespace kestrel::tools {
 namespace {
 
@@ -66,7 +68,7 @@ void print(std::string_view text) {
     std::fwrite(text.data(), 1, text.size(), stdout);
     if (std::fflush(stdout) == 0) return;
     if (errno == EPIPE) throw OutputClosed();
-    throw std::system_error(errno, std::generic_category(), "standard output");
+    throw std::system_error(errno, std::generic_category(), translate("standard output"));
 }
 
 std::string printable(std::string_view text) {

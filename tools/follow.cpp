@@ -12,6 +12,7 @@
 #include <list>
 
 #include "log/zynlog_paths.h"
+#include "program/translation.h"
 #include "tools/class_and_level_names.h"
 #include "tools/console.h"
 #include "tools/listening_socket.h"
@@ -64,7 +65,8 @@ class Viewer {
           colours_(wants_colours()),
           stop_(stop_signals()),
           listener_(GetSocketFilePath()) {
-        std::fprintf(stderr, "kestrel-log: listening at %s\n", GetSocketFilePath());
+        std::fprintf(stderr, "kestrel-log: %s\n",
+                     formatted(translate("listening at %s"), GetSocketFilePath()).c_str());
     }
 
     void run() {

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "log/zynlog_config.h"
+#include "program/translation.h"
 #include "tools/console.h"
 #include "tools/follow.h"
 #include "tools/settings.h"
@@ -18,6 +19,9 @@
 namespace {
 
 using namespace kestrel::tools;
+using kestrel::translatable;
+using kestrel::translate;
+using kestrel::use_translations;
 
 constexpr int kExitFailure = 1;
 constexpr int kExitUsage = 2;
@@ -37,59 +41,82 @@ struct Arguments {
 
 using Command = std::function<void()>;
 
+// The words of the help that are not ours. Commands take over what is set here.
+void describe_help(CLI::App& app) {
+    app.option_defaults()->group(translate("Options"));
+    app.set_help_flag("-h,--help", translate("Print this help message and exit"));
+    app.set_version_flag("--version", "kestrel-log " KESTREL_VERSION,
+                         translate("Display program version information and exit"));
+    for (const char* word :
+         {translatable("Usage"), translatable("OPTIONS"), translatable("SUBCOMMAND"),
+          translatable("Positionals"), translatable("REQUIRED"), translatable("TEXT"),
+          translatable("INT"), translatable("UINT")}) {
+        app.get_formatter()->label(word, translate(word));
+    }
+}
+
 void add_commands(CLI::App& app, Arguments& arguments, Command& command) {
     const auto add = [&](const char* name, const char* description, const Command& run) {
         CLI::App* const subcommand = app.add_subcommand(name, description);
+        subcommand->group(translate("Subcommands"));
         subcommand->callback([&command, run] { command = run; });
         return subcommand;
     };
 
-    add("show", "Show all settings: every class with its own and its working level, and the rest",
+    add("show",
+        translate(
+            "Show all settings: every class with its own and its working level, and the rest"),
         [&] { show_settings(arguments.json); });
 
-    CLI::App* const level = add("level", "Set the level of a class",
+    CLI::App* const level = add("level", translate("Set the level of a class"),
                                 [&] { set_level(arguments.class_name, arguments.level_name); });
-    level->add_option("CLASS", arguments.class_name, "Name of the class, such as WEBKIT")
+    level->add_option("CLASS", arguments.class_name, translate("Name of the class, such as WEBKIT"))
         ->required();
-    level->add_option("LEVEL", arguments.level_name, "Name of the level, such as VERBOSE")
+    level
+        ->add_option("LEVEL", arguments.level_name, translate("Name of the level, such as VERBOSE"))
         ->required();
 
-    CLI::App* const flags =
-        add("flags", "Set or clear flags: numbers such as 0x1000, or the name thread-name",
-            [&] { change_flags(arguments.enable, arguments.disable); });
-    flags->add_option("--enable", arguments.enable, "Flags to set");
-    flags->add_option("--disable", arguments.disable, "Flags to clear");
+    CLI::App* const flags = add(
+        "flags", translate("Set or clear flags: numbers such as 0x1000, or the name thread-name"),
+        [&] { change_flags(arguments.enable, arguments.disable); });
+    flags->add_option("--enable", arguments.enable, translate("Flags to set"));
+    flags->add_option("--disable", arguments.disable, translate("Flags to clear"));
     flags->require_option(1, 2);
 
-    add("output", "Set the file that the log daemon writes to",
+    add("output", translate("Set the file that the log daemon writes to"),
         [&] { set_output_path(arguments.path); })
-        ->add_option("PATH", arguments.path, "Absolute path of at most 255 bytes")
+        ->add_option("PATH", arguments.path, translate("Absolute path of at most 255 bytes"))
         ->required();
 
-    CLI::App* const rollover = add("rollover", "Set how log files are rolled over",
+    CLI::App* const rollover = add("rollover", translate("Set how log files are rolled over"),
                                    [&] { set_rollover(arguments.size, arguments.count); });
-    rollover->add_option("--size", arguments.size, "Size of a log file, in the daemon's unit")
+    rollover
+        ->add_option("--size", arguments.size,
+                     translate("Size of a log file, in the daemon's unit"))
         ->check(CLI::Range(kestrel::kLogMinRolloverSize, kestrel::kLogMaxRolloverSize));
-    rollover->add_option("--count", arguments.count, "Number of full log files to keep")
+    rollover->add_option("--count", arguments.count, translate("Number of full log files to keep"))
         ->check(CLI::Range(kestrel::kLogMaxRolloverCount));
     rollover->require_option(1, 2);
 
-    add("session", "Set the session maximum", [&] { set_session_max(arguments.sessions); })
-        ->add_option("MAXIMUM", arguments.sessions, "Session maximum, in the daemon's unit")
+    add("session", translate("Set the session maximum"),
+        [&] { set_session_max(arguments.sessions); })
+        ->add_option("MAXIMUM", arguments.sessions,
+                     translate("Session maximum, in the daemon's unit"))
         ->required()
         ->check(CLI::Range(kestrel::kLogMaxSessions));
 
-    add("reset", "Set everything to its default", [] { reset_settings(); });
+    add("reset", translate("Set everything to its default"), [] { reset_settings(); });
 
-    CLI::App* const following =
-        add("follow", "Show log lines as they come, in the place of the log daemon", [&] {
+    CLI::App* const following = add(
+        "follow", translate("Show log lines as they come, in the place of the log daemon"), [&] {
             arguments.follow.json = arguments.json;
             follow(arguments.follow);
         });
     following->add_option("--level", arguments.follow.lowest_level,
-                          "Show only lines of this level and above");
-    following->add_option("--class", arguments.follow.classes,
-                          "Show only lines of this class and those below it; may be repeated");
+                          translate("Show only lines of this level and above"));
+    following->add_option(
+        "--class", arguments.follow.classes,
+        translate("Show only lines of this class and those below it; may be repeated"));
 }
 
 int run(const Command& command) {
@@ -110,10 +137,11 @@ int run(const Command& command) {
 void explain(const CLI::App& app, const CLI::ParseError& error) {
     std::string text = error.what();
     if (app.get_subcommands().empty()) {
-        text = "a command is needed; valid are:";
+        text = translate("a command is needed; valid are:");
         for (const CLI::App* command : app.get_subcommands({})) text += " " + command->get_name();
     }
-    std::fprintf(stderr, "kestrel-log: %s\nRun with --help for more information.\n", text.c_str());
+    std::fprintf(stderr, "kestrel-log: %s\n%s\n", text.c_str(),
+                 translate("Run with --help for more information."));
 }
 
 }  // namespace
@@ -122,15 +150,16 @@ void explain(const CLI::App& app, const CLI::ParseError& error) {
 int main(int argc, char** argv) {  // NOLINT(bugprone-exception-escape)
     std::signal(SIGPIPE, SIG_IGN);
 
-    CLI::App app(
-        "Looks at and changes the settings that all processes of the client family share "
-        "for their logging, and shows their log lines.",
-        "kestrel-log");
-    app.set_version_flag("--version", "kestrel-log " KESTREL_VERSION);
+    use_translations();
+
+    CLI::App app(translate("Looks at and changes the settings that all processes of the client "
+                           "family share for their logging, and shows their log lines."),
+                 "kestrel-log");
+    describe_help(app);
     app.require_subcommand(1);
     app.fallthrough();
     Arguments arguments;
-    app.add_flag("--json", arguments.json, "Show as JSON (show, follow)");
+    app.add_flag("--json", arguments.json, translate("Show as JSON (show, follow)"));
     Command command;
     add_commands(app, arguments, command);
     try {

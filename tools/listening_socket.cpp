@@ -8,6 +8,8 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "program/translation.h"
+
 namespace kestrel::tools {
 namespace {
 
@@ -20,9 +22,10 @@ FileDescriptor new_socket() {
 sockaddr_un address_of(const std::string& path) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    if (path.empty()) throw std::runtime_error("there is no home directory to listen in");
+    if (path.empty())
+        throw std::runtime_error(translate("there is no home directory to listen in"));
     if (path.size() >= sizeof address.sun_path) {
-        throw std::runtime_error(path + " is too long for a socket");
+        throw std::runtime_error(formatted(translate("%s is too long for a socket"), path.c_str()));
     }
     path.copy(address.sun_path, path.size());
     return address;
@@ -38,9 +41,12 @@ bool somebody_listens(const sockaddr_un& address) {
 void make_way(const std::string& path, const sockaddr_un& address) {
     struct stat file {};
     if (lstat(path.c_str(), &file) == -1) return;
-    if (!S_ISSOCK(file.st_mode)) throw std::runtime_error(path + " is not a socket");
+    if (!S_ISSOCK(file.st_mode)) {
+        throw std::runtime_error(formatted(translate("%s is not a socket"), path.c_str()));
+    }
     if (somebody_listens(address)) {
-        throw std::runtime_error("a log daemon or another viewer already listens at " + path);
+        throw std::runtime_error(formatted(
+            translate("a log daemon or another viewer already listens at %s"), path.c_str()));
     }
     if (errno == ECONNREFUSED) unlink(path.c_str());
 }

@@ -9,10 +9,12 @@
 #include <cstring>
 #include <stdexcept>
 #include <string_view>
+#include <utility>
 
 #include "log/zynlog.h"
 #include "log/zynlog_config.h"
 #include "log/zynlog_paths.h"
+#include "program/translation.h"
 #include "tools/class_and_level_names.h"
 #include "tools/console.h"
 #include "tools/usage_error.h"
@@ -26,8 +28,9 @@ using Json = nlohmann::ordered_json;
 void open_settings() {
     if (ZynLogInitConfigOnly() == 1) return;
     const std::string path = GetConfigFilePath();
-    throw std::runtime_error("cannot open the settings" +
-                             (path.empty() ? ": there is no home directory" : " at " + path));
+    throw std::runtime_error(
+        path.empty() ? translate("cannot open the settings: there is no home directory")
+                     : formatted(translate("cannot open the settings at %s"), path.c_str()));
 }
 
 std::uint32_t current_flags() {
@@ -56,19 +59,24 @@ std::uint32_t flag_bits(const std::string& text) {
     std::uint32_t bits = 0;
     const auto result = std::from_chars(begin, end, bits, is_hexadecimal ? 16 : 10);
     if (result.ec != std::errc() || result.ptr != end) {
-        throw UsageError("'" + text +
-                         "' is no set of flags; valid are: 0 to 0xffffffff, thread-name");
+        throw UsageError(
+            formatted(translate("'%s' is no set of flags; valid are: 0 to 0xffffffff, thread-name"),
+                      text.c_str()));
     }
     return bits;
 }
 
+// The width is in characters of UTF-8 text.
 std::string column(std::string text, std::size_t width) {
-    text.resize(std::max(text.size() + 1, width), ' ');
+    const auto continued = static_cast<std::size_t>(std::ranges::count_if(
+        text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xc0U) == 0x80U; }));
+    text.resize(std::max(text.size() + 1, width + continued), ' ');
     return text;
 }
 
 std::string class_table() {
-    std::string table = "CLASS     OWN LEVEL  WORKING LEVEL  NAME\n";
+    std::string table = column(translate("CLASS"), 10) + column(translate("OWN LEVEL"), 11) +
+                        column(translate("WORKING LEVEL"), 15) + translate("NAME") + "\n";
     for (std::uint32_t index = 0; index < kLogClassCount; ++index) {
         const std::uint32_t working = ZynLogGetWorkingLevel(index);
         table += column(class_name(index), 10) +
@@ -80,11 +88,18 @@ std::string class_table() {
 }
 
 std::string settings_table() {
-    return column("flags", 18) + hexadecimal(current_flags()) + "\n" + column("output", 18) +
-           printable(output_path()) + "\n" + column("rollover size", 18) +
-           std::to_string(ZynLogGetRolloverSize()) + "\n" + column("rollover count", 18) +
-           std::to_string(ZynLogGetRolloverCount()) + "\n" + column("session maximum", 18) +
-           std::to_string(ZynLogGetSessionMax()) + "\n";
+    const std::array<std::pair<const char*, std::string>, 5> settings{{
+        {translatable("flags"), hexadecimal(current_flags())},
+        {translatable("output"), printable(output_path())},
+        {translatable("rollover size"), std::to_string(ZynLogGetRolloverSize())},
+        {translatable("rollover count"), std::to_string(ZynLogGetRolloverCount())},
+        {translatable("session maximum"), std::to_string(ZynLogGetSessionMax())},
+    }};
+    std::string table;
+    for (const auto& [name, value] : settings) {
+        table += column(translate(name), 18) + value + "\n";
+    }
+    return table;
 }
 
 Json class_json(std::uint32_t index) {
@@ -140,10 +155,13 @@ void change_flags(const std::string& enable, const std::string& disable) {
 }
 
 void set_output_path(const std::string& path) {
-    if (!path.starts_with('/')) throw UsageError("the output path must begin with '/'");
+    if (!path.starts_with('/')) {
+        throw UsageError(translate("the output path must begin with '/'"));
+    }
     if (path.size() >= kLogOutputPathSize) {
-        throw UsageError("the output path is " + std::to_string(path.size()) +
-                         " bytes long; valid are 1 to " + std::to_string(kLogOutputPathSize - 1));
+        throw UsageError(
+            formatted(translate("the output path is %zu bytes long; valid are 1 to %zu"),
+                      path.size(), static_cast<std::size_t>(kLogOutputPathSize - 1)));
     }
     open_settings();
     ZynLogSetOutputPath(path.c_str());

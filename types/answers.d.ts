@@ -16,28 +16,55 @@ export type Callback<Answer> = string | ((answer: Answer) => void);
 export interface Answers {
   getCapabilities: Capabilities;
   getStoreDetails: StoreDetails;
-  /** Ids of the subscribed applications, in the user's order. */
-  getInstalledApps: string[];
+  getInstalledApps: InstalledApps;
   getAccountsAsync: Account[];
   /** Ids of the subscribed applications, in the user's order. */
   subscribe: string[];
   /** Ids of the subscribed applications, in the user's order. */
   unsubscribe: string[];
-  /** Whether it is being started. */
-  launchApp: boolean;
+  launchApp: Started;
   /** The file's URI, or `""` if there is no such file. */
   getFileUri: string;
   /** The value, or `null` if none has been set. */
   getItem: string | null;
   /** Whether it is kept. */
   setItem: boolean;
-  /** A data URI. */
-  recolorImage: string;
-  /** The button that was pressed. */
+  recolorImage: RecoloredImage;
+  /** The words on the button, or `""` if the dialog was closed without it. */
   errorDialog: string;
   getUserDisplayName: string;
-  /** Whether it is being started. */
-  launchResource: boolean;
+  launchResource: Started;
+}
+
+/** An answer that may have failed. */
+export interface Attempt {
+  /** What went wrong, as a sentence; `""` if nothing did. */
+  problem: string;
+}
+
+/** What has become of the wish to start something. */
+export interface Started extends Attempt {
+  started: boolean;
+}
+
+export interface RecoloredImage extends Attempt {
+  /** A data URI; `""` if there is a problem. */
+  image: string;
+}
+
+export interface InstalledApps {
+  /** The applications of the user's computer, subscribed or not. */
+  applications: Application[];
+  /** Ids of the subscribed applications, in the user's order. */
+  subscriptions: string[];
+}
+
+export interface Application {
+  id: string;
+  name: string;
+  summary: string;
+  /** A data URI, or `""`. */
+  icon: string;
 }
 
 /** What the host is and can do. */
@@ -67,9 +94,9 @@ export interface Account {
  * Takes the answer to `external.ajax`: five strings.
  *
  * @param id The request's id, as the page chose it.
- * @param status The status code, in digits.
- * @param statusText The words that go with the status.
- * @param headers The answer's headers.
+ * @param status The status code, in digits; `"0"` if no answer came.
+ * @param statusText The words that go with the status, or why no answer came.
+ * @param headers The answer's headers, a line of `Name: value` each.
  * @param body The answer's body.
  */
 export type AjaxCompletion = (

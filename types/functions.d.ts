@@ -49,9 +49,9 @@ export interface HostFunctions {
   noteRefreshStart(...ignored: unknown[]): void;
 
   /**
-   * Asks for the subscribed applications.
+   * Asks for the applications of the user's computer, and for the subscriptions.
    * @param notSent Converted to text, but not sent.
-   * @param callback Gets their ids, in the user's order.
+   * @param callback Gets both.
    */
   getInstalledApps<Answer = Answers["getInstalledApps"]>(
     notSent: unknown,
@@ -103,7 +103,7 @@ export interface HostFunctions {
    * and numbers included.
    * @param url The address.
    * @param method `GET`, `POST` and so on.
-   * @param headers The request's headers.
+   * @param headers The request's headers, a line of `Name: value` each.
    * @param body The request's body.
    * @param id Comes back with the answer.
    * @param completion Gets the answer: the name or source text of an `AjaxCompletion`. If this text
@@ -133,9 +133,9 @@ export interface HostFunctions {
   unsubscribe<Answer = Answers["unsubscribe"]>(id: TextArgument, callback: Callback<Answer>): void;
 
   /**
-   * Starts an application.
+   * Starts an application, if the user agrees.
    * @param id The application's id.
-   * @param callback Gets whether it is being started.
+   * @param callback Gets whether it is being started, and why not.
    */
   launchApp<Answer = Answers["launchApp"]>(id: TextArgument, callback: Callback<Answer>): void;
 
@@ -187,19 +187,19 @@ export interface HostFunctions {
   ): void;
 
   /**
-   * Opens an address outside the page.
+   * Opens an address outside the page, if the user agrees.
    * @param address The address.
    */
   openUrl(address: TextArgument): void;
 
   /**
    * Asks for an image in another colour.
-   * @param image The image; which ones there are is up to the host.
+   * @param image A data URI, or the path of a file, relative to the page.
    * @param red 0 to 255.
    * @param green 0 to 255.
    * @param blue 0 to 255.
    * @param notSent Not sent.
-   * @param callback Gets a data URI.
+   * @param callback Gets a data URI, or why there is none.
    */
   recolorImage<Answer = Answers["recolorImage"]>(
     image: TextArgument,
@@ -216,7 +216,7 @@ export interface HostFunctions {
    * @param details What may be unfolded; sent empty if it is no string.
    * @param text What has happened.
    * @param button The words on the button.
-   * @param callback Gets the button that was pressed.
+   * @param callback Gets the button that was pressed, if it was.
    */
   errorDialog<Answer = Answers["errorDialog"]>(
     title: string | null | undefined,
@@ -249,12 +249,12 @@ export interface HostFunctions {
   offlineErrorTryAgain(): void;
 
   /**
-   * Opens a resource, such as a document.
-   * @param id The resource's id.
-   * @param callback Gets whether it is being started.
+   * Opens a resource, such as a document, with the application for it, if the user agrees.
+   * @param name The file's path, relative to the page.
+   * @param callback Gets whether it is being opened, and why not.
    */
   launchResource<Answer = Answers["launchResource"]>(
-    id: TextArgument,
+    name: TextArgument,
     callback: Callback<Answer>,
   ): void;
 }

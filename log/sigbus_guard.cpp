@@ -1,0 +1,78 @@
+#include "log/sigbus_guard.h"
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+
+namespace kestrel::logging {
+namespace {
+
+constinit std::atomic<char*> guarded = nullptr;
+constinit const void* substitute_bytes = nullptr;
+constinit std::size_t substitute_size = 0;
+constinit std::size_t page_size = 0;
+constinit struct sigaction previous {};
+
+bool is_guarded(const void* address) {
+    const auto begin = reinterpret_cast<std::uintptr_t>(guarded.load());
+    const auto at = reinterpret_cast<std::uintptr_t>(address);
+    return begin != 0 && at >= begin && at - begin < page_size;
+}
+
+// Moved over the lost page whole, so that other threads see the one or the other.
+bool substitute_page() {
+    void* const page =
+        mmap(nullptr, page_size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (page == MAP_FAILED) return false;
+    std::memcpy(page, substitute_bytes, substitute_size);
+    return mremap(page, page_size, page_size, MREMAP_MAYMOVE | MREMAP_FIXED, guarded.load()) !=
+           MAP_FAILED;
+}
+
+// With the default action in place the access is repeated, and ends the process.
+void pass_on(int number, siginfo_t* info, void* context) {
+    if ((previous.sa_flags & SA_SIGINFO) != 0) {
+        previous.sa_sigaction(number, info, context);
+    } else if (previous.sa_handler != SIG_DFL && previous.sa_handler != SIG_IGN) {
+        previous.sa_handler(number);
+    } else {
+        signal(number, SIG_DFL);
+    }
+}
+
+void on_sigbus(int number, siginfo_t* info, void* context) {
+    const int saved_errno = errno;
+    if (!is_guarded(info->si_addr) || !substitute_page()) pass_on(number, info, context);
+    errno = saved_errno;
+}
+
+}  // namespace
+
+void set_sigbus_guard(void* page, const void* substitute, std::size_t size) {
+    page_size = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    substitute_bytes = substitute;
+    substitute_size = size;
+    guarded = static_cast<char*>(page);
+    struct sigaction current {};
+    sigaction(SIGBUS, nullptr, &current);
+    if (current.sa_sigaction == on_sigbus) return;
+    struct sigaction guard {};
+    guard.sa_sigaction = on_sigbus;
+    guard.sa_flags = SA_SIGINFO | SA_ONSTACK;
+    sigaction(SIGBUS, &guard, &previous);
+}
+
+void lift_sigbus_guard() {
+    guarded = nullptr;
+    struct sigaction current {};
+    sigaction(SIGBUS, nullptr, &current);
+    if ((current.sa_flags & SA_SIGINFO) != 0 && current.sa_sigaction == on_sigbus) {
+        sigaction(SIGBUS, &previous, nullptr);
+    }
+}
+
+}  // namespace kestrel::logging
