@@ -19,13 +19,21 @@ struct SyslogLine {
 };
 SyslogLine last_line;
 
-}  // namespace
-
-// In place of the C library's.
-extern "C" void vsyslog(int priority, const char* format, std::va_list arguments) {
+void take_line(int priority, const char* format, std::va_list arguments) {
     std::array<char, 256> text{};
     std::vsnprintf(text.data(), text.size(), format, arguments);
     last_line = {priority, text.data()};
+}
+
+}  // namespace
+
+// In place of the C library's, the second one that of hardened builds.
+extern "C" void vsyslog(int priority, const char* format, std::va_list arguments) {
+    take_line(priority, format, arguments);
+}
+extern "C" void __vsyslog_chk(int priority, int /*flag*/, const char* format,
+                              std::va_list arguments) {
+    take_line(priority, format, arguments);
 }
 
 namespace kestrel::testing {

@@ -8,8 +8,10 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstring>
+#include <fstream>
 #include <future>
 #include <thread>
 
@@ -142,6 +144,20 @@ TEST_F(ConnectTest, KeepsItsSocketFromProgramsThatItStarts) {
     connection.read_frame();
     EXPECT_EQ(fcntl(load_server_fd(), F_GETFD), FD_CLOEXEC);
     EXPECT_EQ(open_descriptors(), descriptors_before + 3);  // listening, and both ends
+}
+
+// The kernel doubles what it grants, for its own records.
+TEST_F(ConnectTest, HasAsLargeASendBufferAsItWantsAndTheSystemAllows) {
+    const ListeningHost host(path);
+    start_link();
+    const HostEnd connection = host.accept();
+    EXPECT_EQ(connection.read_frame(), announcement());
+    int allowed = 0;
+    std::ifstream("/proc/sys/net/core/wmem_max") >> allowed;
+    int size = 0;
+    socklen_t length = sizeof size;
+    ASSERT_EQ(getsockopt(load_server_fd(), SOL_SOCKET, SO_SNDBUF, &size, &length), 0);
+    EXPECT_EQ(size, 2 * std::min(4 * 1024 * 1024, allowed));
 }
 
 TEST_F(ConnectTest, ReadsOnADetachedThread) {

@@ -64,6 +64,32 @@ TEST_F(ProcessMessageTest, PassesSixStringsAtLeast) {
     }
 }
 
+// Strings keep their memory from message to message, and nothing else.
+TEST_F(ProcessMessageTest, PassesNothingOfTheMessageBefore) {
+    const std::string long_text(100'000, 'x');
+    const RecordedHandlers handlers;
+    process(frame_bytes(1, {"7", "8"}, {long_text, long_text, "c", "d", "e", "f"}));
+    process(header_bytes(1, 0, 3, 1));  // its items do not fit
+    process(frame_bytes(1, {"9"}, {"ab"}));
+    process(frame_bytes(1, {}, {"", long_text + long_text}));
+    EXPECT_THAT(handlers.dispatches(),
+                ElementsAre(Dispatch{1, {}, {long_text, long_text, "c", "d", "e", "f"}},
+                            Dispatch{1, {}, {"ab", "", "", "", "", ""}},
+                            Dispatch{1, {}, {"", long_text + long_text, "", "", "", ""}}));
+}
+
+TEST_F(ProcessMessageTest, LetsAHandlerProcessAnotherMessage) {
+    static std::vector<std::string> seen;
+    RecordedHandlers handlers;
+    handlers.table()[2] = [](int*, std::string* strings) { seen.push_back(strings[0]); };
+    handlers.table()[1] = [](int*, std::string* strings) {
+        process(frame_bytes(2, {}, {"inner"}));
+        seen.push_back(strings[0]);
+    };
+    process(frame_bytes(1, {}, {"outer"}));
+    EXPECT_THAT(seen, ElementsAre("inner", "outer"));
+}
+
 TEST_F(ProcessMessageTest, PassesAnEmptyStringBehindTheLast) {
     for (std::size_t sent = 6; sent <= 20; ++sent) {
         const RecordedHandlers handlers(0, sent + 1);

@@ -104,6 +104,12 @@ TEST(WrapMessageTest, CarriesMoreThanTheHostMaySend) {
     EXPECT_EQ(wrapped(19, {}, {text}), frame_bytes(19, {}, {text}));
 }
 
+std::optional<std::int32_t> payload_length(std::span<const std::size_t> text_lengths) {
+    PayloadLength length;
+    for (const std::size_t text_length : text_lengths) length.add(text_length);
+    return length.total();
+}
+
 TEST(PayloadLengthTest, CountsOneNulAnItem) {
     EXPECT_THAT(payload_length({}), Optional(0));
     EXPECT_THAT(payload_length(std::to_array<std::size_t>({0})), Optional(1));

@@ -257,17 +257,6 @@ TEST(NeighboursRecord, MayBeDeletedWhileItIsMapped) {
     EXPECT_EQ(ZynLogGetSessionMax(), 10U);
 }
 
-TEST(NeighboursRecord, RaisesSigbusWhenItIsCutShortWhileItIsMapped) {
-    EXPECT_EXIT(
-        {
-            signal(SIGBUS, SIG_DFL);
-            ZynLogInitConfigOnly();
-            truncate(record_path().c_str(), 0);
-            ZynLogGetWorkingLevel(0);
-        },
-        testing::KilledBySignal(SIGBUS), "");
-}
-
 TEST(ConfigRecord, IsNoLongerMappedAfterShutdown) {
     ZynLogInitConfigOnly();
     EXPECT_THAT(read_file("/proc/self/maps"), testing::HasSubstr(".zynlogconf"));

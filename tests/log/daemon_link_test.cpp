@@ -175,7 +175,7 @@ TEST_F(DaemonLink, PutsNoNameFirstIfTheThreadHasNone) {
     thread_has_no_name = true;
     const std::string format = "%m";
     errno = ENOSPC;
-    __ZynTrace(kLogWebkit, kError, "", "", 0, format.c_str());
+    __ZynTrace(kLogWebkit, kError, "", "", 0, format.c_str(), 0);
     thread_has_no_name = false;
     EXPECT_EQ(text_of(connection_.read_message()), terminated("[]: No space left on device"));
 }

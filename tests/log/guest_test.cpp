@@ -126,7 +126,7 @@ TEST(Errno, IsWhatTheCallersFormatSees) {
     ZynLogEnableFlags(kestrel::kLogThreadNameFlag);
     const std::string format = "%m";
     errno = ENOSPC;
-    __ZynLog(kError, "", "", 0, format.c_str());
+    __ZynLog(kError, "", "", 0, format.c_str(), 0);
     EXPECT_EQ(kestrel::testing::syslog_calls().back(), "vsyslog(3, No space left on device)");
     const std::string record = connection.read_message();
     EXPECT_TRUE(record.ends_with(std::string("]: No space left on device") + '\0'));
@@ -140,12 +140,15 @@ struct Disposition {
     friend bool operator==(const Disposition&, const Disposition&) = default;
 };
 
+// SA_RESTORER, which the C library adds to whatever it sets.
+constexpr int kRestorer = 0x0400'0000;
+
 std::vector<Disposition> dispositions() {
     std::vector<Disposition> result;
     for (int number = 1; number <= SIGRTMAX; ++number) {
         struct sigaction action {};
         sigaction(number, nullptr, &action);
-        Disposition disposition{action.sa_handler, action.sa_flags, {}};
+        Disposition disposition{action.sa_handler, action.sa_flags & ~kRestorer, {}};
         for (int other = 1; other <= SIGRTMAX; ++other) {
             if (sigismember(&action.sa_mask, other) == 1) disposition.blocked.push_back(other);
         }

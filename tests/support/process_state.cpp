@@ -14,7 +14,8 @@
 namespace kestrel::testing {
 namespace {
 
-const std::string kThreads = "/proc/self/task/";
+// Not an object: a thread may ask while another one leaves through exit.
+constexpr const char* kThreads = "/proc/self/task/";
 
 std::size_t entries_of(const std::string& directory) {
     const std::filesystem::directory_iterator entries(directory);
@@ -26,7 +27,9 @@ std::size_t entries_of(const std::string& directory) {
 void start_first_thread() {
     pid_t first = 0;
     std::thread([&first] { first = gettid(); }).join();
-    comes_true([first] { return !std::filesystem::exists(kThreads + std::to_string(first)); });
+    comes_true([first] {
+        return !std::filesystem::exists(std::string(kThreads) + std::to_string(first));
+    });
 }
 
 }  // namespace
@@ -42,7 +45,7 @@ std::size_t thread_count() {
 
 // A running thread's file says "running"; a sleeping one's begins with the system call's number.
 bool is_blocked_in(pid_t thread, long system_call) {
-    std::ifstream file(kThreads + std::to_string(thread) + "/syscall");
+    std::ifstream file(std::string(kThreads) + std::to_string(thread) + "/syscall");
     long number = -1;
     return file >> number && number == system_call;
 }

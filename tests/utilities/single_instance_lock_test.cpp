@@ -342,7 +342,7 @@ TEST_F(SingleInstanceLock, LockThatFailsBeforeWritingIsAFailure) {
 TEST_F(SingleInstanceLock, LockThatFailsLeavesNoFileOpen) {
     const Output output = in_child([] {
         on_flock = [](int, int) { return ENOLCK; };
-        std::freopen("/dev/null", "w", stderr);
+        if (std::freopen("/dev/null", "w", stderr) == nullptr) return;
         const auto open_files = [] {
             return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
         };

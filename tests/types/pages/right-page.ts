@@ -1,5 +1,11 @@
 // Every function, with every kind of argument that it takes.
-import type { Account, AjaxCompletion, Answers, Question } from "kestrel-store-page-types";
+import type {
+  Account,
+  AjaxCompletion,
+  Answers,
+  Question,
+  RecoloredImage,
+} from "kestrel-store-page-types";
 
 declare module "kestrel-store-page-types" {
   interface Resources {
@@ -43,15 +49,20 @@ external.getItem("theme", () => {});
 // The answers of the reference host.
 external.getCapabilities("page", ({ host, version }) => console.log(host.length, version.length));
 external.getStoreDetails((store) => console.log(store.name.length, store.url.length));
-external.getInstalledApps("", (ids) => console.log(ids.map((id) => id.length)));
+external.getInstalledApps("", ({ applications, subscriptions }) => {
+  console.log(applications.map(({ id, name, summary, icon }) => [id, name, summary, icon].join()));
+  console.log(subscriptions.map((id) => id.length));
+});
 external.getAccountsAsync(([first]) => console.log(first?.user.length));
 external.subscribe("atlas", (ids) => console.log(ids.at(0)?.length));
 external.unsubscribe("atlas", (ids) => console.log(ids.at(0)?.length));
-external.launchApp("atlas", (isStarted: boolean) => console.log(isStarted));
-external.launchResource("doc-budget", (isStarted: boolean) => console.log(isStarted));
+external.launchApp("atlas", ({ started, problem }) => console.log(started || problem.length));
+external.launchResource("a.txt", ({ started, problem }) => console.log(started || problem.length));
 external.getFileUri("store.css", (uri) => console.log(uri.length));
 external.setItem("count", 5, (isKept: boolean) => console.log(isKept));
-external.recolorImage("square", 63, 94, 251, "", (uri) => console.log(uri.length));
+external.recolorImage("drop.png", 63, 94, 251, "", ({ image, problem }) => {
+  console.log(image.length, problem.length);
+});
 external.errorDialog("Store", null, "No error.", "Close", (button) => console.log(button.length));
 external.errorDialog(undefined, "details", "Nothing is wrong.", "Close", "closed");
 external.getUserDisplayName((name) => console.log(name.length));
@@ -73,6 +84,6 @@ declare function ask<Name extends keyof Answers>(
   ...args: Question<Name>
 ): Promise<Answers[Name]>;
 const accounts: Promise<Account[]> = ask("getAccountsAsync");
-const image: Promise<string> = ask("recolorImage", "square", 63, 94, 251, "");
+const image: Promise<RecoloredImage> = ask("recolorImage", "drop.png", 63, 94, 251, "");
 
 console.log(title, locale, accounts, image);

@@ -10,7 +10,7 @@ external.setItem("theme", "dark"); // must fail
 external.getInstalledApps("show"); // must fail
 external.writeTraceMessage("a line"); // must fail
 external.goOnline("online"); // must fail
-external.recolorImage("square", 63, 94, 251, "show"); // must fail
+external.recolorImage("drop.png", 63, 94, 251, "show"); // must fail
 external.ajax("https://store.example/", "GET", "", "", "zyns_ajax_complete"); // must fail
 external.settingsMenu(1, 2, 3); // must fail
 
@@ -34,6 +34,9 @@ external.getUserDisplayName("show").then(console.log); // must fail
 // Answers are what the reference host gives.
 external.getItem("theme", (value) => value.length); // must fail
 external.getStoreDetails((store) => store.title); // must fail
+external.getInstalledApps("", (ids) => ids.length); // must fail
+external.launchApp("atlas", ({ isStarted }) => isStarted); // must fail
+external.recolorImage("drop.png", 63, 94, 251, "", (image) => image.length); // must fail
 const answer: Answers["logOff"] = undefined; // must fail
 const question: Question<"getItem"> = ["theme", "show"]; // must fail
 

@@ -1,0 +1,142 @@
+// What other processes may do to the settings' file, and its disk.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <csignal>
+#include <filesystem>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "log/zynlog.h"
+#include "log/zynlog_config.h"
+#include "log/zynlog_paths.h"
+#include "tests/log/bytes.h"
+#include "tests/log/machine.h"
+
+namespace {
+
+using kestrel::kLogWebkit;
+using kestrel::kVerbose;
+using kestrel::testing::client_directory;
+using kestrel::testing::home;
+using kestrel::testing::read_file;
+using kestrel::testing::u32_at;
+using kestrel::testing::write_file;
+
+std::string record_path() { return client_directory() + "/.zynlogconf"; }
+std::string record() { return read_file(record_path()); }
+
+TEST(NeighboursRecord, MayBeCutShortWhileItIsMapped) {
+    ZynLogInitConfigOnly();
+    ZynLogSetCurrentLevel(kLogWebkit, kVerbose);
+    ASSERT_EQ(truncate(record_path().c_str(), 0), 0);
+    EXPECT_EQ(ZynLogGetWorkingLevel(kLogWebkit), 4U);
+    EXPECT_EQ(ZynLogGetOutputPath(), std::string(GetLogFilePath()));
+    EXPECT_EQ(ZynLogSetSessionMax(10), 1);
+    EXPECT_EQ(ZynLogGetSessionMax(), 10U);
+    EXPECT_EQ(record(), "");
+}
+
+TEST(NeighboursRecord, MayBeCutShortAgainAndAgain) {
+    for (int i = 0; i < 3; ++i) {
+        ZynLogInitConfigOnly();
+        ZynLogSetSessionMax(11);
+        ASSERT_EQ(truncate(record_path().c_str(), 0), 0);
+        EXPECT_EQ(ZynLogGetSessionMax(), 200U);
+        ZynLogShutdown();
+    }
+    ZynLogInitConfigOnly();
+    EXPECT_EQ(record().size(), 516U);
+    EXPECT_EQ(ZynLogSetSessionMax(12), 1);
+    EXPECT_EQ(u32_at(record(), 508), 12U);
+}
+
+TEST(NeighboursRecord, MayBeCutShortWhileThreadsRead) {
+    ZynLogInitConfigOnly();
+    std::atomic<bool> done = false;
+    std::vector<std::thread> readers;
+    for (int i = 0; i < 4; ++i) {
+        readers.emplace_back([&] {
+            while (!done) ZynLogGetWorkingLevel(kLogWebkit);
+        });
+    }
+    for (int i = 0; i < 100; ++i) {
+        ASSERT_EQ(truncate(record_path().c_str(), 0), 0);
+        ZynLogGetWorkingLevel(kLogWebkit);
+    }
+    done = true;
+    for (std::thread& reader : readers) reader.join();
+    EXPECT_EQ(ZynLogGetWorkingLevel(kLogWebkit), 4U);
+}
+
+TEST(NeighboursRecord, MayBeALinkThatIsNotFollowed) {
+    const std::string target = home() + "/diary";
+    write_file(target, "dear diary");
+    std::filesystem::create_symlink(target, record_path());
+    EXPECT_EQ(ZynLogInitConfigOnly(), 0);
+    EXPECT_EQ(read_file(target), "dear diary");
+}
+
+TEST(NeighboursRecord, MayBeADanglingLinkThatIsNotFollowed) {
+    const std::string target = home() + "/nothing";
+    std::filesystem::create_symlink(target, record_path());
+    EXPECT_EQ(ZynLogInitConfigOnly(), 0);
+    EXPECT_FALSE(std::filesystem::exists(target));
+}
+
+TEST(NeighboursRecord, MayBeAnythingButAFile) {
+    ASSERT_EQ(mkfifo(record_path().c_str(), 0600), 0);
+    EXPECT_EQ(ZynLogInitConfigOnly(), 0);
+    std::filesystem::remove(record_path());
+    ZynLogShutdown();
+    std::filesystem::create_directory(record_path());
+    EXPECT_EQ(ZynLogInitConfigOnly(), 0);
+}
+
+// What is written to the record has no place on the disk.
+TEST(ConfigRecord, MayLieOnAFullDisk) {
+    const std::string disk = client_directory();
+    if (mount("none", disk.c_str(), "tmpfs", 0, "size=64k") != 0) GTEST_SKIP() << "no private disk";
+    std::filesystem::create_directory(disk + "/logs");
+    write_file(record_path(), "");
+    write_file(disk + "/ballast", std::string(1'000'000, 'x'));
+    ZynLogInitConfigOnly();
+    EXPECT_EQ(ZynLogGetWorkingLevel(kLogWebkit), 4U);
+    EXPECT_EQ(ZynLogSetSessionMax(10), 1);
+    EXPECT_EQ(ZynLogGetSessionMax(), 10U);
+}
+
+siginfo_t seen_by_earlier_handler;
+
+TEST(Sigbus, OfOthersGoesToTheHandlerBefore) {
+    struct sigaction earlier {};
+    earlier.sa_flags = SA_SIGINFO;
+    earlier.sa_sigaction = [](int, siginfo_t* info, void*) { seen_by_earlier_handler = *info; };
+    sigaction(SIGBUS, &earlier, nullptr);
+    ZynLogInitConfigOnly();
+    raise(SIGBUS);
+    EXPECT_EQ(seen_by_earlier_handler.si_signo, SIGBUS);
+    ZynLogShutdown();
+    struct sigaction after {};
+    sigaction(SIGBUS, nullptr, &after);
+    EXPECT_EQ(after.sa_sigaction, earlier.sa_sigaction);
+}
+
+TEST(Sigbus, OfOthersEndsTheProcessAsEver) {
+    EXPECT_EXIT(
+        {
+            signal(SIGBUS, SIG_DFL);
+            ZynLogInitConfigOnly();
+            raise(SIGBUS);
+            raise(SIGBUS);
+        },
+        testing::KilledBySignal(SIGBUS), "");
+}
+
+}  // namespace
