@@ -13,6 +13,7 @@
 #include <csignal>
 #include <cstdarg>
 #include <cstdlib>
+#include <memory>
 
 namespace kestrel::testing {
 namespace {
@@ -21,6 +22,7 @@ constinit std::string_view failing;
 constinit int failing_error = 0;
 constinit std::atomic<int> countdown = 0;
 constinit std::atomic<bool> failed = false;
+constinit std::atomic<int> threads = 0;
 thread_local bool is_exempt = false;
 
 bool fails_now(std::string_view function) {
@@ -28,6 +30,22 @@ bool fails_now(std::string_view function) {
     failed = true;
     errno = failing_error;
     return true;
+}
+
+struct ThreadBody {
+    void* (*body)(void*);
+    void* argument;
+};
+
+// Counts the thread as ended however it ends: pthread_exit unwinds.
+struct CountedThread {
+    ~CountedThread() { --threads; }
+};
+
+void* run_counted(void* thread_body) {
+    const CountedThread counted;
+    const std::unique_ptr<ThreadBody> thread(static_cast<ThreadBody*>(thread_body));
+    return thread->body(thread->argument);
 }
 
 }  // namespace
@@ -41,6 +59,8 @@ void fail(std::string_view function, int nth, int error) {
 
 bool has_failed() { return failed; }
 
+int running_threads() { return threads; }
+
 NoFaults::NoFaults() { is_exempt = true; }
 NoFaults::~NoFaults() { is_exempt = false; }
 
@@ -48,6 +68,9 @@ NoFaults::~NoFaults() { is_exempt = false; }
 
 using kestrel::testing::failing_error;
 using kestrel::testing::fails_now;
+using kestrel::testing::run_counted;
+using kestrel::testing::ThreadBody;
+using kestrel::testing::threads;
 
 extern "C" {
 
@@ -74,9 +97,6 @@ FAULTY(int, -1, flock, (int fd, int operation), (fd, operation))
 FAULTY(int, -1, kill, (pid_t process, int number), (process, number))
 FAULTY(ssize_t, -1, readlink, (const char* path, char* target, size_t size), (path, target, size))
 FAULTY(void*, nullptr, malloc, (size_t size), (size))
-FAULTY(int, failing_error, pthread_create,
-       (pthread_t * thread, const pthread_attr_t* attributes, void* (*body)(void*), void* argument),
-       (thread, attributes, body, argument))
 // NOLINTEND
 
 #undef FAULTY
@@ -89,6 +109,22 @@ int __wrap_open(const char* path, int flags, ...) {
     const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
     va_end(rest);
     return __real_open(path, flags, mode);
+}
+
+int __real_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*body)(void*),
+                          void* argument);
+int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*body)(void*),
+                          void* argument) {
+    if (fails_now("pthread_create")) return failing_error;
+    auto counted = std::make_unique<ThreadBody>(ThreadBody{body, argument});
+    ++threads;
+    const int error = __real_pthread_create(thread, attributes, run_counted, counted.get());
+    if (error == 0) {
+        (void)counted.release();  // the thread's now
+    } else {
+        --threads;
+    }
+    return error;
 }
 
 // Nobody waits for the seconds between attempts to connect.

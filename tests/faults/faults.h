@@ -1,6 +1,6 @@
-// System calls that fail when they are told to. Each function that
-// CMakeLists.txt names is replaced, in all
-// code that is linked into the test program, by one that counts its calls and lets the n-th fail.
+// System calls that fail when they are told to. Each function that CMakeLists.txt names is
+// replaced, in all code that is linked into the test program, by one that counts its calls and
+// lets the n-th fail.
 #pragma once
 
 #include <string>
@@ -13,6 +13,10 @@ void fail(std::string_view function, int nth, int error);
 
 // Whether that call has come.
 bool has_failed();
+
+// Threads that the code under test has started and that have not ended. What they did before they
+// ended happened before this call.
+int running_threads();
 
 // For its lifetime the calling thread's calls neither count nor fail: they are the test's own.
 class NoFaults {

@@ -10,6 +10,7 @@
 #include <optional>
 #include <thread>
 
+#include "ipc/link.h"
 #include "ipc/send.h"
 #include "ipc/webkit_client.h"
 #include "tests/faults/faults.h"
@@ -33,10 +34,9 @@ int life_of_a_link() {
     }
     static std::array<webkit_client::InboundHandler, kInboundHandlerSlots> handlers{};
     handlers[1] = [](int*, std::string*) { ++dispatched; };
-    const std::size_t threads = thread_count();
     webkit_client::initComm(handlers.data(), strdup(path.c_str()));
     const bool is_connected = comes_true([&] {
-        return thread_count() == threads || (webkit_client::server_fd != -1 && [] {
+        return running_threads() == 0 || (load_server_fd() != -1 && [] {
                    const bool free = webkit_client::mu.try_lock();
                    if (free) webkit_client::mu.unlock();
                    return free;
@@ -46,10 +46,10 @@ int life_of_a_link() {
     send(6, {}, {});
     const std::string text(100'000, 'x');  // fits the socket's buffer
     std::thread([&] { send(5, {}, std::array<std::string_view, 1>{text}); }).join();
-    if (webkit_client::server_fd == -1) return 1;
+    if (load_server_fd() == -1) return 1;
     {
         const NoFaults on_the_other_side;
-        shutdown(webkit_client::server_fd, SHUT_WR);  // what has not come by now never will
+        shutdown(load_server_fd(), SHUT_WR);  // what has not come by now never will
         HostEnd connection = host->accept();
         all_arrived = connection.read_frame() == frame_bytes(61, {std::to_string(getpid())}, {}) &&
                       connection.read_frame() == frame_bytes(6, {}, {}) &&
@@ -57,7 +57,7 @@ int life_of_a_link() {
         connection.write(frame_bytes(1, {}, {"a"}) + frame_bytes(1, {}, {text}));
         connection.hang_up();
     }
-    comes_true([&] { return thread_count() == threads; });
+    comes_true([] { return running_threads() == 0; });
     webkit_client::deinitComm();
     return all_arrived && dispatched == 2 ? 0 : 1;
 }

@@ -13,9 +13,11 @@ const char* __ubsan_default_options() { return "halt_on_error=1"; }
 const char* __tsan_default_suppressions() {
     return
         // Locks of futexes and bits, which the thread sanitizer does not see.
+        "called_from_lib:libgdk_pixbuf-2.0.so\n"
         "called_from_lib:libgio-2.0.so\n"
         "called_from_lib:libglib-2.0.so\n"
         "called_from_lib:libgobject-2.0.so\n"
+        "called_from_lib:libsoup-2.4.so\n"
         // The collector's and the compiler's threads read what script writes, by design.
         "called_from_lib:libjavascriptcoregtk-4\n"
         // What a thread gives to the main loop is the main loop's from then on: handed over under
