@@ -6,7 +6,7 @@ extern "C" {
 // Tests take over standard error, where a report would not be seen; an error that cannot be shown
 // elsewhere at least ends the test.
 const char* __asan_default_options() { return "log_path=stdout:detect_stack_use_after_return=1"; }
-const char* __tsan_default_options() { return "log_path=stdout"; }
+const char* __tsan_default_options() { return "log_path=stdout:atexit_sleep_ms=50"; }
 const char* __ubsan_default_options() { return "halt_on_error=1"; }
 
 // None for our own code.

@@ -5,6 +5,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -69,6 +70,14 @@ bool ScriptedHost::read_client() {
 
 bool ScriptedHost::wait_for(int type, std::size_t count) {
     return run_main_loop_until([&] { return frames(type).size() >= count; });
+}
+
+bool ScriptedHost::wait_for_text(int type, const std::string& text) {
+    return run_main_loop_until([&] {
+        return std::ranges::any_of(frames_, [&](const ReceivedFrame& frame) {
+            return frame.type == type && frame.payload == text + '\0';
+        });
+    });
 }
 
 std::vector<ReceivedFrame> ScriptedHost::frames(int type) const {

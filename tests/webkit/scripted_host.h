@@ -29,6 +29,9 @@ class ScriptedHost {
     // Waits until `count` frames of `type` have come in all.
     bool wait_for(int type, std::size_t count = 1);
 
+    // Waits until a frame of `type` has come whose only item is `text`.
+    bool wait_for_text(int type, const std::string& text);
+
     // All frames of `type` so far.
     std::vector<ReceivedFrame> frames(int type) const;
     const std::vector<ReceivedFrame>& frames() const { return frames_; }

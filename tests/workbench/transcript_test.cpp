@@ -57,7 +57,7 @@ TEST(Transcript, KeepsACopyAsLinesOfJson) {
 TEST(Transcript, KeepsEveryMessageOfABurstAtItsEnd) {
     const TemporaryDirectory directory;
     const std::string path = directory.path() + "/lines.jsonl";
-    constexpr int kMessages = 100'000;
+    constexpr int kMessages = 10'000;
     const Frame message = build_frame(5, {}, std::array<std::string_view, 1>{"an action"});
     {
         std::ostream nowhere(nullptr);
