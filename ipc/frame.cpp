@@ -40,26 +40,6 @@ std::optional<std::string_view> next_item(std::span<const char> payload, std::si
 
 constexpr bool is_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
-template <typename AnyItems>
-bool take_apart(const webkit_message& frame, AnyItems& items) {
-    if (!counts_are_possible(frame)) return false;
-    items.ints.resize(static_cast<std::size_t>(frame.num_of_ints));
-    items.strings.resize(static_cast<std::size_t>(frame.num_of_strings));
-    const std::span<const char> payload = payload_of(frame);
-    std::size_t position = 0;
-    for (int& value : items.ints) {
-        const auto text = next_item(payload, position);
-        if (!text) return false;
-        value = parse_int(*text);
-    }
-    for (auto& value : items.strings) {
-        const auto text = next_item(payload, position);
-        if (!text) return false;
-        value = *text;
-    }
-    return true;
-}
-
 template <typename Text>
 Frame build_frame_of(std::int32_t type, std::span<const int> ints, std::span<const Text> strings) {
     PayloadLength length;
@@ -137,10 +117,23 @@ int parse_int(std::string_view text) {
     return static_cast<int>(value);
 }
 
-bool decode_items(const webkit_message& frame, Items& items) { return take_apart(frame, items); }
-
 bool decode_items(const webkit_message& frame, ItemViews& items) {
-    return take_apart(frame, items);
+    if (!counts_are_possible(frame)) return false;
+    items.ints.resize(static_cast<std::size_t>(frame.num_of_ints));
+    items.strings.resize(static_cast<std::size_t>(frame.num_of_strings));
+    const std::span<const char> payload = payload_of(frame);
+    std::size_t position = 0;
+    for (int& value : items.ints) {
+        const auto text = next_item(payload, position);
+        if (!text) return false;
+        value = parse_int(*text);
+    }
+    for (std::string_view& value : items.strings) {
+        const auto text = next_item(payload, position);
+        if (!text) return false;
+        value = *text;
+    }
+    return true;
 }
 
 }  // namespace kestrel

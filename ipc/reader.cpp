@@ -17,6 +17,7 @@
 
 #include "ipc/error_line.h"
 #include "ipc/frame.h"
+#include "ipc/incoming_message.h"
 #include "ipc/link.h"
 #include "ipc/wire_trace.h"
 #include "log/zynlog.h"
@@ -66,7 +67,8 @@ bool read_header(webkit_message& header) {
     return false;
 }
 
-bool read_payload(std::span<char> payload) {
+// What has come of the payload is taken apart while the host writes the rest.
+bool read_payload(std::span<char> payload, kestrel::IncomingMessage& message) {
     while (!payload.empty()) {
         const ssize_t result =
             read_uninterrupted(kestrel::load_server_fd(), payload.data(), payload.size());
@@ -84,7 +86,9 @@ bool read_payload(std::span<char> payload) {
                        "Error in reading in webkit_client, exiting thread %s", reason.c_str());
             return false;
         }
-        payload = payload.subspan(static_cast<std::size_t>(result));
+        const auto length = static_cast<std::size_t>(result);
+        message.take(payload.first(length));
+        payload = payload.subspan(length);
     }
     return true;
 }
@@ -123,17 +127,18 @@ bool receive_one(FrameBuffer& buffer) {
         return false;
     }
     const auto length = static_cast<std::size_t>(header.total_len_of_string);
-    webkit_message* message = buffer.with_room_for(length);
-    if (message == nullptr) {
+    webkit_message* const frame = buffer.with_room_for(length);
+    if (frame == nullptr) {
         error_line("webkit_client::recvMessage could not malloc, failing\n");
         __ZynTrace(kestrel::kLogWebkit, kestrel::kError, "", "", 0,
                    "could not malloc %d, too less memory?", kestrel::kMaxInboundPayload);
         return false;
     }
-    *message = header;
-    if (!read_payload({kestrel::payload_begin(*message), length})) return false;
-    kestrel::trace_frame(kestrel::Direction::to_page, *message);
-    webkit_client::processMessage(message);
+    *frame = header;
+    kestrel::IncomingMessage message(header);
+    if (!read_payload({kestrel::payload_begin(*frame), length}, message)) return false;
+    kestrel::trace_frame(kestrel::Direction::to_page, *frame);
+    message.dispatch();
     return true;
 }
 
@@ -150,37 +155,6 @@ void receive_until_end() {
     }
 }
 
-// The strings that messages are decoded into, kept from one to the next together with their memory
-// unless that has grown large; fresh ones while the kept ones are in use. Never destroyed: the
-// reader outlives static destruction.
-class KeptItems {
-  public:
-    KeptItems() : items_(spare_.exchange(nullptr)) {
-        if (!items_) items_.reset(new (std::nothrow) kestrel::Items);
-    }
-    ~KeptItems() {
-        if (!items_) return;
-        std::size_t memory = 0;
-        for (const std::string& text : items_->strings) memory += text.capacity();
-        if (memory <= kMostMemory) delete spare_.exchange(items_.release());
-    }
-    KeptItems(const KeptItems&) = delete;
-    KeptItems& operator=(const KeptItems&) = delete;
-
-    // Null when memory is out.
-    kestrel::Items* get() const { return items_.get(); }
-
-  private:
-    static constexpr std::size_t kMostMemory = 8UL * 1024 * 1024;
-    static constinit inline std::atomic<kestrel::Items*> spare_ = nullptr;
-    std::unique_ptr<kestrel::Items> items_;
-};
-
-void report_dropped(std::int32_t type, const char* reason) {
-    __ZynTrace(kestrel::kLogWebkit, kestrel::kError, "", "", 0,
-               "Dropped a message of type %d: %s\n", type, reason);
-}
-
 }  // namespace
 
 bool kestrel::on_reader_thread() { return is_reader_thread; }
@@ -191,24 +165,7 @@ void webkit_client::recvMessage() {
 }
 
 void webkit_client::processMessage(webkit_message*& message) {
-    const std::int32_t type = message->msg_type;
-    if (type < 0 || type >= static_cast<std::int32_t>(kestrel::kInboundHandlerSlots) ||
-        func_array == nullptr || func_array[type] == nullptr) {
-        report_dropped(type, "no handler");
-        return;
-    }
-    const KeptItems kept;
-    kestrel::Items* const items = kept.get();
-    try {
-        if (items == nullptr) throw std::bad_alloc();
-        if (!kestrel::decode_items(*message, *items)) {
-            report_dropped(type, "its items do not fit its header");
-            return;
-        }
-        items->strings.resize(std::max(items->strings.size() + 1, kestrel::kMinHandlerStrings));
-    } catch (const std::bad_alloc&) {
-        report_dropped(type, "out of memory");
-        return;
-    }
-    func_array[type](items->ints.data(), items->strings.data());
+    kestrel::IncomingMessage incoming(*message);
+    incoming.take(kestrel::payload_of(*message));
+    incoming.dispatch();
 }

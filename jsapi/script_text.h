@@ -15,9 +15,8 @@ struct ScriptStringDeleter {
 // A script string of ours.
 using ScriptString = std::unique_ptr<std::remove_pointer_t<JSStringRef>, ScriptStringDeleter>;
 
-inline ScriptString make_script_string(const char* utf8) {
-    return ScriptString(JSStringCreateWithUTF8CString(utf8));
-}
+// Of a text that ends with its NUL.
+ScriptString make_script_string(const char* utf8);
 
 // The text of `value` as script would show it; null, after an error line, if that throws. May run
 // script of the page's.
