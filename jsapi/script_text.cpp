@@ -1,6 +1,7 @@
 #include "jsapi/script_text.h"
 
 #include <cstring>
+#include <new>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -31,8 +32,8 @@ std::span<const char16_t> units_of(JSStringRef text) {
 constexpr std::size_t kWorthWidening = 128;
 
 ScriptString string_of_ascii(std::string_view text) {
-    const std::unique_ptr<char16_t[]> units(new char16_t[text.size()]);
-    if (!widen_ascii(text, units.get())) return nullptr;
+    const std::unique_ptr<char16_t[]> units(new (std::nothrow) char16_t[text.size()]);
+    if (!units || !widen_ascii(text, units.get())) return nullptr;
     return ScriptString(
         JSStringCreateWithCharacters(reinterpret_cast<const JSChar*>(units.get()), text.size()));
 }
