@@ -92,8 +92,11 @@ void unmap_shared_config() {
     void* const zeros = mmap(nullptr, sizeof(SharedLogConfig), PROT_READ | PROT_WRITE,
                              MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (zeros == MAP_FAILED) return;
-    mremap(zeros, sizeof(SharedLogConfig), sizeof(SharedLogConfig), MREMAP_MAYMOVE | MREMAP_FIXED,
-           shared);
+    if (mremap(zeros, sizeof(SharedLogConfig), sizeof(SharedLogConfig),
+               MREMAP_MAYMOVE | MREMAP_FIXED, shared) == MAP_FAILED) {
+        munmap(zeros, sizeof(SharedLogConfig));  // the file stays mapped, and guarded
+        return;
+    }
     lift_sigbus_guard();
 }
 

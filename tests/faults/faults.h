@@ -11,8 +11,14 @@ namespace kestrel::testing {
 // From now on the `nth` call of `function`, counted from 1, fails with `error` and does nothing.
 void fail(std::string_view function, int nth, int error);
 
-// Whether that call has come.
+// The first call of `function` fails with `error`, too: for what is called only after a failure.
+void fail_before(std::string_view function, int error);
+
+// Whether the call that `fail` names has come.
 bool has_failed();
+
+// The one entry of the password database from now on. The texts are kept.
+void set_password_entry(std::string name, std::string home);
 
 // Threads that the code under test has started and that have not ended. What they did before they
 // ended happened before this call.

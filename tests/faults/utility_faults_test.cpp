@@ -1,9 +1,13 @@
 // The utilities that touch the system, with each system call failing once.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
+#include <string>
 
 #include "common/LinuxCommonUtils.h"
+#include "tests/faults/faults.h"
 #include "tests/faults/scenario.h"
 
 namespace kestrel::testing {
@@ -23,6 +27,19 @@ int use_the_rest() {
     LinuxCommonUtils::GetTarnUserAgent();
     return LinuxCommonUtils::getUserTmpDir().starts_with('/') ? 0 : 1;
 }
+
+// Neither HOME nor USER is set.
+int ask_for_name_and_home() {
+    unsetenv("HOME");
+    unsetenv("USER");
+    set_password_entry("ann", "/home/ann");
+    const std::string home = LinuxCommonUtils::getHomeDir();
+    const std::string name = LinuxCommonUtils::getUserName();
+    if (home == "/home/ann" && name == "ann") return 0;
+    return home + name == "ann" || home + name == "/home/ann" ? 1 : 2;
+}
+
+int drop_capabilities() { return LinuxCommonUtils::drop_capability() == 0 ? 0 : 1; }
 
 TEST(UtilityFaults, OfTheLockCountAsAnotherInstanceWithAdvice) {
     for_each_fault({{"open", {EACCES, EMFILE, ENFILE, EROFS, ELOOP, ENOSPC, EIO, EINTR}},
@@ -50,6 +67,39 @@ TEST(UtilityFaults, OfLookingAtALockEndInOneOfItsThreeWays) {
                    });
 }
 
+TEST(UtilityFaults, OfGivingTheLockBackDoNotMatter) {
+    for_each_fault({{"close", {EIO, EINTR, ENOSPC, EDQUOT}}}, use_the_lock,
+                   [](const Fault& fault, const Outcome& outcome) {
+                       EXPECT_EQ(outcome.status, 0) << fault;
+                       EXPECT_EQ(outcome.errors, "") << fault;
+                   });
+}
+
+TEST(UtilityFaults, OfThePasswordDatabaseGiveAnEmptyText) {
+    EXPECT_EQ(run_with({"", 0, 0}, ask_for_name_and_home).status, 0);
+    for_each_fault({{"getpwuid_r", {EINTR, EIO, EMFILE, ENFILE, ENOMEM, ENOENT}}},
+                   ask_for_name_and_home, [](const Fault& fault, const Outcome& outcome) {
+                       EXPECT_EQ(outcome.status, 1) << fault;
+                       EXPECT_EQ(outcome.errors, "") << fault;
+                   });
+    for_each_fault(
+        {{"getpwuid_r", {ERANGE}}}, ask_for_name_and_home,
+        [](const Fault& fault, const Outcome& outcome) { EXPECT_EQ(outcome.status, 0) << fault; });
+}
+
+// The second name of the library is not there: the first one's fault ends the search.
+TEST(UtilityFaults, OfLoadingTheCapabilityLibraryAreToldAndChangeNothing) {
+    if (geteuid() != 0) GTEST_SKIP() << "there are no capabilities to drop";
+    for_each_fault({{"dlopen", {ENOENT, EACCES, EMFILE, ENOMEM}}}, drop_capabilities,
+                   [](const Fault& fault, const Outcome& outcome) {
+                       EXPECT_EQ(outcome.status, 1) << fault;
+                       EXPECT_EQ(outcome.errors,
+                                 "Unable to set the capability as libcap library is not found\n"
+                                 "Unable to get the capability reduction lib\n")
+                           << fault;
+                   });
+}
+
 TEST(UtilityFaults, OfTheScratchDirectoryUseAnother) {
     for_each_fault({{"mkdir", {EACCES, ENOSPC, EROFS, EMLINK, ENAMETOOLONG, EDQUOT}}}, use_the_rest,
                    [](const Fault& fault, const Outcome& outcome) {
@@ -60,9 +110,13 @@ TEST(UtilityFaults, OfTheScratchDirectoryUseAnother) {
 }
 
 TEST(UtilityFaults, OfLookingAroundGiveLess) {
-    for_each_fault(
-        {{"readlink", {EACCES, ENOENT, EIO}}, {"stat", {EACCES, ELOOP, ENOTDIR}}}, use_the_rest,
-        [](const Fault& fault, const Outcome& outcome) { EXPECT_EQ(outcome.status, 0) << fault; });
+    for_each_fault({{"readlink", {EACCES, ENOENT, EIO}},
+                    {"stat", {EACCES, ELOOP, ENOTDIR}},
+                    {"uname", {EFAULT}},
+                    {"calloc", {ENOMEM}}},
+                   use_the_rest, [](const Fault& fault, const Outcome& outcome) {
+                       EXPECT_EQ(outcome.status, 0) << fault;
+                   });
 }
 
 }  // namespace
