@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -17,8 +18,23 @@ namespace {
 
 enum class LockState { kFailed, kStale, kRunning, kOwned };
 
-// Another user may have put a link there when the scratch directory is a shared one.
-constexpr int kSafely = O_CLOEXEC | O_NOFOLLOW;
+// Another user may have put a link there when the scratch directory is a shared one, or a FIFO,
+// which opening would wait for.
+constexpr int kSafely = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+
+// A file that has a second name may be any file of this user. Reading a directory fails by itself.
+bool may_be_a_lock(int fd) {
+    struct stat status {};
+    if (fstat(fd, &status) == -1) return false;
+    return S_ISDIR(status.st_mode) || (S_ISREG(status.st_mode) && status.st_nlink <= 1);
+}
+
+// Below /tmp, anyone may have made a link in the place of the scratch directory.
+bool is_link_of_another_user(const std::string& path) {
+    struct stat status {};
+    return lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode) && status.st_uid != 0 &&
+           status.st_uid != geteuid();
+}
 
 LockState failure(const std::string& what) {
     std::fputs((what + std::strerror(errno) + "\n").c_str(), stderr);
@@ -54,6 +70,7 @@ std::string command_line(const std::string& process) {
 LockState read_lock(const std::string& path) {
     const kestrel::utilities::FileDescriptor file(open(path.c_str(), O_RDONLY | kSafely));
     if (!file.is_open()) return errno == ENOENT ? LockState::kStale : LockState::kFailed;
+    if (!may_be_a_lock(file.get())) return LockState::kFailed;
     const FileLock lock(file.get());
     if (!lock.is_held()) return failure("locking error: ");
 
@@ -70,6 +87,7 @@ LockState take_lock(const std::string& path) {
     const kestrel::utilities::FileDescriptor file(
         open(path.c_str(), O_RDWR | O_CREAT | kSafely, 0700));
     if (!file.is_open()) return failure("error opening write : ");
+    if (!may_be_a_lock(file.get())) return LockState::kFailed;
     const FileLock lock(file.get());
     if (!lock.is_held()) return failure("locking error: ");
 
@@ -83,9 +101,11 @@ LockState take_lock(const std::string& path) {
 // The name comes by value because the exported signature says so.
 bool LinuxCommonUtils::IsAnotherInstanceRunning(std::string name) {  // NOLINT
     const std::string program = name.substr(0, name.find('\0'));     // as every path
-    const std::string path = getUserTmpDir() + "/." + program + ".lock";
+    const std::string scratch = getUserTmpDir();
+    const std::string path = scratch + "/." + program + ".lock";
 
-    const bool stays_inside = program.find('/') == std::string::npos;
+    const bool stays_inside =
+        program.find('/') == std::string::npos && !is_link_of_another_user(scratch);
     LockState state = stays_inside ? read_lock(path) : LockState::kFailed;
     if (state == LockState::kStale) state = take_lock(path);
     if (state == LockState::kFailed) {

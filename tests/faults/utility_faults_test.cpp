@@ -43,6 +43,7 @@ int drop_capabilities() { return LinuxCommonUtils::drop_capability() == 0 ? 0 : 
 
 TEST(UtilityFaults, OfTheLockCountAsAnotherInstanceWithAdvice) {
     for_each_fault({{"open", {EACCES, EMFILE, ENFILE, EROFS, ELOOP, ENOSPC, EIO, EINTR}},
+                    {"fstat", {EIO, ENOMEM, EOVERFLOW}},
                     {"write", {ENOSPC, EIO, EDQUOT, EFBIG}}},
                    use_the_lock, [](const Fault& fault, const Outcome& outcome) {
                        EXPECT_EQ(outcome.status, 1) << fault;
@@ -67,9 +68,9 @@ TEST(UtilityFaults, OfLookingAtALockEndInOneOfItsThreeWays) {
                    });
 }
 
-TEST(UtilityFaults, OfGivingTheLockBackDoNotMatter) {
-    for_each_fault({{"close", {EIO, EINTR, ENOSPC, EDQUOT}}}, use_the_lock,
-                   [](const Fault& fault, const Outcome& outcome) {
+TEST(UtilityFaults, OfLookingBeforeAndClosingAfterDoNotMatter) {
+    for_each_fault({{"close", {EIO, EINTR, ENOSPC, EDQUOT}}, {"lstat", {EIO, ENOMEM}}},
+                   use_the_lock, [](const Fault& fault, const Outcome& outcome) {
                        EXPECT_EQ(outcome.status, 0) << fault;
                        EXPECT_EQ(outcome.errors, "") << fault;
                    });

@@ -1,0 +1,137 @@
+// A lock that cannot be read or taken, and names that would lead elsewhere.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/resource.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <iostream>
+#include <iterator>
+
+#include "common/LinuxCommonUtils.h"
+#include "common/file_descriptor.h"
+#include "tests/utilities/child_process.h"
+#include "tests/utilities/lock_fixture.h"
+
+namespace kestrel::testing {
+namespace {
+
+namespace fs = std::filesystem;
+using utilities::FileDescriptor;
+
+class LockFailure : public LockTest {};
+
+TEST_F(LockFailure, UnreadableFileIsAFailure) {
+    write_lock(lock_bytes(-1));
+    fs::permissions(lock_, fs::perms{0});
+    EXPECT_EQ(as_ordinary_user([] { print_lock_state("catalook"); }),
+              (Output{"running", advice()}));
+}
+
+TEST_F(LockFailure, FileThatCannotBeMadeIsAFailure) {
+    fs::permissions(scratch_, fs::perms{0555});
+    EXPECT_EQ(as_ordinary_user([] { print_lock_state("catalook"); }),
+              (Output{"running", "error opening write : Permission denied\n" + advice()}));
+}
+
+TEST_F(LockFailure, StaleFileThatMayNotBeWrittenIsAFailure) {
+    write_lock(lock_bytes(-1));
+    fs::permissions(lock_, fs::perms{0444});
+    EXPECT_EQ(as_ordinary_user([] { print_lock_state("catalook"); }),
+              (Output{"running", "error opening write : Permission denied\n" + advice()}));
+    EXPECT_EQ(file_content(lock_), lock_bytes(-1));
+}
+
+TEST_F(LockFailure, DirectoryInItsPlaceIsAFailure) {
+    fs::create_directory(lock_);
+    EXPECT_EQ(in_child([] { print_lock_state("catalook"); }),
+              (Output{"running", "reading error for lock file: Is a directory\n" + advice()}));
+}
+
+TEST_F(LockFailure, FileThatMayNotGrowIsAFailure) {
+    const Output output = in_child([] {
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit nothing{0, 0};
+        setrlimit(RLIMIT_FSIZE, &nothing);
+        print_lock_state("catalook");
+    });
+    EXPECT_EQ(output, (Output{"running", "unable to write in file :File too large\n" + advice()}));
+    EXPECT_EQ(file_content(lock_), "");
+}
+
+TEST_F(LockFailure, InterruptedWaitIsAFailure) {
+    write_lock(lock_bytes(-1));
+    const FileDescriptor file(open(lock_.c_str(), O_WRONLY | O_CLOEXEC));
+    ASSERT_EQ(__real_flock(file.get(), LOCK_EX), 0);
+    const Output output = in_child([] {
+        struct sigaction action {};
+        action.sa_handler = [](int) {};
+        sigaction(SIGALRM, &action, nullptr);
+        // Again and again, as the first may come before the wait.
+        const itimerval soon{{0, 10'000}, {0, 10'000}};
+        setitimer(ITIMER_REAL, &soon, nullptr);
+        print_lock_state("catalook");
+    });
+    EXPECT_EQ(output, (Output{"running", "locking error: Interrupted system call\n" + advice()}));
+    EXPECT_EQ(file_content(lock_), lock_bytes(-1));
+}
+
+TEST_F(LockFailure, LockThatFailsBeforeWritingIsAFailure) {
+    EXPECT_EQ(in_child([] {
+                  on_flock = [](int, int) { return ENOLCK; };
+                  print_lock_state("catalook");
+              }),
+              (Output{"running", "locking error: No locks available\n" + advice()}));
+    EXPECT_EQ(file_content(lock_), "");
+}
+
+TEST_F(LockFailure, LockThatFailsLeavesNoFileOpen) {
+    const Output output = in_child([] {
+        on_flock = [](int, int) { return ENOLCK; };
+        if (std::freopen("/dev/null", "w", stderr) == nullptr) return;
+        const auto open_files = [] {
+            return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
+        };
+        const auto before = open_files();
+        for (int i = 0; i < 300; ++i) LinuxCommonUtils::IsAnotherInstanceRunning("catalook");
+        std::cout << open_files() - before;
+    });
+    EXPECT_EQ(output.out, "0");
+}
+
+TEST_F(LockFailure, SlashInTheNameIsAFailureAndTouchesNothing) {
+    fs::create_directory(scratch_ + "/.");
+    for (const std::string name : {"a/b", "/", "/../../outside", "catalook/"}) {
+        EXPECT_EQ(in_child([&] { print_lock_state(name); }), (Output{"running", advice(name)}));
+    }
+    EXPECT_TRUE(fs::is_empty(scratch_));
+    EXPECT_FALSE(fs::exists(home_.path() + "/outside.lock"));
+}
+
+TEST_F(LockFailure, NameEndsAtItsFirstNul) {
+    using namespace std::string_literals;
+    EXPECT_FALSE(LinuxCommonUtils::IsAnotherInstanceRunning("catalook\0/../x"s));
+    EXPECT_EQ(file_content(lock_), lock_bytes(getpid()));
+    EXPECT_FALSE(LinuxCommonUtils::IsAnotherInstanceRunning(".\0"s));
+    EXPECT_TRUE(fs::exists(scratch_ + "/...lock"));
+}
+
+TEST_F(LockFailure, AnyOtherNameStaysInTheScratchDirectory) {
+    for (const std::string name : {"", ".", "..", "ein Name", "Schlüssel", "new\nline"}) {
+        EXPECT_FALSE(LinuxCommonUtils::IsAnotherInstanceRunning(name));
+        EXPECT_EQ(file_content(scratch_ + "/." + name + ".lock"), lock_bytes(getpid()));
+    }
+}
+
+TEST_F(LockFailure, NameTooLongForAFileIsAFailure) {
+    const std::string name(256, 'n');
+    EXPECT_EQ(in_child([&] { print_lock_state(name); }), (Output{"running", advice(name)}));
+}
+
+}  // namespace
+}  // namespace kestrel::testing

@@ -1,0 +1,48 @@
+// A home with an empty scratch directory, in which programs lock each other out; and the lock's
+// system calls, which tests may watch and let fail.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <sys/types.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <string>
+
+#include "tests/support/temporary_directory.h"
+#include "tests/utilities/scoped_variable.h"
+
+extern "C" int __real_flock(int fd, int operation);
+
+namespace kestrel::testing {
+
+// Seen before each kill and flock of the code under test; a result other than 0 is an error number
+// that the call fails with.
+extern std::function<void(pid_t)> on_kill;
+extern std::function<int(int fd, int operation)> on_flock;
+
+// A process id as it lies in a lock.
+std::string lock_bytes(std::int32_t id);
+
+std::string file_content(const std::string& path);
+
+// Takes the lock and prints "owner", or "running".
+void print_lock_state(const std::string& name);
+
+class LockTest : public ::testing::Test {
+  protected:
+    TemporaryDirectory home_;
+    ScopedVariable home_variable_{"HOME", home_.path()};
+    std::string scratch_ = home_.path() + "/.QUOClient/.tmp";
+    std::string lock_ = scratch_ + "/.catalook.lock";
+
+    void SetUp() override;
+    void TearDown() override;
+
+    void write_lock(const std::string& bytes) const;
+
+    std::string advice(const std::string& name = "catalook") const;
+};
+
+}  // namespace kestrel::testing

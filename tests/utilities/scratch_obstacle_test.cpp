@@ -1,0 +1,147 @@
+// What may lie in the place of the scratch directory. It is asked for and used as it is, or left
+// for another; nothing that is there changes.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iostream>
+#include <set>
+#include <sstream>
+#include <string>
+
+#include "common/LinuxCommonUtils.h"
+#include "tests/support/temporary_directory.h"
+#include "tests/utilities/child_process.h"
+#include "tests/utilities/lock_fixture.h"
+#include "tests/utilities/scoped_variable.h"
+
+namespace kestrel::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Kind, mode, owner, size, times and content: what would show that somebody has touched it.
+std::string look_at(const fs::path& path) {
+    struct stat status {};
+    if (lstat(path.c_str(), &status) == -1) return "nothing";
+    std::ostringstream text;
+    text << path << ' ' << status.st_mode << ' ' << status.st_uid << ' ' << status.st_ino << ' '
+         << status.st_size << ' ' << status.st_mtim.tv_sec << '.' << status.st_mtim.tv_nsec << ' '
+         << status.st_ctim.tv_sec << '.' << status.st_ctim.tv_nsec;
+    if (S_ISREG(status.st_mode)) text << ' ' << file_content(path);
+    if (S_ISLNK(status.st_mode)) text << ' ' << fs::read_symlink(path);
+    return text.str();
+}
+
+struct Obstacle {
+    const char* name;
+    // Puts it at `path`; what it points to, if anything, is `beside`, which is not there yet.
+    std::function<void(const fs::path& path, const fs::path& beside)> put;
+    // Why a directory cannot be made below it; null when it can.
+    const char* trouble_below;
+};
+
+void write_beside(const fs::path& path) { std::ofstream(path) << "precious"; }
+
+const Obstacle kObstacles[] = {
+    {"File", [](const auto& path, const auto&) { write_beside(path); }, "Not a directory"},
+    {"Fifo", [](const auto& path, const auto&) { mkfifo(path.c_str(), 0600); }, "Not a directory"},
+    {"LinkToAFile",
+     [](const auto& path, const auto& beside) {
+         write_beside(beside);
+         fs::create_symlink(beside, path);
+     },
+     "Not a directory"},
+    {"DanglingLink", [](const auto& path, const auto& beside) { fs::create_symlink(beside, path); },
+     "No such file or directory"},
+    {"LinkToItself", [](const auto& path, const auto&) { fs::create_symlink(path, path); },
+     "Too many levels of symbolic links"},
+    {"LinkToADirectory",
+     [](const auto& path, const auto& beside) {
+         fs::create_directory(beside);
+         fs::create_symlink(beside, path);
+     },
+     nullptr},
+    {"DirectoryForAll",
+     [](const auto& path, const auto&) {
+         fs::create_directory(path);
+         fs::permissions(path, fs::perms{0777});
+     },
+     nullptr},
+    {"DirectoryForNobody",
+     [](const auto& path, const auto&) {
+         fs::create_directory(path);
+         fs::permissions(path, fs::perms{0});
+     },
+     "Permission denied"},
+    {"DirectoryOfAnotherUser",
+     [](const auto& path, const auto&) {
+         fs::create_directory(path);
+         if (is_root()) {
+             EXPECT_EQ(chown(path.c_str(), 12'345, 12'345), 0);
+         }
+         fs::permissions(path, fs::perms{0555});
+     },
+     "Permission denied"},
+};
+
+class ScratchObstacle : public ::testing::TestWithParam<Obstacle> {
+  protected:
+    // A name that nobody has: its directory below /tmp is the test's own.
+    std::string user_ = "kestrel-test-user-" + std::to_string(getpid());
+    std::string fallback_ = "/tmp/" + user_;
+    TemporaryDirectory home_;
+    std::string client_ = home_.path() + "/.QUOClient";
+    std::string beside_ = home_.path() + "/beside";
+    ScopedVariable home_variable_{"HOME", home_.path()};
+    ScopedVariable user_variable_{"USER", user_};
+
+    void SetUp() override { fs::permissions(home_.path(), fs::perms{0777}); }
+    void TearDown() override { fs::remove_all(fallback_); }
+
+    // Its answer, and what it says; nothing at `path` or beside may change.
+    Output ask_beside(const std::string& path) {
+        GetParam().put(path, beside_);
+        const std::string before = look_at(path) + look_at(beside_);
+        Output output = as_ordinary_user([] { std::cout << LinuxCommonUtils::getUserTmpDir(); });
+        EXPECT_EQ(look_at(path) + look_at(beside_), before);
+        chmod(path.c_str(), 0700);  // or it could not be removed
+        return output;
+    }
+};
+
+TEST_P(ScratchObstacle, IsTakenForTheDirectoryInTheHome) {
+    fs::create_directory(client_);
+    fs::permissions(client_, fs::perms{0777});
+    EXPECT_EQ(ask_beside(client_ + "/.tmp"), (Output{client_ + "/.tmp", ""}));
+}
+
+TEST_P(ScratchObstacle, IsTakenForTheUsersDirectoryBelowTmp) {
+    const ScopedVariable home("HOME", home_.path() + "/missing");
+    EXPECT_EQ(ask_beside(fallback_).out, fallback_);
+}
+
+// A directory in it can be made or cannot.
+TEST_P(ScratchObstacle, InThePlaceOfTheClientDirectoryLeadsToAnotherUnlessItIsADirectory) {
+    if (GetParam().trouble_below == nullptr) {
+        GetParam().put(client_, beside_);
+        fs::permissions(client_, fs::perms{0777});  // follows a link
+        EXPECT_EQ(as_ordinary_user([] { std::cout << LinuxCommonUtils::getUserTmpDir(); }),
+                  (Output{client_ + "/.tmp", ""}));
+        EXPECT_EQ(fs::status(client_).permissions(), fs::perms{0777});
+        return;
+    }
+    EXPECT_EQ(ask_beside(client_),
+              (Output{fallback_,
+                      "Failed to create quoHome/.tmp directory inside user home directory." +
+                          std::string(GetParam().trouble_below) + ".Using /tmp directory.\n"}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Every, ScratchObstacle, ::testing::ValuesIn(kObstacles),
+                         [](const auto& test) { return test.param.name; });
+
+}  // namespace
+}  // namespace kestrel::testing
