@@ -11,6 +11,7 @@
 #include <fstream>
 #include <functional>
 #include <optional>
+#include <ostream>
 #include <sstream>
 #include <string>
 
@@ -56,6 +57,10 @@ struct Obstacle {
     const char* name;
     // Puts it at `path`; what it points to, if anything, is `beside`, which is not there yet.
     std::function<void(const fs::path& path, const fs::path& beside)> put;
+
+    friend std::ostream& operator<<(std::ostream& stream, const Obstacle& obstacle) {
+        return stream << obstacle.name;
+    }
 };
 
 const Obstacle kObstacles[] = {

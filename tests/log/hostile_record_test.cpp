@@ -1,8 +1,7 @@
-// What other processes may do to the settings' file, and its disk.
+// What other processes may do to the settings' file.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -97,19 +96,6 @@ TEST(NeighboursRecord, MayBeAnythingButAFile) {
     ZynLogShutdown();
     std::filesystem::create_directory(record_path());
     EXPECT_EQ(ZynLogInitConfigOnly(), 0);
-}
-
-// What is written to the record has no place on the disk.
-TEST(ConfigRecord, MayLieOnAFullDisk) {
-    const std::string disk = client_directory();
-    if (mount("none", disk.c_str(), "tmpfs", 0, "size=64k") != 0) GTEST_SKIP() << "no private disk";
-    std::filesystem::create_directory(disk + "/logs");
-    write_file(record_path(), "");
-    write_file(disk + "/ballast", std::string(1'000'000, 'x'));
-    ZynLogInitConfigOnly();
-    EXPECT_EQ(ZynLogGetWorkingLevel(kLogWebkit), 4U);
-    EXPECT_EQ(ZynLogSetSessionMax(10), 1);
-    EXPECT_EQ(ZynLogGetSessionMax(), 10U);
 }
 
 siginfo_t seen_by_earlier_handler;

@@ -8,7 +8,6 @@
 #include <fstream>
 #include <functional>
 #include <iostream>
-#include <set>
 #include <sstream>
 #include <string>
 
@@ -42,6 +41,12 @@ struct Obstacle {
     std::function<void(const fs::path& path, const fs::path& beside)> put;
     // Why a directory cannot be made below it; null when it can.
     const char* trouble_below;
+    // Put there by another user than the one who asks, if the test may be two.
+    bool is_of_another_user = false;
+
+    friend std::ostream& operator<<(std::ostream& stream, const Obstacle& obstacle) {
+        return stream << obstacle.name;
+    }
 };
 
 void write_beside(const fs::path& path) { std::ofstream(path) << "precious"; }
@@ -80,12 +85,9 @@ const Obstacle kObstacles[] = {
     {"DirectoryOfAnotherUser",
      [](const auto& path, const auto&) {
          fs::create_directory(path);
-         if (is_root()) {
-             EXPECT_EQ(chown(path.c_str(), 12'345, 12'345), 0);
-         }
          fs::permissions(path, fs::perms{0555});
      },
-     "Permission denied"},
+     "Permission denied", true},
 };
 
 class ScratchObstacle : public ::testing::TestWithParam<Obstacle> {
@@ -102,9 +104,14 @@ class ScratchObstacle : public ::testing::TestWithParam<Obstacle> {
     void SetUp() override { fs::permissions(home_.path(), fs::perms{0777}); }
     void TearDown() override { fs::remove_all(fallback_); }
 
+    void put(const std::string& path) const {
+        const auto as_somebody = GetParam().is_of_another_user ? in_child : as_ordinary_user;
+        as_somebody([&] { GetParam().put(path, beside_); });
+    }
+
     // Its answer, and what it says; nothing at `path` or beside may change.
     Output ask_beside(const std::string& path) {
-        GetParam().put(path, beside_);
+        put(path);
         const std::string before = look_at(path) + look_at(beside_);
         Output output = as_ordinary_user([] { std::cout << LinuxCommonUtils::getUserTmpDir(); });
         EXPECT_EQ(look_at(path) + look_at(beside_), before);
@@ -127,7 +134,7 @@ TEST_P(ScratchObstacle, IsTakenForTheUsersDirectoryBelowTmp) {
 // A directory in it can be made or cannot.
 TEST_P(ScratchObstacle, InThePlaceOfTheClientDirectoryLeadsToAnotherUnlessItIsADirectory) {
     if (GetParam().trouble_below == nullptr) {
-        GetParam().put(client_, beside_);
+        put(client_);
         fs::permissions(client_, fs::perms{0777});  // follows a link
         EXPECT_EQ(as_ordinary_user([] { std::cout << LinuxCommonUtils::getUserTmpDir(); }),
                   (Output{client_ + "/.tmp", ""}));

@@ -1,0 +1,160 @@
+// A home that cannot be written to, or has no room: real file systems, which only the test's
+// process sees.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/mount.h>
+
+#include <filesystem>
+#include <string>
+
+#include "log/zynlog.h"
+#include "log/zynlog_config.h"
+#include "log/zynlog_paths.h"
+#include "tests/log/bytes.h"
+#include "tests/log/fake_daemon.h"
+#include "tests/log/machine.h"
+#include "tests/log/syslog_recorder.h"
+
+namespace kestrel::testing {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::Contains;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+
+class HomeOnADisk : public ::testing::Test {
+  protected:
+    std::string client_ = home() + "/.QUOClient";
+    std::string record_ = client_ + "/.zynlogconf";
+
+    void SetUp() override {
+        if (!has_private_machine()) GTEST_SKIP() << "needs a mount namespace of its own";
+    }
+    // Or the directory below it could not be removed.
+    void TearDown() override { umount2(home().c_str(), MNT_DETACH); }
+
+    static void mount_home(const char* options) {
+        ASSERT_EQ(mount("none", home().c_str(), "tmpfs", 0, options), 0);
+    }
+
+    static void make_read_only(bool is_read_only) {
+        const unsigned long flags = is_read_only ? MS_REMOUNT | MS_RDONLY : MS_REMOUNT;
+        ASSERT_EQ(mount("none", home().c_str(), "tmpfs", flags, nullptr), 0);
+    }
+
+    // The settings are those of a process without any: nothing can be set, and of all lines those
+    // that are always on pass.
+    static void expect_no_settings() {
+        EXPECT_EQ(ZynLogSetCurrentLevel(kLogWebkit, kVerbose), 0);
+        EXPECT_EQ(ZynLogGetOutputPath(), nullptr);
+        __ZynTrace(kLogWebkit, kFatal, "", "", 0, "%s", "fatal");
+        __ZynTrace(kLogWebkit, kAlwaysOn, "", "", 0, "%s", "always");
+    }
+};
+
+using ReadOnlyHome = HomeOnADisk;
+using FullHome = HomeOnADisk;
+
+TEST_F(ReadOnlyHome, WithoutDirectoriesHasNoFilesAndALogAllTheSame) {
+    mount_home("");
+    make_read_only(true);
+    EXPECT_EQ(ZynLogInit(), 1);
+    EXPECT_STREQ(GetConfigFilePath(), "");
+    EXPECT_STREQ(GetLogFilePath(), "");
+    EXPECT_STREQ(GetSocketFilePath(), "");
+    expect_no_settings();
+    EXPECT_THAT(syslog_calls(), Contains(HasSubstr("always")));
+    EXPECT_THAT(syslog_calls(), Not(Contains(HasSubstr("fatal"))));
+    EXPECT_TRUE(fs::is_empty(home()));
+}
+
+TEST_F(ReadOnlyHome, LeavesTheSettingsThatLieThere) {
+    mount_home("");
+    fs::create_directories(client_ + "/logs");
+    write_file(record_, "as it was");
+    make_read_only(true);
+    EXPECT_EQ(ZynLogInitConfigOnly(), 0);
+    expect_no_settings();
+    EXPECT_EQ(read_file(record_), "as it was");
+}
+
+TEST_F(ReadOnlyHome, ReachesTheDaemonThatListensThere) {
+    mount_home("");
+    fs::create_directories(client_ + "/logs");
+    const FakeDaemon daemon;
+    make_read_only(true);
+    EXPECT_EQ(ZynLogInit(), 1);
+    DaemonConnection connection = daemon.accept();
+    connection.read_message();  // its name
+    expect_no_settings();
+    EXPECT_THAT(connection.read_message(), HasSubstr("always"));
+    EXPECT_TRUE(connection.is_quiet());
+}
+
+TEST_F(ReadOnlyHome, ThatIsWritableAgainHasSettingsAtTheNextStart) {
+    mount_home("");
+    fs::create_directories(client_ + "/logs");
+    make_read_only(true);
+    EXPECT_EQ(ZynLogInitConfigOnly(), 0);
+    ZynLogShutdown();
+    make_read_only(false);
+    EXPECT_EQ(ZynLogInitConfigOnly(), 1);
+    EXPECT_EQ(ZynLogSetSessionMax(10), 1);
+    EXPECT_EQ(u32_at(read_file(record_), 508), 10U);
+}
+
+TEST_F(FullHome, WithoutRoomForDirectoriesHasNoFiles) {
+    mount_home("nr_inodes=1");
+    EXPECT_EQ(ZynLogInitConfigOnly(), 0);
+    EXPECT_STREQ(GetConfigFilePath(), "");
+    expect_no_settings();
+    EXPECT_TRUE(fs::is_empty(home()));
+}
+
+TEST_F(FullHome, WithoutRoomForTheSettingsHasNone) {
+    mount_home("nr_inodes=3");
+    fs::create_directories(client_ + "/logs");
+    EXPECT_EQ(ZynLogInitConfigOnly(), 0);
+    expect_no_settings();
+    EXPECT_FALSE(fs::exists(record_));
+}
+
+// What is written to the record has no place on the disk.
+TEST_F(FullHome, KeepsTheSettingsInTheProcess) {
+    mount_home("size=64k");
+    fs::create_directories(client_ + "/logs");
+    write_file(home() + "/ballast", std::string(1'000'000, 'x'));
+    EXPECT_EQ(ZynLogInitConfigOnly(), 1);
+    EXPECT_EQ(ZynLogGetWorkingLevel(kLogWebkit), 4U);
+    EXPECT_EQ(ZynLogSetSessionMax(10), 1);
+    EXPECT_EQ(ZynLogGetSessionMax(), 10U);
+    EXPECT_EQ(read_file(record_), std::string(516, '\0'));
+}
+
+TEST_F(FullHome, ThatHasRoomAgainKeepsThemAtTheNextStart) {
+    mount_home("size=64k");
+    fs::create_directories(client_ + "/logs");
+    write_file(home() + "/ballast", std::string(1'000'000, 'x'));
+    ZynLogInitConfigOnly();
+    ZynLogSetSessionMax(10);
+    ZynLogShutdown();
+    fs::remove(home() + "/ballast");
+    EXPECT_EQ(ZynLogInitConfigOnly(), 1);
+    EXPECT_EQ(ZynLogGetSessionMax(), 200U);
+    EXPECT_EQ(ZynLogSetSessionMax(11), 1);
+    EXPECT_EQ(u32_at(read_file(record_), 508), 11U);
+}
+
+// A record that has its place keeps it.
+TEST_F(FullHome, LeavesSettingsThatWereThereBeforeToAllProcesses) {
+    mount_home("size=64k");
+    ZynLogInitConfigOnly();
+    write_file(home() + "/ballast", std::string(1'000'000, 'x'));
+    EXPECT_EQ(ZynLogSetSessionMax(12), 1);
+    EXPECT_EQ(u32_at(read_file(record_), 508), 12U);
+}
+
+}  // namespace
+}  // namespace kestrel::testing
