@@ -1,0 +1,113 @@
+// Large values both ways while alarms interrupt the web process.
+#include <cstdint>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+#include "tests/support/frame_bytes.h"
+#include "tests/webkit/store_fixture.h"
+#include "tests/webkit/web_process.h"
+
+namespace kestrel::testing {
+namespace {
+
+// Before main, and so before there are threads.
+[[gnu::constructor]] void preload() { setenv("LD_PRELOAD", ALARM_STORM, 1); }
+
+// How many have come so far.
+std::uint64_t alarms() {
+    std::uint64_t count = 0;
+    std::ifstream(std::string(g_get_home_dir()) + "/alarms", std::ios::binary)
+        .read(reinterpret_cast<char*>(&count), sizeof count);
+    return count;
+}
+
+bool more_alarms_come(std::uint64_t more) {
+    return run_main_loop_until([enough = alarms() + more] { return alarms() >= enough; });
+}
+
+// Some four megabytes, no two parts alike.
+std::string large_text(int round) {
+    std::string text = std::to_string(round);
+    for (int number = 0; number < 600'000; ++number) text += ' ' + std::to_string(number);
+    return text;
+}
+
+constexpr const char* kLargeText =
+    "window.text = round => round + ' ' + Array.from({length: 600000}, (_, i) => i).join(' ')";
+
+class AlarmStormTest : public ConnectedStoreTest {
+  protected:
+    void SetUp() override {
+        ConnectedStoreTest::SetUp();
+        ASSERT_TRUE(more_alarms_come(1));
+        store.evaluate(kLargeText);
+    }
+
+    // Script that sets an item to a text, so many times over.
+    static std::string set_item(int round, int times) {
+        return "setTimeout(() => external.setItem('key', text(" + std::to_string(round) +
+               ").repeat(" + std::to_string(times) + "), 'done'), 0)";
+    }
+
+    bool item_arrives(int round, int times) {
+        if (!host.wait_for(19)) return false;
+        std::string value;
+        for (int i = 0; i < times; ++i) value += large_text(round);
+        return host.frames(19)[0].payload == "key" + ('\0' + value) + '\0' + "done" + '\0';
+    }
+
+    static std::string answer(int round) {
+        return "(() => { window.got = '" + large_text(round) + "' })";
+    }
+
+    bool answer_arrives(int round) {
+        return host.wait_for(33) &&
+               store.evaluate("got === text(" + std::to_string(round) + ")") == "true";
+    }
+
+    pid_t web_process() const {
+        return static_cast<pid_t>(std::atoi(host.frames(61).back().payload.c_str()));
+    }
+};
+
+// Each is more than the socket holds, so that the page waits in the middle of it.
+TEST_F(AlarmStormTest, ValuesOfThePageArriveWhole) {
+    for (int round = 0; round < 5; ++round) {
+        host.forget_frames();
+        host.pause();
+        store.evaluate(set_item(round, 4));
+        ASSERT_TRUE(page_waits_for_host(web_process()));
+        ASSERT_TRUE(more_alarms_come(20));
+        host.resume();
+        ASSERT_TRUE(item_arrives(round, 4));
+    }
+    EXPECT_FALSE(store.process_has_gone());
+}
+
+// The reader waits in the middle of each.
+TEST_F(AlarmStormTest, AnswersOfTheHostArriveWhole) {
+    for (int round = 0; round < 5; ++round) {
+        host.forget_frames();
+        const std::string bytes = frame_bytes(1, {}, {answer(round)});
+        host.send_bytes(bytes.substr(0, bytes.size() / 2));
+        ASSERT_TRUE(more_alarms_come(20));
+        host.send_bytes(bytes.substr(bytes.size() / 2));
+        ASSERT_TRUE(answer_arrives(round));
+    }
+    EXPECT_FALSE(store.process_has_gone());
+}
+
+TEST_F(AlarmStormTest, ValuesBothWaysAtOnceArriveWhole) {
+    for (int round = 0; round < 5; ++round) {
+        host.forget_frames();
+        store.evaluate(set_item(round, 1));
+        host.send(1, {answer(round)});
+        ASSERT_TRUE(item_arrives(round, 1));
+        ASSERT_TRUE(answer_arrives(round));
+    }
+    EXPECT_FALSE(store.process_has_gone());
+}
+
+}  // namespace
+}  // namespace kestrel::testing

@@ -1,0 +1,98 @@
+// A host in a process of its own that is stopped and resumed, or killed, while a page calls it.
+#include "tests/webkit/host_process.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <optional>
+#include <string>
+
+#include "tests/support/process_state.h"
+#include "tests/support/stderr_capture.h"
+#include "tests/webkit/store_fixture.h"
+#include "tests/webkit/web_process.h"
+
+namespace kestrel::testing {
+namespace {
+
+// Some 14 MB in frames of many sizes, more than the socket holds.
+constexpr std::size_t kCalls = 1'400;
+constexpr std::size_t kRounds = 4;
+constexpr int kStopsARound = 20;
+
+std::string value_of(std::size_t key) { return std::string(key * 37 % 20'011, 'v'); }
+
+class HostProcessTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        std::filesystem::create_directories(directory);
+        connect();
+    }
+
+    // Has the page find a new host.
+    void connect() {
+        host.emplace(directory);
+        store.load("<title>store</title>");
+        ASSERT_TRUE(host->wait_for(61));
+        store.evaluate(
+            "window.answers = []; window.answered = key => answers.push(key);"
+            "window.call = from => setTimeout(() => {"
+            "  for (let key = from; key < from + " +
+            std::to_string(kCalls) +
+            "; ++key) external.setItem(key, 'v'.repeat(key * 37 % 20011), 'done') }, 0)");
+    }
+
+    // The id that the web process has announced.
+    pid_t web_process() {
+        return static_cast<pid_t>(std::atoi(host->frames(61).back().payload.c_str()));
+    }
+
+    // Begins kCalls calls with a host that stands still, and returns when the page waits for it.
+    void call_and_wait(std::size_t from) {
+        host->stop();
+        store.evaluate("call(" + std::to_string(from) + ")");
+        ASSERT_TRUE(page_waits_for_host(web_process()));
+    }
+
+    const std::string directory = std::string(g_get_home_dir()) + "/.QUOClient";
+    const StderrCapture captured;  // before the web process starts, which inherits it
+    StoreView store;
+    std::optional<HostProcess> host;
+};
+
+TEST_F(HostProcessTest, LosesNothingAndKeepsTheOrderWhenItIsStoppedAndResumedAmidCallsAndAnswers) {
+    for (std::size_t round = 0; round < kRounds; ++round) {
+        const std::size_t all = (round + 1) * kCalls;
+        ASSERT_NO_FATAL_FAILURE(call_and_wait(round * kCalls));
+        for (int stop = 0; stop < kStopsARound && host->frames(19).size() < all; ++stop) {
+            const std::size_t taken = host->bytes();
+            host->resume();
+            ASSERT_TRUE(comes_true([&] { return host->bytes() > taken; }));
+            host->stop();
+        }
+        host->resume();
+        ASSERT_TRUE(host->wait_for(33, all));
+    }
+    const std::vector<ReceivedFrame> calls = host->frames(19);
+    ASSERT_EQ(calls.size(), kRounds * kCalls);
+    for (std::size_t key = 0; key < calls.size(); ++key) {
+        ASSERT_EQ(calls[key].payload,
+                  std::to_string(key) + '\0' + value_of(key) + '\0' + "done" + '\0');
+    }
+    EXPECT_EQ(store.evaluate("answers.length + ' ' + answers.every((key, i) => key === i)"),
+              std::to_string(kRounds * kCalls) + " true");
+    EXPECT_FALSE(store.process_has_gone());
+}
+
+TEST_F(HostProcessTest, EndsTheWebProcessWhoseCallItLeavesHalfTakenAndServesTheNextOne) {
+    ASSERT_NO_FATAL_FAILURE(call_and_wait(0));
+    const pid_t first = web_process();
+    host->die();
+    ASSERT_TRUE(run_main_loop_until([this] { return store.process_has_gone(); }));
+    connect();
+    EXPECT_NE(web_process(), first);
+    store.evaluate("call(0)");
+    EXPECT_TRUE(host->wait_for(33, kCalls));
+}
+
+}  // namespace
+}  // namespace kestrel::testing
