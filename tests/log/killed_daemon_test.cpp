@@ -1,0 +1,145 @@
+// The log daemon is a process of its own that is killed, and one that takes its place.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <csignal>
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "log/zynlog.h"
+#include "tests/log/fake_daemon.h"
+#include "tests/log/machine.h"
+#include "tests/log/syslog_recorder.h"
+
+namespace {
+
+using kestrel::testing::DaemonConnection;
+using kestrel::testing::FakeDaemon;
+using kestrel::testing::syslog_calls;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// Serves one process after the other, and passes on the number that each line is.
+class DaemonProcess {
+  public:
+    // Returns when it listens.
+    DaemonProcess() {
+        if (pipe(numbers_.data()) == -1) std::abort();
+        pid_ = fork();
+        if (pid_ == 0) run();
+        close(numbers_[1]);
+        if (next_number() != kListens) std::abort();
+    }
+    ~DaemonProcess() {
+        die();
+        close(numbers_[0]);
+    }
+    DaemonProcess(const DaemonProcess&) = delete;
+    DaemonProcess& operator=(const DaemonProcess&) = delete;
+
+    // Leaves its socket behind, as whatever is killed does.
+    void die() {
+        if (pid_ == -1) return;
+        kill(pid_, SIGKILL);
+        int status = 0;
+        EXPECT_TRUE(waitpid(pid_, &status, 0) == pid_ && WIFSIGNALED(status));
+        pid_ = -1;
+    }
+
+    // Of the next line that it has got; nothing once it is dead and all are told.
+    std::optional<int> next_number() const {
+        int number = 0;
+        if (read(numbers_[0], &number, sizeof number) != sizeof number) return std::nullopt;
+        return number;
+    }
+
+  private:
+    static constexpr int kListens = -1;
+
+    void tell(int number) const {
+        if (write(numbers_[1], &number, sizeof number) != sizeof number) _exit(1);
+    }
+
+    [[noreturn]] void run() const {
+        close(numbers_[0]);
+        unlink((kestrel::testing::client_directory() + "/.zynlogsocket").c_str());
+        const FakeDaemon daemon;
+        tell(kListens);
+        for (;;) {
+            DaemonConnection connection = daemon.accept();
+            connection.read_message();
+            while (!connection.is_closed()) {
+                tell(std::atoi(connection.read_message().substr(26).c_str()));
+            }
+        }
+    }
+
+    std::array<int, 2> numbers_{};
+    pid_t pid_ = -1;
+};
+
+void log_number(int number) {
+    __ZynTrace(kestrel::kLogWebkit, kestrel::kError, "", "", 0, "%d", number);
+}
+
+std::string in_syslog(int number) { return "vsyslog(3, " + std::to_string(number) + ")"; }
+
+class KilledDaemon : public testing::Test {
+  protected:
+    KilledDaemon() { signal(SIGPIPE, SIG_IGN); }
+};
+
+TEST_F(KilledDaemon, CostsOneLineAndTheRestGoesToSyslogThoughAnotherDaemonListens) {
+    DaemonProcess first;
+    ZynLogInit();
+    kestrel::testing::clear_syslog_calls();
+    log_number(1);
+    EXPECT_EQ(first.next_number(), 1);
+    first.die();
+    const DaemonProcess second;
+    log_number(2);
+    EXPECT_THAT(syslog_calls(), IsEmpty());
+    log_number(3);
+    log_number(4);
+    EXPECT_THAT(syslog_calls(), ElementsAre(in_syslog(3), in_syslog(4)));
+    ZynLogShutdown();
+    ZynLogInit();
+    log_number(5);
+    EXPECT_EQ(second.next_number(), 5);
+}
+
+// What the daemon had not read dies with it; what came before and what comes afterwards is whole
+// and in order.
+TEST_F(KilledDaemon, LosesNothingBeforeItsEndAndNothingOnceLinesGoToSyslog) {
+    DaemonProcess daemon;
+    ZynLogInit();
+    kestrel::testing::clear_syslog_calls();
+    std::atomic<bool> stop = false;
+    int last = 0;
+    std::thread writer([&] {
+        while (!stop) log_number(++last);
+    });
+    int told = 0;
+    while (told < 1'000) ASSERT_EQ(daemon.next_number(), ++told);
+    daemon.die();
+    while (const auto number = daemon.next_number()) ASSERT_EQ(number, ++told);
+    while (syslog_calls().size() < 1'000) std::this_thread::yield();
+    stop = true;
+    writer.join();
+
+    const std::vector<std::string> calls = syslog_calls();
+    const int first = last - static_cast<int>(calls.size()) + 1;
+    EXPECT_GT(first, told + 1) << "at least the line that found the daemon gone is lost";
+    for (int number = first; number <= last; ++number) {
+        ASSERT_EQ(calls[static_cast<std::size_t>(number - first)], in_syslog(number));
+    }
+}
+
+}  // namespace
