@@ -34,7 +34,7 @@ if(KESTREL_SANITIZE)
   add_link_options(-fsanitize=${KESTREL_SANITIZE})
 endif()
 
-# One of the folders log, common, ipc, jsapi, extension, as a static library of that name.
+# A part of the project as the static library kestrel-NAME; headers are included from the root.
 function(kestrel_subsystem name)
   cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "SOURCES;LINKS")
   add_library(kestrel-${name} STATIC ${ARG_SOURCES})

@@ -2,11 +2,12 @@
 // the page goes on in the main loop, in the order in which the messages came.
 #include <glib.h>
 
+#include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <cstring>
 #include <list>
 #include <memory>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -69,11 +70,14 @@ void KsJS_proxy::insertJS(int* /*ints*/, std::string* strings) {
 }
 
 void KsJS_proxy::zyns_cb_wrapper(int* /*ints*/, std::string* strings) {
-    auto answer = std::make_unique<std::list<char*>>();
+    std::vector<std::unique_ptr<char, kestrel::FreeDeleter>> texts;
     const bool is_ajax = strings[0].find(kestrel::kAjaxCompletion) != std::string::npos;
     for (std::size_t i = 0; i <= (is_ajax ? kestrel::kAjaxArguments : 0); ++i) {
-        answer->push_back(strdup(strings[i].c_str()));
+        texts.emplace_back(strdup(strings[i].c_str()));
+        if (!texts.back()) throw std::bad_alloc();
     }
+    auto answer = std::make_unique<std::list<char*>>(texts.size());
+    std::ranges::transform(texts, answer->begin(), [](auto& text) { return text.release(); });
     queue_answer(std::move(answer));
 }
 

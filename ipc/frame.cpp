@@ -6,6 +6,7 @@
 #include <limits>
 #include <new>
 #include <system_error>
+#include <utility>
 
 #include "ipc/error_line.h"
 
@@ -133,6 +134,14 @@ bool decode_items(const webkit_message& frame, ItemViews& items) {
         if (!text) return false;
         value = *text;
     }
+    return true;
+}
+
+bool decode_items(const webkit_message& frame, Items& items) {
+    ItemViews views;
+    if (!decode_items(frame, views)) return false;
+    items.ints = std::move(views.ints);
+    items.strings.assign(views.strings.begin(), views.strings.end());
     return true;
 }
 

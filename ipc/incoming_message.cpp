@@ -4,6 +4,7 @@
 #include <atomic>
 #include <new>
 #include <string>
+#include <utility>
 
 #include "ipc/protocol.h"
 #include "log/zynlog.h"
@@ -22,7 +23,8 @@ std::unique_ptr<Items> take_kept_items() {
 }
 
 void keep(std::unique_ptr<Items> items) {
-    std::size_t memory = 0;
+    std::size_t memory =
+        items->ints.capacity() * sizeof(int) + items->strings.capacity() * sizeof(std::string);
     for (const std::string& text : items->strings) memory += text.capacity();
     if (memory <= kMostKept) delete kept_items.exchange(items.release());
 }
@@ -70,13 +72,11 @@ void IncomingMessage::dispatch() {
         }
         auto& strings = items_->strings;
         strings.resize(std::max(strings.size() + 1, kMinHandlerStrings));
+        handler_(items_->ints.data(), strings.data());
     });
-    if (problem_ != nullptr) {
-        __ZynTrace(kLogWebkit, kError, "", "", 0, "Dropped a message of type %d: %s\n", type_,
-                   problem_);
-        return;
-    }
-    handler_(items_->ints.data(), items_->strings.data());
+    if (problem_ == nullptr) return;
+    __ZynTrace(kLogWebkit, kError, "", "", 0, "Dropped a message of type %d: %s\n", type_,
+               problem_);
 }
 
 }  // namespace kestrel

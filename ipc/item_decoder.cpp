@@ -37,10 +37,4 @@ void ItemDecoder::end_item() {
     ++next_;
 }
 
-bool decode_items(const webkit_message& frame, Items& items) {
-    ItemDecoder decoder(frame, items);
-    decoder.take(payload_of(frame));
-    return decoder.is_complete();
-}
-
 }  // namespace kestrel

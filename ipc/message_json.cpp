@@ -84,7 +84,7 @@ std::string message_json(std::chrono::system_clock::time_point time, Direction d
         json += "null";
     }
     json += ",\"length\":" + std::to_string(message.total_len_of_string);
-    if (Items items; decode_items(message, items)) {
+    if (ItemViews items; decode_items(message, items)) {
         append_list(json, "ints", items.ints);
         append_list(json, "strings", items.strings);
     } else {

@@ -4,6 +4,7 @@
 #include <utility>
 
 namespace kestrel {
+
 std::size_t TraceQueue::cost_of(const webkit_message& frame) {
     return sizeof(TracedFrame) + bytes_of(frame).size();
 }

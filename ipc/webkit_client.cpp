@@ -99,6 +99,10 @@ void webkit_client::initComm(InboundHandler* handlers, char* socket_path) {
     SocketPath path(socket_path);
     __ZynTrace(kestrel::kLogWebkit, kestrel::kInfo, "", "", 0, "+");
     func_array = handlers;
+    if (!path) {
+        error_line("webkit_client::initComm no socket path, not connecting\n");
+        return;
+    }
     if (std::strlen(path.get()) > kestrel::kMaxSocketPath) {
         error_line("webkit_client::initComm socket path over 107 bytes, not connecting\n");
         __ZynTrace(kestrel::kLogWebkit, kestrel::kError, "", "", 0,

@@ -39,8 +39,8 @@ class webkit_client {
 
     // Writes one message whole; messages of several threads never mix. While server_fd is -1 the
     // message is dropped with an error line. A write that fails or is short ends the process with
-    // exit(-1); the process never sees a SIGPIPE from it. The caller keeps the message. Any
-    // thread; waits while the host does not read.
+    // exit(-1); on a socket it raises no SIGPIPE. The caller keeps the message. Any thread; waits
+    // while the host does not read.
     static void sendMessage(webkit_message*& message);
 
     // Closes the socket and sets server_fd to -1. Not while another thread sends.

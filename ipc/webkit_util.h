@@ -13,8 +13,8 @@ class webkit_util {
   public:
     // Builds a frame of `type` with the integers, then the strings, in list order; a string is
     // carried up to its first NUL. The caller owns the result and releases it with free(). Null,
-    // with a line on standard error, when the frame would not fit 32 bits or memory is out. Any
-    // thread.
+    // with a line on standard error, when the frame would be longer than kMaxFrame or memory is
+    // out. Any thread.
     static webkit_message* wrapMessage(int type, std::vector<int> ints,
                                        std::vector<std::string> strings);
 

@@ -2,7 +2,6 @@
 // their rows by index.
 #pragma once
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <string_view>

@@ -4,9 +4,6 @@
 #include <sys/mman.h>
 #include <sys/stat.h>
 
-#include <algorithm>
-#include <cstring>
-
 #include "log/file_descriptor.h"
 #include "log/sigbus_guard.h"
 #include "log/zynlog_paths.h"

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <cstring>
 
@@ -16,6 +17,8 @@ constinit const void* substitute_bytes = nullptr;
 constinit std::size_t substitute_size = 0;
 constinit std::size_t page_size = 0;
 constinit struct sigaction previous {};
+// Whether on_sigbus is the handler, or one that a later handler passes on to.
+constinit bool is_in_chain = false;
 
 bool is_guarded(const void* address) {
     const auto begin = reinterpret_cast<std::uintptr_t>(guarded.load());
@@ -59,11 +62,13 @@ void set_sigbus_guard(void* page, const void* substitute, std::size_t size) {
     guarded = static_cast<char*>(page);
     struct sigaction current {};
     sigaction(SIGBUS, nullptr, &current);
-    if (current.sa_sigaction == on_sigbus) return;
+    const bool has_handler = current.sa_handler != SIG_DFL && current.sa_handler != SIG_IGN;
+    if (is_in_chain && has_handler) return;
     struct sigaction guard {};
     guard.sa_sigaction = on_sigbus;
     guard.sa_flags = SA_SIGINFO | SA_ONSTACK;
     sigaction(SIGBUS, &guard, &previous);
+    is_in_chain = true;
 }
 
 void lift_sigbus_guard() {
@@ -72,6 +77,7 @@ void lift_sigbus_guard() {
     sigaction(SIGBUS, nullptr, &current);
     if ((current.sa_flags & SA_SIGINFO) != 0 && current.sa_sigaction == on_sigbus) {
         sigaction(SIGBUS, &previous, nullptr);
+        is_in_chain = false;
     }
 }
 

@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <cstring>
 #include <stdexcept>
-#include <string_view>
 #include <utility>
 
 #include "log/zynlog.h"

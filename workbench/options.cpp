@@ -154,18 +154,21 @@ void check_headless(const Arguments& given) {
     }
 }
 
-// One message carries both, each with its NUL; a script has one of its own.
 void check_lengths(const Options& options) {
-    if (options.page_uri.size() + options.resources.size() + 2 > kMaxInboundPayload) {
-        throw UsageError(
-            translate("--page and --resources together are too long for the extension"));
-    }
+    check_page_fits(options.page_uri, options.resources);
     if (ScriptCheck(options.script).on_page_shown().size() + 1 > kMaxInboundPayload) {
         throw UsageError(translate("--script: too long for the extension"));
     }
 }
 
 }  // namespace
+
+void check_page_fits(const std::string& page_uri, const std::string& resources) {
+    if (page_uri.size() + resources.size() + 2 > kMaxInboundPayload) {
+        throw UsageError(
+            translate("the page's address and resources together are too long for the extension"));
+    }
+}
 
 Options parse_options(int argc, char** argv) {
     Arguments given;

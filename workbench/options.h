@@ -33,4 +33,7 @@ struct Options {
 // Throws UsageError. Prints help and ends the process if asked to.
 Options parse_options(int argc, char** argv);
 
+// Throws UsageError when one message cannot carry both, each with its NUL.
+void check_page_fits(const std::string& page_uri, const std::string& resources);
+
 }  // namespace kestrel

@@ -7,8 +7,8 @@
 #include <cerrno>
 #include <system_error>
 
-#include "program/string_pointers.h"
 #include "workbench/desktop/glib_handles.h"
+#include "workbench/string_pointers.h"
 
 namespace kestrel {
 

@@ -4,7 +4,6 @@
 #include <array>
 #include <exception>
 #include <memory>
-#include <optional>
 #include <utility>
 
 #include "workbench/answers/answer.h"
@@ -132,9 +131,7 @@ void Session::note_check_over() {
 }
 
 void Session::send(Connection& connection, Frame frame) {
-    if (!frame) return;
-    const std::size_t size = bytes_of(*frame).size();
-    send(connection, Outgoing{.frame = std::move(frame), .size = size}, 0);
+    send(connection, misbehave(Misbehavior::none, std::move(frame)), 0);
 }
 
 void Session::send(Connection& connection, Outgoing outgoing, std::uint64_t answer_to) {

@@ -39,6 +39,7 @@ class Session final : public MessageReceiver {
 
     // From the next offer on.
     void set_resources(std::string resources) { resources_ = std::move(resources); }
+    const std::string& resources() const { return resources_; }
 
     // The window shows a page that the store page is to replace.
     void offer_page();

@@ -170,7 +170,9 @@ void Workbench::show_notice(const std::string& text) { transcript_.note(text); }
 
 void Workbench::load(const std::string& address) {
     try {
-        services_.page_uri = page_address("the address", address);
+        std::string uri = page_address("the address", address);
+        check_page_fits(uri, session_.resources());
+        services_.page_uri = std::move(uri);
     } catch (const UsageError& error) {
         window_->show_status(error.what());
         return;
@@ -181,7 +183,9 @@ void Workbench::load(const std::string& address) {
 
 void Workbench::load_resources(const std::string& path) {
     try {
-        session_.set_resources(text_of_file("resources", path));
+        std::string text = text_of_file("resources", path);
+        check_page_fits(services_.page_uri, text);
+        session_.set_resources(std::move(text));
     } catch (const UsageError& error) {
         window_->show_status(error.what());
         return;

@@ -44,6 +44,7 @@ function callSubjects(value) {
     call: () => external.setItem('k', value, 'cb'),
     empty: () => bench.empty('k', value, 'cb'),
     write: () => bench.write('k', value, 'cb'),
+    read: () => bench.readTexts('k', value, 'cb'),
     convert: () => bench.convert('k', value, 'cb'),
     post: () => webkit.messageHandlers.post.postMessage(['k', value, 'cb']),
   };

@@ -9,6 +9,7 @@ namespace {
 constexpr std::string_view kWrite = "empty native function with one write";
 constexpr std::string_view kPost = "messageHandlers.post.postMessage";
 constexpr std::string_view kConvert = "JSStringGetUTF8CString, one write";
+constexpr std::string_view kRead = "JavaScriptCore's texts, one write";
 constexpr std::string_view kReply = "faster of WebKit's two messages with reply";
 constexpr std::string_view kBareWrite = "one bare write";
 
@@ -27,6 +28,13 @@ constexpr auto kFigures = std::to_array<Figure>({
     {"page call, 1 MB of Latin-1",         "page_call_1MB_latin1",       kConvert, {"page_convert_1MB_latin1"},     1.0},
     {"page call, 4 KB of Cyrillic",        "page_call_4KB_cyrillic",     kConvert, {"page_convert_4KB_cyrillic"},   1.0},
     {"page call, 1 MB of Cyrillic",        "page_call_1MB_cyrillic",     kConvert, {"page_convert_1MB_cyrillic"},   1.0},
+    {"page call, three short strings",     "page_call_1B",               kRead,    {"page_read_1B"},                none},
+    {"page call, 16 B",                    "page_call_16B",              kRead,    {"page_read_16B"},               none},
+    {"page call, 4 KB",                    "page_call_4KB",              kRead,    {"page_read_4KB"},               none},
+    {"page call, 1 MB",                    "page_call_1MB",              kRead,    {"page_read_1MB"},               none},
+    {"this floor itself, 16 B",            "page_read_16B",              kPost,    {"page_post_16B"},               none},
+    {"this floor itself, 4 KB",            "page_read_4KB",              kPost,    {"page_post_4KB"},               none},
+    {"this floor itself, 1 MB",            "page_read_1MB",              kPost,    {"page_post_1MB"},               none},
     {"round trip, 16 B",                   "trip_link_16B",              kReply,   {"trip_script_16B", "trip_view_16B"}, 0.4},
     {"round trip, 4 KB",                   "trip_link_4KB",              kReply,   {"trip_script_4KB", "trip_view_4KB"}, 0.35},
     {"round trip, 1 MB",                   "trip_link_1MB",              kReply,   {"trip_script_1MB", "trip_view_1MB"}, 0.8},

@@ -72,7 +72,8 @@ void for_each_fault(const std::vector<std::pair<std::string_view, std::vector<in
     for (const auto& [function, numbers] : errors) {
         int seen = 0;
         for (const int number : numbers) {
-            for (int nth = 1; nth <= kMostCalls; ++nth) {
+            for (int nth = 1;; ++nth) {
+                ASSERT_LE(nth, kMostCalls) << function << " is called more often than is tried";
                 const Fault fault{function, nth, number};
                 const Outcome outcome = run_with(fault, scenario);
                 // A child that a signal ends does not say whether the call came.

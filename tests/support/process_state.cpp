@@ -45,7 +45,7 @@ std::size_t thread_count() {
 
 // A running thread's file says "running"; a sleeping one's begins with the system call's number.
 bool is_blocked_in(pid_t thread, long system_call) {
-    std::ifstream file(std::string(kThreads) + std::to_string(thread) + "/syscall");
+    std::ifstream file("/proc/" + std::to_string(thread) + "/syscall");
     long number = -1;
     return file >> number && number == system_call;
 }

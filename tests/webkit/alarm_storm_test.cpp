@@ -65,10 +65,6 @@ class AlarmStormTest : public ConnectedStoreTest {
         return host.wait_for(33) &&
                store.evaluate("got === text(" + std::to_string(round) + ")") == "true";
     }
-
-    pid_t web_process() const {
-        return static_cast<pid_t>(std::atoi(host.frames(61).back().payload.c_str()));
-    }
 };
 
 // Each is more than the socket holds, so that the page waits in the middle of it.
@@ -77,7 +73,7 @@ TEST_F(AlarmStormTest, ValuesOfThePageArriveWhole) {
         host.forget_frames();
         host.pause();
         store.evaluate(set_item(round, 4));
-        ASSERT_TRUE(page_waits_for_host(web_process()));
+        ASSERT_TRUE(page_waits_for_host(announced(host)));
         ASSERT_TRUE(more_alarms_come(20));
         host.resume();
         ASSERT_TRUE(item_arrives(round, 4));

@@ -64,12 +64,14 @@ int main(int argc, char** argv) {
     if (argc != 3) return 2;
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    std::string_view(argv[1]).copy(address.sun_path, sizeof address.sun_path - 1);
+    // Takes its name when it listens: whoever sees it can connect.
+    const std::string unfinished = std::string(argv[1]) + ".new";
+    unfinished.copy(address.sun_path, sizeof address.sun_path - 1);
     const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     std::FILE* const record = std::fopen(argv[2], "ae");
     if (record == nullptr ||
         bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address) == -1 ||
-        listen(listener, 8) == -1) {
+        listen(listener, 8) == -1 || std::rename(unfinished.c_str(), argv[1]) == -1) {
         std::perror(argv[1]);
         return 1;
     }

@@ -5,7 +5,9 @@ namespace kestrel::testing {
 namespace {
 
 TEST_F(ConnectedStoreTest, GivesTheMainFrameItsThirtyFunctions) {
-    EXPECT_EQ(store.evaluate("typeof external.getItem"), "function");
+    EXPECT_EQ(store.evaluate("(() => { let count = 0; for (const name in external)"
+                             " count += typeof external[name] === 'function'; return count })()"),
+              "30");
     EXPECT_EQ(store.evaluate("String(external)"), "[object JSAPI]");
 }
 

@@ -17,6 +17,7 @@
 #include "tests/support/main_loop.h"
 
 namespace kestrel::testing {
+
 HostProcess::HostProcess(const std::string& client_directory)
     : socket_(client_directory + "/webkit_socket2"), record_(client_directory + "/record") {
     std::string program = ANSWERING_HOST;
@@ -25,7 +26,10 @@ HostProcess::HostProcess(const std::string& client_directory)
     const int error =
         posix_spawn(&pid_, program.c_str(), nullptr, nullptr, arguments.data(), environ);
     if (error != 0) throw std::system_error(error, std::generic_category(), program);
-    run_main_loop_until([this] { return std::filesystem::exists(socket_); });
+    if (!run_main_loop_until([this] { return std::filesystem::exists(socket_); })) {
+        die();
+        throw std::runtime_error("the host does not listen");
+    }
 }
 
 void HostProcess::stop() const {

@@ -1,8 +1,8 @@
 // A host in a process of its own that is stopped and resumed, or killed, while a page calls it.
 #include "tests/webkit/host_process.h"
 
-#include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <optional>
 #include <string>
 

@@ -80,10 +80,9 @@ constexpr const char* kFrames =
     "const call = inner.eval('(() => api.getItem({toString() { throw 1 }}, () => {}))'); call();"
     "frame.remove(); try { call() } catch {} external.sendAction('done')";
 constexpr const char* kWorkers =
-    "const code = 'postMessage(typeof external + (self.external ? self.external.sendAction : "
-    "\"\"))';"
-    "new Worker(URL.createObjectURL(new Blob([code]))).onmessage = () => "
-    "external.sendAction('done')";
+    "const code = 'postMessage(typeof external)';"
+    "new Worker(URL.createObjectURL(new Blob([code]))).onmessage = message => "
+    "external.sendAction(message.data === 'undefined' ? 'done' : 'a worker has it')";
 
 INSTANTIATE_TEST_SUITE_P(
     Tricks, HostilePage,

@@ -9,14 +9,10 @@
 #include "tests/support/frame_bytes.h"
 #include "tests/support/listening_host.h"
 #include "tests/webkit/store_fixture.h"
+#include "tests/webkit/web_process.h"
 
 namespace kestrel::testing {
 namespace {
-
-// The id that the web process has announced last.
-pid_t announced(const ScriptedHost& host) {
-    return static_cast<pid_t>(std::atoi(host.frames(61).back().payload.c_str()));
-}
 
 TEST_F(ConnectedStoreTest, RunsAnswersInThePageThatIsShownAfterGoingBack) {
     store.load("<title>first</title>");

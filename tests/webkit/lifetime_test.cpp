@@ -3,6 +3,7 @@
 
 #include "tests/support/stderr_capture.h"
 #include "tests/webkit/store_fixture.h"
+#include "tests/webkit/web_process.h"
 
 namespace kestrel::testing {
 namespace {
@@ -43,9 +44,10 @@ TEST_F(StoreTest, EndsTheProcessWithoutAClientDirectory) {
 TEST_F(ConnectedStoreTest, LosesNothingWhenTheHostPausesReading) {
     host.pause();
     store.evaluate(
-        "setTimeout(() => { for (let i = 0; i < 5000; ++i) external.sendAction(i) }, 0)");
+        "setTimeout(() => { for (let i = 0; i < 20000; ++i) external.sendAction(i) }, 0)");
+    ASSERT_TRUE(page_waits_for_host(announced(host)));
     host.resume();
-    ASSERT_TRUE(host.wait_for(5, 5000));
+    ASSERT_TRUE(host.wait_for(5, 20000));
     const auto frames = host.frames(5);
     for (std::size_t i = 0; i < frames.size(); ++i) {
         ASSERT_EQ(frames[i].payload, std::to_string(i) + '\0');

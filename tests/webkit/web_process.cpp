@@ -2,20 +2,19 @@
 
 #include <sys/syscall.h>
 
-#include <fstream>
-#include <string>
+#include <cstdlib>
 
 #include "tests/support/main_loop.h"
+#include "tests/support/process_state.h"
 
 namespace kestrel::testing {
 
-// A running thread's file says "running"; a sleeping one's begins with the system call's number.
+pid_t announced(const ScriptedHost& host) {
+    return static_cast<pid_t>(std::atoi(host.frames(61).back().payload.c_str()));
+}
+
 bool page_waits_for_host(pid_t web_process) {
-    const std::string path = "/proc/" + std::to_string(web_process) + "/syscall";
-    return run_main_loop_until([&] {
-        long number = -1;
-        return std::ifstream(path) >> number && number == SYS_sendto;
-    });
+    return run_main_loop_until([=] { return is_blocked_in(web_process, SYS_sendto); });
 }
 
 }  // namespace kestrel::testing

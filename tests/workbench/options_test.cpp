@@ -222,7 +222,7 @@ TEST_F(CommandLine, TakesResourcesAsLongAsTheirMessageMayBe) {
     EXPECT_EQ(parse({"--resources", path("resources")}).resources.size(), longest);
     write("resources", std::string(longest + 1, ' '));
     EXPECT_EQ(refusal({"--resources", path("resources")}),
-              "--page and --resources together are too long for the extension");
+              "the page's address and resources together are too long for the extension");
 }
 
 TEST_F(CommandLine, TakesAHomeWhoseSocketPathFits) {

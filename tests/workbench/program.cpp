@@ -13,7 +13,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "program/string_pointers.h"
+#include "workbench/string_pointers.h"
 
 namespace kestrel::testing {
 namespace {

@@ -1,5 +1,4 @@
 // The actions that only tell something about the workbench, its user and the page.
-#include <gio/gio.h>
 
 #include <array>
 

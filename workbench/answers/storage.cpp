@@ -8,8 +8,7 @@
 namespace kestrel {
 namespace {
 
-// What is left of a message for a value, when its callback and the escapes of its text have taken
-// their part, and a value of this size is made of ordinary characters.
+// What a message has left for a value's literal, escapes included, beside its callback.
 constexpr std::size_t kMaxItem = kMaxInboundPayload - 65'536;
 
 // 0 for what is no position.

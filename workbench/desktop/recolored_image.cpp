@@ -2,7 +2,6 @@
 
 #include <gdk-pixbuf/gdk-pixbuf.h>
 
-#include <algorithm>
 #include <span>
 #include <string_view>
 #include <utility>

@@ -1,7 +1,6 @@
 #include "workbench/window/bad_host_menu.h"
 
 #include <string>
-#include <string_view>
 #include <utility>
 
 #include "program/translation.h"

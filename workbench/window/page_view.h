@@ -32,7 +32,6 @@ class PageView {
     PageView& operator=(const PageView&) = delete;
 
     GtkWidget* widget() const { return GTK_WIDGET(view_); }
-    WebKitWebView* web_view() const { return view_; }
 
     // Loads an empty page, which starts a web process.
     void show_empty_page();

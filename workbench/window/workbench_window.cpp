@@ -26,25 +26,17 @@ GtkWidget* make_status_line() {
     return label;
 }
 
+template <typename Data>
 GtkWidget* make_button(const char* name, const char* icon, const char* tooltip,
-                       const std::function<void()>* action) {
+                       void (*action)(Data*), Data* data) {
     GtkWidget* button = gtk_button_new_from_icon_name(icon, GTK_ICON_SIZE_BUTTON);
     gtk_widget_set_name(button, name);
     gtk_widget_set_tooltip_text(button, tooltip);
-    g_signal_connect_swapped(button, "clicked",
-                             G_CALLBACK(+[](const std::function<void()>* act) { (*act)(); }),
-                             const_cast<std::function<void()>*>(action));
+    g_signal_connect_swapped(button, "clicked", G_CALLBACK(action), data);
     return button;
 }
 
-GtkWidget* make_own_button(const char* name, const char* icon, const char* tooltip,
-                           void (*action)(WorkbenchWindow*), WorkbenchWindow* self) {
-    GtkWidget* button = gtk_button_new_from_icon_name(icon, GTK_ICON_SIZE_BUTTON);
-    gtk_widget_set_name(button, name);
-    gtk_widget_set_tooltip_text(button, tooltip);
-    g_signal_connect_swapped(button, "clicked", G_CALLBACK(action), self);
-    return button;
-}
+void tell(std::function<void()>* event) { (*event)(); }
 
 GtkWidget* make_send_button(GtkWidget* panel) {
     GtkWidget* button = gtk_menu_button_new();
@@ -113,21 +105,22 @@ GtkWidget* WorkbenchWindow::make_header() {
     GtkWidget* header = gtk_header_bar_new();
     gtk_header_bar_set_show_close_button(GTK_HEADER_BAR(header), TRUE);
     gtk_header_bar_set_custom_title(GTK_HEADER_BAR(header), address_);
-    for (GtkWidget* each : {make_button("reload", "view-refresh-symbolic",
-                                        translate("Load the store page again"), &events_.reload),
-                            make_own_button(
-                                "choose resources", "document-open-symbolic",
-                                translate("Resources for the page, from a file"),
-                                [](WorkbenchWindow* self) { self->choose_resources(); }, this),
-                            locales_.widget(),
-                            make_button("inspector", "applications-engineering-symbolic",
-                                        translate("Web Inspector"), &events_.show_inspector)}) {
+    for (GtkWidget* each :
+         {make_button("reload", "view-refresh-symbolic", translate("Load the store page again"),
+                      tell, &events_.reload),
+          make_button(
+              "choose resources", "document-open-symbolic",
+              translate("Resources for the page, from a file"),
+              +[](WorkbenchWindow* self) { self->choose_resources(); }, this),
+          locales_.widget(),
+          make_button("inspector", "applications-engineering-symbolic", translate("Web Inspector"),
+                      tell, &events_.show_inspector)}) {
         gtk_header_bar_pack_start(GTK_HEADER_BAR(header), each);
     }
     for (GtkWidget* each :
-         {make_own_button(
+         {make_button(
               "choose trace", "document-open-recent-symbolic", translate("Look at a trace file"),
-              [](WorkbenchWindow* self) { self->choose_trace(); }, this),
+              +[](WorkbenchWindow* self) { self->choose_trace(); }, this),
           bad_host_.widget(), make_send_button(send_panel_.widget())}) {
         gtk_header_bar_pack_end(GTK_HEADER_BAR(header), each);
     }

@@ -1,7 +1,6 @@
 #include "workbench/wire/answer_pairing.h"
 
 #include <algorithm>
-#include <tuple>
 
 #include "ipc/frame.h"
 #include "workbench/answers/commands.h"

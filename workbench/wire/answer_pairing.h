@@ -2,7 +2,6 @@
 // callback that the request has passed. The protocol itself ties nothing together.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <list>
 #include <optional>

@@ -2,12 +2,17 @@
 
 #include <utility>
 
+#include "ipc/frame.h"
+
 namespace kestrel {
 namespace {
 
 constexpr std::chrono::milliseconds kBetweenCalls{33};
 
-std::size_t bytes_of_row(const MessageRecord& record) { return record.size + record.note.size(); }
+// What is kept, which a line of a trace may tell wrongly.
+std::size_t bytes_of_row(const MessageRecord& record) {
+    return (record.frame ? bytes_of(*record.frame).size() : 0) + record.note.size();
+}
 
 }  // namespace
 

@@ -1,7 +1,5 @@
 #include "workbench/wire/message_record.h"
 
-#include <utility>
-
 #include "ipc/frame.h"
 #include "ipc/message_text.h"
 #include "workbench/desktop/glib_handles.h"

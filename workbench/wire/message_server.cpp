@@ -1,6 +1,7 @@
 #include "workbench/wire/message_server.h"
 
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 
 #include <cerrno>
@@ -52,15 +53,24 @@ FileDescriptor listen_on(const std::string& path) {
     return made;
 }
 
+ino_t inode_of(const std::string& path) {
+    struct stat file {};
+    return lstat(path.c_str(), &file) == 0 ? file.st_ino : 0;
+}
+
 }  // namespace
 
 MessageServer::MessageServer(std::string path, MessageReceiver& receiver)
     : path_(std::move(path)),
       receiver_(receiver),
       socket_(listen_on(path_)),
+      inode_(inode_of(path_)),
       acceptable_(EventSource::on_descriptor(socket_.get(), G_IO_IN, [this] { accept_all(); })) {}
 
-MessageServer::~MessageServer() { unlink(path_.c_str()); }
+// Another host may have put its own in the place meanwhile.
+MessageServer::~MessageServer() {
+    if (inode_of(path_) == inode_) unlink(path_.c_str());
+}
 
 void MessageServer::accept_all() {
     for (;;) {

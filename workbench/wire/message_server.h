@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <list>
 #include <stdexcept>
 #include <string>
@@ -36,6 +38,7 @@ class MessageServer final : private MessageReceiver {
     std::string path_;
     MessageReceiver& receiver_;
     FileDescriptor socket_;
+    ino_t inode_;  // of the socket's file
     std::list<Connection> connections_;
     EventSource acceptable_;
 };

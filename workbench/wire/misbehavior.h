@@ -58,7 +58,7 @@ inline constexpr auto kMisbehaviors = std::to_array<MisbehaviorRow>({
 struct Outgoing {
     std::chrono::seconds delay{0};
     Frame frame;                // null: nothing is sent
-    std::size_t size = 0;       // the first so many bytes of the frame are sent
+    std::size_t size = 0;       // of the frame, or of its beginning if falls_silent
     bool falls_silent = false;  // nothing more is sent on this connection then
     bool hangs_up = false;      // the connection is closed then
 };
