@@ -187,5 +187,14 @@ TEST_F(ProcessMessageTest, DropsItemsThatNoMemoryIsLeftFor) {
     EXPECT_THAT(handlers.dispatches(), IsEmpty());
 }
 
+TEST_F(ProcessMessageTest, GivesUpWhatItsHandlerHasNoMemoryFor) {
+    RecordedHandlers handlers;
+    handlers.table()[1] = [](int*, std::string*) { throw std::bad_alloc(); };
+    process(frame_bytes(1, {}, {"too much"}));
+    process(frame_bytes(0, {}, {"next"}));
+    EXPECT_THAT(logged(), ElementsAre(dropped(1, "out of memory")));
+    EXPECT_THAT(handlers.dispatches(), ElementsAre(Dispatch{0, {}, {"next", "", "", "", "", ""}}));
+}
+
 }  // namespace
 }  // namespace kestrel::testing

@@ -114,6 +114,31 @@ TEST(Sigbus, OfOthersGoesToTheHandlerBefore) {
     EXPECT_EQ(after.sa_sigaction, earlier.sa_sigaction);
 }
 
+struct sigaction guard {};
+int seen_by_later_handler = 0;
+
+// A program's own handler may pass on what is not its own.
+void see_and_pass_on(int number, siginfo_t* info, void* context) {
+    if (++seen_by_later_handler < 10) guard.sa_sigaction(number, info, context);
+}
+
+TEST(Sigbus, OfOthersGoesOnceThroughALaterHandlerAfterASecondStart) {
+    signal(SIGBUS, SIG_IGN);
+    struct sigaction later {};
+    later.sa_flags = SA_SIGINFO;
+    later.sa_sigaction = see_and_pass_on;
+    ZynLogInitConfigOnly();
+    sigaction(SIGBUS, &later, &guard);
+    ZynLogShutdown();
+    ZynLogInitConfigOnly();
+    struct sigaction current {};
+    sigaction(SIGBUS, nullptr, &current);
+    EXPECT_EQ(current.sa_sigaction, later.sa_sigaction);
+    raise(SIGBUS);
+    EXPECT_EQ(seen_by_later_handler, 1);
+    ZynLogShutdown();
+}
+
 TEST(Sigbus, OfOthersEndsTheProcessAsEver) {
     EXPECT_EXIT(
         {
