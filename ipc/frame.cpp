@@ -29,6 +29,9 @@ char* append_item(char* at, std::string_view text) {
     return at + text.size() + 1;
 }
 
+// Up to its first NUL.
+char* append_item(char* at, const std::string& text) { return stpcpy(at, text.c_str()) + 1; }
+
 // The item that starts at `payload[position]`, or nothing if its NUL is missing.
 std::optional<std::string_view> next_item(std::span<const char> payload, std::size_t& position) {
     const std::span<const char> rest = payload.subspan(position);
@@ -58,15 +61,15 @@ Frame build_frame_of(std::int32_t type, std::span<const int> ints, std::span<con
         error_line("webkit_util::wrapMessage could not malloc, message not sent\n");
         return nullptr;
     }
-    *frame = {type, static_cast<std::int32_t>(ints.size()),
-              static_cast<std::int32_t>(strings.size()), *total};
-
     char* at = payload_begin(*frame);
     for (const int value : ints) {
         const IntText item(value);
-        at = append_item(at, {item.text.data(), item.length});
+        at = append_item(at, std::string_view(item.text.data(), item.length));
     }
     for (const Text& text : strings) at = append_item(at, text);
+    *frame = {type, static_cast<std::int32_t>(ints.size()),
+              static_cast<std::int32_t>(strings.size()),
+              static_cast<std::int32_t>(at - payload_begin(*frame))};
     return frame;
 }
 

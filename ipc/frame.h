@@ -40,7 +40,7 @@ inline std::span<const char> bytes_of(const webkit_message& frame) {
 Frame build_frame(std::int32_t type, std::span<const int> ints,
                   std::span<const std::string_view> strings);
 
-// The same of strings, without a list of views of them.
+// The same of strings, each carried up to its first NUL; what is behind that counts in the limit.
 Frame build_frame_of_strings(std::int32_t type, std::span<const int> ints,
                              std::span<const std::string> strings);
 

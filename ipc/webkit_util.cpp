@@ -26,9 +26,10 @@ webkit_message* webkit_util::wrapMessage(int type,
                                          std::vector<int> ints,             // NOLINT
                                          std::vector<std::string> strings)  // NOLINT
 {
+    // What lies behind a NUL makes no message too long.
+    constexpr std::size_t kLong = 1UL << 20U;
     for (std::string& text : strings) {
-        const std::size_t length = std::strlen(text.c_str());
-        if (length != text.size()) text.resize(length);
+        if (text.size() >= kLong) text.resize(std::strlen(text.c_str()));
     }
     return kestrel::build_frame_of_strings(type, ints, strings).release();
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <new>
 
 #include "ipc/webkit_client.h"
 #include "log/zynlog.h"
