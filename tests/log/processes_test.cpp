@@ -113,9 +113,12 @@ TEST(EightThreads, LoseNothingAndTearNoRecord) {
         });
     }
 
+    std::vector<std::string> records(kThreads * kLinesPerThread);
+    for (std::string& record : records) record = connection.read_message();
+    for (std::thread& thread : threads) thread.join();
+
     std::map<int, int> next_line;
-    for (int record = 0; record < kThreads * kLinesPerThread; ++record) {
-        const std::string bytes = connection.read_message();
+    for (const std::string& bytes : records) {
         ASSERT_GT(bytes.size(), 26U);
         ASSERT_EQ(u16_at(bytes, 2), 1U);
         const std::string text = bytes.substr(26, bytes.size() - 27);
@@ -123,7 +126,6 @@ TEST(EightThreads, LoseNothingAndTearNoRecord) {
         ASSERT_EQ(text, line_text(thread, next_line[thread]));
         ++next_line[thread];
     }
-    for (std::thread& thread : threads) thread.join();
     EXPECT_TRUE(connection.is_quiet());
     EXPECT_EQ(next_line.size(), 8U);
 }
