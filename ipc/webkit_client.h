@@ -19,8 +19,8 @@ class webkit_client {
 
     // Starts the link: stores the handler table (61 slots, indexed by message type, null where no
     // handler is; it must live as long as the process) and starts the detached reader thread.
-    // Takes over `socket_path`, a malloc block. A path over 107 bytes is an error line, and no
-    // link is started. Call it once.
+    // Takes over `socket_path`, a malloc block. No path, or one over 107 bytes, is an error line,
+    // and no link is started. Call it once.
     static void initComm(InboundHandler* handlers, char* socket_path);
 
     // The reader thread's body: connects (11 attempts, a second apart), announces the process with

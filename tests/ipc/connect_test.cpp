@@ -209,6 +209,12 @@ TEST_F(ConnectTest, DoesNotStartWithAPathThatIsTooLong) {
                                                             too_long + "\n"}));
 }
 
+TEST_F(ConnectTest, DoesNotStartWithoutAPath) {
+    webkit_client::initComm(handlers.table(), nullptr);
+    EXPECT_EQ(thread_count(), threads_before);
+    EXPECT_EQ(errors.text(), "webkit_client::initComm no socket path, not connecting\n");
+}
+
 // For its lifetime the process can open no further descriptor.
 class DescriptorLimit {
   public:
