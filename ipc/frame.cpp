@@ -52,13 +52,13 @@ Frame build_frame_of(std::int32_t type, std::span<const int> ints, std::span<con
 
     const std::optional<std::int32_t> total = length.total();
     if (!total) {
-        error_line("webkit_util::wrapMessage message is too long, not sent\n");
+        error_line(kFrameTooLong);
         return nullptr;
     }
     const std::size_t size = sizeof(webkit_message) + static_cast<std::size_t>(*total);
     Frame frame(static_cast<webkit_message*>(std::malloc(size)));
     if (!frame) {
-        error_line("webkit_util::wrapMessage could not malloc, message not sent\n");
+        error_line(kNoMemoryForFrame);
         return nullptr;
     }
     char* at = payload_begin(*frame);

@@ -35,6 +35,12 @@ inline std::span<const char> bytes_of(const webkit_message& frame) {
             sizeof frame + static_cast<std::size_t>(frame.total_len_of_string)};
 }
 
+// What is said when a frame cannot be built.
+inline constexpr std::string_view kFrameTooLong =
+    "webkit_util::wrapMessage message is too long, not sent\n";
+inline constexpr std::string_view kNoMemoryForFrame =
+    "webkit_util::wrapMessage could not malloc, message not sent\n";
+
 // Builds a frame. The strings must hold no NUL. Null, with a line on standard error, when the frame
 // would be longer than kMaxFrame or memory is out. Any thread.
 Frame build_frame(std::int32_t type, std::span<const int> ints,

@@ -28,13 +28,13 @@ void give_block_back(char* block) { std::free(kept_block.exchange(block)); }
 
 OutgoingFrame::OutgoingFrame(std::int32_t type, std::size_t payload) {
     if (payload > kMaxFrame - sizeof(webkit_message)) {
-        error_line("webkit_util::wrapMessage message is too long, not sent\n");
+        error_line(kFrameTooLong);
         return;
     }
     size_ = sizeof(webkit_message) + payload;
     char* const block = block_for(size_);
     if (block == nullptr) {
-        error_line("webkit_util::wrapMessage could not malloc, message not sent\n");
+        error_line(kNoMemoryForFrame);
         return;
     }
     header_ = reinterpret_cast<webkit_message*>(block);

@@ -44,6 +44,15 @@ TEST(MessageLog, KeepsNoMoreBytesThanItMay) {
     EXPECT_EQ(log.rows().front().serial, 5U);
 }
 
+// A line of a trace may tell another size.
+TEST(MessageLog, CountsTheBytesThatItKeeps) {
+    MessageLog log({.rows = 100, .bytes = 100});
+    MessageRecord record = from_page(5, {std::string(90, 'x')});
+    record.size = 0;
+    for (int i = 0; i < 3; ++i) log.add(record);
+    EXPECT_EQ(log.rows().size(), 1U);
+}
+
 TEST(MessageLog, TiesARequestToItsAnswer) {
     MessageLog log;
     log.add(from_page(18, {"key", "take"}));
