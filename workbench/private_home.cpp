@@ -15,13 +15,13 @@ namespace fs = std::filesystem;
 constexpr const char* kClientDirectory = "/.QUOClient";
 constexpr const char* kSocketFile = "/webkit_socket2";
 
-[[noreturn]] void fail(const std::string& path) {
+[[noreturn]] void fail_to_make(const std::string& path) {
     throw std::system_error(errno, std::generic_category(), path);
 }
 
 std::string make_temporary_directory() {
     std::string path = fs::temp_directory_path() / "kestrel-workbench-XXXXXX";
-    if (mkdtemp(path.data()) == nullptr) fail(path);
+    if (mkdtemp(path.data()) == nullptr) fail_to_make(path);
     return path;
 }
 
@@ -34,7 +34,8 @@ std::string socket_path_in(const std::string& home) {
 PrivateHome::PrivateHome(const std::string& given)
     : path_(given.empty() ? make_temporary_directory() : given), is_temporary_(given.empty()) {
     const std::string client_directory = path_ + kClientDirectory;
-    if (mkdir(client_directory.c_str(), S_IRWXU) == -1 && errno != EEXIST) fail(client_directory);
+    if (mkdir(client_directory.c_str(), S_IRWXU) == -1 && errno != EEXIST)
+        fail_to_make(client_directory);
 }
 
 PrivateHome::~PrivateHome() {

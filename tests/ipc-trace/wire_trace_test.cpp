@@ -30,7 +30,7 @@ using ::testing::MatchesRegex;
 using ::testing::SizeIs;
 using ::testing::StrEq;
 
-const std::string kTime = R"(\[[0-9]{2}:[0-9]{2}:[0-9]{2}[.][0-9]{6}\])";
+const std::string kTimePattern = R"(\[[0-9]{2}:[0-9]{2}:[0-9]{2}[.][0-9]{6}\])";
 
 void send_text(std::int32_t type, std::string_view text) { send(type, {}, std::array{text}); }
 
@@ -64,11 +64,12 @@ TEST_F(WireTraceDeathTest, PrintsNothingUnlessAskedTo) {
 }
 
 TEST_F(WireTraceDeathTest, PrintsTheFramesOfBothDirectionsInTheirOrder) {
-    EXPECT_EXIT(converse("1"), ExitedWithCode(0),
-                MatchesRegex(kTime + " <- +([0-9]+)  61 announce [0-9]+\n" +  //
-                             kTime + " <- +[0-9]+  18 getItem \"key\"\n" +    //
-                             kTime + " -> +[0-9]+   1 answer \"f\" \"a\\\\n\\\\xff\"\n" + kTime +
-                             " <- +[0-9]+  33 answerDelivered \"f\" \"a\\\\n\\\\xff\"\n"));
+    EXPECT_EXIT(
+        converse("1"), ExitedWithCode(0),
+        MatchesRegex(kTimePattern + " <- +([0-9]+)  61 announce [0-9]+\n" +  //
+                     kTimePattern + " <- +[0-9]+  18 getItem \"key\"\n" +    //
+                     kTimePattern + " -> +[0-9]+   1 answer \"f\" \"a\\\\n\\\\xff\"\n" +
+                     kTimePattern + " <- +[0-9]+  33 answerDelivered \"f\" \"a\\\\n\\\\xff\"\n"));
 }
 
 TEST_F(WireTraceDeathTest, PrintsAFrameThatDoesNotDecode) {

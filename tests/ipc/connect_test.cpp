@@ -19,6 +19,7 @@
 #include "ipc/send.h"
 #include "log/zynlog.h"
 #include "tests/ipc/link_fixture.h"
+#include "tests/ipc/log_lines.h"
 #include "tests/support/frame_bytes.h"
 #include "tests/support/listening_host.h"
 
@@ -26,8 +27,6 @@ namespace kestrel::testing {
 namespace {
 
 using ::testing::ElementsAre;
-
-const LogLine kStarted{kLogWebkit, kInfo, "+"};
 
 std::string announcement() { return frame_bytes(61, {std::to_string(getpid())}, {}); }
 

@@ -9,6 +9,7 @@
 
 #include "ipc/webkit_client.h"
 #include "log/zynlog.h"
+#include "tests/ipc/log_lines.h"
 #include "tests/support/log_recorder.h"
 #include "tests/support/process_state.h"
 #include "tests/support/stderr_capture.h"
@@ -17,8 +18,6 @@ namespace kestrel::testing {
 namespace {
 
 using ::testing::ElementsAre;
-
-const LogLine kStarted{kLogWebkit, kInfo, "+"};
 
 class DeinitCommTest : public ::testing::Test {
   protected:

@@ -12,6 +12,7 @@
 
 #include "ipc/send.h"
 #include "log/zynlog.h"
+#include "tests/ipc/log_lines.h"
 #include "tests/ipc/reader_thread.h"
 #include "tests/ipc/recorded_handlers.h"
 #include "tests/support/link_peer.h"
@@ -27,7 +28,6 @@ using ::testing::StartsWith;
 
 constexpr std::size_t kHeader = 16;
 
-const LogLine kHostClosed{kLogWebkit, kError, "Host closed the connection, exiting thread\n"};
 const LogLine kTornHeader{kLogWebkit, kFatal, "Error in reading first four ints: Success\n"};
 
 // What comes whole before the frame that is cut, and that frame: cuts fall within items and

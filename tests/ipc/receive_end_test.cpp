@@ -11,6 +11,7 @@
 #include "ipc/webkit_util.h"
 #include "log/zynlog.h"
 #include "tests/ipc/child_report.h"
+#include "tests/ipc/log_lines.h"
 #include "tests/ipc/memory_limit.h"
 #include "tests/ipc/message_block.h"
 #include "tests/ipc/reader_thread.h"
@@ -27,8 +28,6 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 using namespace std::string_literals;
-
-const LogLine kHostClosed{kLogWebkit, kError, "Host closed the connection, exiting thread\n"};
 
 class ReceiveEndTest : public ::testing::Test {
   protected:

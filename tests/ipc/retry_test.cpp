@@ -13,6 +13,7 @@
 #include "tests/ipc/child_report.h"
 #include "tests/ipc/fake_sleep.h"
 #include "tests/ipc/link_fixture.h"
+#include "tests/ipc/log_lines.h"
 #include "tests/support/frame_bytes.h"
 #include "tests/support/listening_host.h"
 
@@ -22,8 +23,6 @@ namespace {
 using ::testing::ElementsAreArray;
 using ::testing::EndsWith;
 using ::testing::ExitedWithCode;
-
-constexpr auto kGaveUp = "Connection error with webkit_server";
 
 std::string retry_text(int left) {
     return "Failed to connect to server, trying again after 1 secs, retries left : " +
@@ -44,13 +43,13 @@ class RetryTest : public LinkTest {
     // The link is started while nobody listens, and gives up.
     void fail_to_connect() {
         start_link();
-        ASSERT_TRUE(wait_for_log(kGaveUp));
+        ASSERT_TRUE(wait_for_log(kGaveUp.text));
         ASSERT_TRUE(reader_has_ended());
     }
 
     void expect_ten_retries() const {
         std::vector<LogLine> lines = log_of_retries(10);
-        lines.push_back({kLogWebkit, kError, kGaveUp});
+        lines.push_back(kGaveUp);
         EXPECT_THAT(logged(), ElementsAreArray(lines));
         EXPECT_EQ(errors.text(), "Connection error!\n");
     }
@@ -169,7 +168,7 @@ TEST_F(RetryDeathTest, ASendAfterGivingUpEndsTheProcess) {
         {
             const FakeSleep sleeps;
             start_link_to_nobody();
-            wait_for_log(kGaveUp);
+            wait_for_log(kGaveUp.text);
             { const std::scoped_lock given_up(webkit_client::mu); }
             report_at_exit();
             send(6, {}, {});

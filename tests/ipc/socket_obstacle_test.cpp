@@ -18,6 +18,7 @@
 #include "ipc/webkit_client.h"
 #include "tests/ipc/fake_sleep.h"
 #include "tests/ipc/link_fixture.h"
+#include "tests/ipc/log_lines.h"
 #include "tests/support/frame_bytes.h"
 #include "tests/support/listening_host.h"
 
@@ -26,8 +27,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using ::testing::SizeIs;
-
-constexpr auto kGaveUp = "Connection error with webkit_server";
 
 // Kind, mode, size, times and content: what would show that somebody has touched it.
 std::string look_at(const fs::path& path) {
@@ -95,7 +94,7 @@ TEST_P(SocketObstacle, IsLeftAloneUntilTheLinkGivesUp) {
     const std::string before = look_at(path) + look_at(beside);
     const FakeSleep sleeps;
     start_link();
-    ASSERT_TRUE(wait_for_log(kGaveUp));
+    ASSERT_TRUE(wait_for_log(kGaveUp.text));
     ASSERT_TRUE(reader_has_ended());
     EXPECT_THAT(sleeps.calls(), SizeIs(10));
     EXPECT_EQ(errors.text(), "Connection error!\n");

@@ -9,17 +9,17 @@ namespace {
 
 constexpr std::string_view kNotANumber = "-2147483648";
 
-struct Conversion {
+struct NumberConversion {
     std::string_view name;
     std::string_view value;  // as script
     std::string_view sent;
 
-    friend void PrintTo(const Conversion& conversion, std::ostream* out) {
+    friend void PrintTo(const NumberConversion& conversion, std::ostream* out) {
         *out << conversion.name;
     }
 };
 
-constexpr Conversion kConversions[] = {
+constexpr NumberConversion kNumberConversions[] = {
     {"Zero", "0", "0"},
     {"NegativeZero", "-0", "0"},
     {"FractionIsCut", "255.9", "255"},
@@ -57,7 +57,7 @@ constexpr Conversion kConversions[] = {
     {"OneTooSmall", "-2147483649", kNotANumber},
 };
 
-class Number : public PageApiWithHost, public ::testing::WithParamInterface<Conversion> {};
+class Number : public PageApiWithHost, public ::testing::WithParamInterface<NumberConversion> {};
 
 TEST_P(Number, BecomesAnInteger) {
     call("external.recolorImage('', 1, 2, " + std::string(GetParam().value) + ", 4, '')");
@@ -65,7 +65,7 @@ TEST_P(Number, BecomesAnInteger) {
     EXPECT_EQ(errors.text(), "");
 }
 
-INSTANTIATE_TEST_SUITE_P(Value, Number, ::testing::ValuesIn(kConversions));
+INSTANTIATE_TEST_SUITE_P(Value, Number, ::testing::ValuesIn(kNumberConversions));
 
 using SettingsMenu = PageApiWithHost;
 

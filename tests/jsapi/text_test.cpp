@@ -12,17 +12,17 @@ namespace {
 
 using namespace std::string_view_literals;
 
-struct Conversion {
+struct TextConversion {
     std::string_view name;
     std::string_view value;  // as script
     std::string_view sent;
 
-    friend void PrintTo(const Conversion& conversion, std::ostream* out) {
+    friend void PrintTo(const TextConversion& conversion, std::ostream* out) {
         *out << conversion.name;
     }
 };
 
-class Text : public PageApiWithHost, public ::testing::WithParamInterface<Conversion> {
+class Text : public PageApiWithHost, public ::testing::WithParamInterface<TextConversion> {
   protected:
     void send(std::string_view value) const {
         call("external.sendAction(" + std::string(value) + ")");
@@ -35,7 +35,7 @@ TEST_P(Text, IsWhatScriptMakesOfAValue) {
     EXPECT_EQ(errors.text(), "");
 }
 
-constexpr Conversion kConversions[] = {
+constexpr TextConversion kTextConversions[] = {
     {"String", "'text'", "text"},
     {"EmptyString", "''", ""},
     {"StringObject", "new String('boxed')", "boxed"},
@@ -59,9 +59,9 @@ constexpr Conversion kConversions[] = {
     {"ControlCharacters", R"('a\n\r\t\x01\x7f')", "a\n\r\t\x01\x7f"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Value, Text, ::testing::ValuesIn(kConversions));
+INSTANTIATE_TEST_SUITE_P(Value, Text, ::testing::ValuesIn(kTextConversions));
 
-constexpr Conversion kCuts[] = {
+constexpr TextConversion kCuts[] = {
     {"AtU0000", R"('before\0after')", "before"},
     {"AtU0000BeyondLatin1", R"('\u20ac\0\u20ac')", "\u20ac"},
     {"AtALeadingU0000", R"('\0after')", ""},
@@ -76,7 +76,7 @@ constexpr Conversion kCuts[] = {
 INSTANTIATE_TEST_SUITE_P(Cut, Text, ::testing::ValuesIn(kCuts));
 
 // Every conversion here yields no text: one line, and an empty string is sent.
-constexpr Conversion kFailures[] = {
+constexpr TextConversion kFailures[] = {
     {"ToStringThrows", "{toString() { throw new Error('no') }}", ""},
     {"ToPrimitiveThrows", "{[Symbol.toPrimitive]() { throw 1 }}", ""},
     {"GetterThrows", "{get toString() { throw 1 }}", ""},

@@ -13,21 +13,21 @@
 #include "log/zynlog_config.h"
 #include "tests/log/bytes.h"
 #include "tests/log/machine.h"
+#include "tests/support/file_content.h"
 
 namespace {
 
 using kestrel::kLogFailure;
 using kestrel::testing::client_directory;
+using kestrel::testing::file_content;
 using kestrel::testing::home;
 using kestrel::testing::put_u32;
-using kestrel::testing::read_file;
+using kestrel::testing::record_bytes;
+using kestrel::testing::record_path;
 using kestrel::testing::u32_at;
 using kestrel::testing::write_file;
 
 constexpr std::size_t kRecordSize = 516;
-
-std::string record_path() { return home() + "/.QUOClient/.zynlogconf"; }
-std::string record() { return read_file(record_path()); }
 
 std::string default_record() {
     std::string bytes(kRecordSize, '\0');
@@ -59,17 +59,17 @@ void plant(std::string_view bytes) {
 
 TEST(ConfigRecord, IsCreatedWithTheDefaults) {
     EXPECT_EQ(ZynLogInitConfigOnly(), 1);
-    EXPECT_EQ(record(), default_record());
+    EXPECT_EQ(record_bytes(), default_record());
 }
 
 TEST(ConfigRecord, IsCreatedByZynLogInitToo) {
     EXPECT_EQ(ZynLogInit(), 1);
-    EXPECT_EQ(record(), default_record());
+    EXPECT_EQ(record_bytes(), default_record());
 }
 
 TEST(ConfigRecord, EndsWithTheMagicInLittleEndian) {
     EXPECT_EQ(ZynLogInitConfigOnly(), 1);
-    EXPECT_EQ(record().substr(512), "\x78\x56\x34\x12");
+    EXPECT_EQ(record_bytes().substr(512), "\x78\x56\x34\x12");
 }
 
 TEST(ConfigRecord, IsOpenToEveryUserWhateverTheUmask) {
@@ -113,17 +113,17 @@ TEST(ConfigRecord, HasEachSettingAtItsOffset) {
 
     ZynLogEnableFlags(0x8000'1000);
     put_u32(expected, 0, 0x8000'162f);
-    EXPECT_EQ(record(), expected);
+    EXPECT_EQ(record_bytes(), expected);
 
     for (std::uint32_t log_class = 0; log_class < 60; ++log_class) {
         EXPECT_EQ(ZynLogSetCurrentLevel(log_class, 1 + log_class % 7), 1);
         put_u32(expected, 4 + 4 * log_class, 1 + log_class % 7);
-        EXPECT_EQ(record(), expected);
+        EXPECT_EQ(record_bytes(), expected);
     }
 
     ZynLogSetOutputPath("/a/b");
     expected.replace(244, 256, "/a/b" + std::string(252, '\0'));
-    EXPECT_EQ(record(), expected);
+    EXPECT_EQ(record_bytes(), expected);
 
     ZynLogSetRolloverSize(2000);
     put_u32(expected, 500, 2000);
@@ -131,7 +131,7 @@ TEST(ConfigRecord, HasEachSettingAtItsOffset) {
     put_u32(expected, 504, 100);
     ZynLogSetSessionMax(1999);
     put_u32(expected, 508, 1999);
-    EXPECT_EQ(record(), expected);
+    EXPECT_EQ(record_bytes(), expected);
 }
 
 TEST(ConfigRecord, IsReadFromItsOffsets) {
@@ -157,29 +157,29 @@ TEST(ConfigRecord, IsReadFromItsOffsets) {
     EXPECT_EQ(ZynLogGetRolloverSize(), 3U);
     EXPECT_EQ(ZynLogGetRolloverCount(), 5U);
     EXPECT_EQ(ZynLogGetSessionMax(), 7U);
-    EXPECT_EQ(record(), bytes);
+    EXPECT_EQ(record_bytes(), bytes);
 }
 
 TEST(ConfigRecord, HoldsAPathOf255CharactersWhole) {
     ZynLogInitConfigOnly();
     const std::string path(255, 'p');
     EXPECT_EQ(ZynLogSetOutputPath(path.c_str()), 1);
-    EXPECT_EQ(record().substr(244, 256), path + std::string(1, '\0'));
+    EXPECT_EQ(record_bytes().substr(244, 256), path + std::string(1, '\0'));
 }
 
 TEST(ConfigRecord, LeavesAPathOf256CharactersWithoutTerminator) {
     ZynLogInitConfigOnly();
     const std::string path(256, 'p');
     EXPECT_EQ(ZynLogSetOutputPath(path.c_str()), 1);
-    EXPECT_EQ(record().substr(244, 256), path);
-    EXPECT_EQ(u32_at(record(), 500), 200U);
+    EXPECT_EQ(record_bytes().substr(244, 256), path);
+    EXPECT_EQ(u32_at(record_bytes(), 500), 200U);
 }
 
 TEST(ConfigRecord, CutsAPathOf1000Characters) {
     ZynLogInitConfigOnly();
     EXPECT_EQ(ZynLogSetOutputPath(std::string(1'000, 'p').c_str()), 1);
-    EXPECT_EQ(record().substr(244, 256), std::string(256, 'p'));
-    EXPECT_EQ(u32_at(record(), 500), 200U);
+    EXPECT_EQ(record_bytes().substr(244, 256), std::string(256, 'p'));
+    EXPECT_EQ(u32_at(record_bytes(), 500), 200U);
 }
 
 TEST(ConfigRecord, CutsADefaultPathThatIsTooLong) {
@@ -187,7 +187,7 @@ TEST(ConfigRecord, CutsADefaultPathThatIsTooLong) {
     while (deep.size() < 300) deep += "/directory";
     setenv("HOME", deep.c_str(), 1);
     ASSERT_EQ(ZynLogInitConfigOnly(), 1);
-    const std::string bytes = read_file(deep + "/.QUOClient/.zynlogconf");
+    const std::string bytes = file_content(deep + "/.QUOClient/.zynlogconf");
     EXPECT_EQ(bytes.substr(244, 256), deep.substr(0, 256));
     EXPECT_EQ(u32_at(bytes, 500), 200U);
 }
@@ -199,7 +199,7 @@ TEST(NeighboursRecord, IsResetUnlessItCarriesTheMagic) {
         if (size >= kRecordSize) put_u32(bytes, 512, 0x12345679);
         plant(bytes);
         ASSERT_EQ(ZynLogInitConfigOnly(), 1) << size;
-        ASSERT_EQ(record(), default_record()) << size;
+        ASSERT_EQ(record_bytes(), default_record()) << size;
         ZynLogShutdown();
     }
 }
@@ -210,7 +210,7 @@ TEST(NeighboursRecord, KeepsItsFirst516BytesIfItCarriesTheMagic) {
         put_u32(bytes, 512, 0x12345678);
         plant(bytes);
         ASSERT_EQ(ZynLogInitConfigOnly(), 1) << size;
-        ASSERT_EQ(record(), bytes.substr(0, kRecordSize)) << size;
+        ASSERT_EQ(record_bytes(), bytes.substr(0, kRecordSize)) << size;
         ASSERT_EQ(ZynLogGetCurrentLevel(59), u32_at(bytes, 240)) << size;
         ZynLogShutdown();
     }
@@ -244,7 +244,7 @@ TEST(NeighboursRecord, MayBeReplacedWhileItIsMapped) {
 
     EXPECT_EQ(ZynLogGetSessionMax(), 200U);
     EXPECT_EQ(ZynLogSetSessionMax(10), 1);
-    EXPECT_EQ(u32_at(record(), 508), 9U);
+    EXPECT_EQ(u32_at(record_bytes(), 508), 9U);
     ZynLogShutdown();
     ZynLogInitConfigOnly();
     EXPECT_EQ(ZynLogGetSessionMax(), 9U);
@@ -259,9 +259,9 @@ TEST(NeighboursRecord, MayBeDeletedWhileItIsMapped) {
 
 TEST(ConfigRecord, IsNoLongerMappedAfterShutdown) {
     ZynLogInitConfigOnly();
-    EXPECT_THAT(read_file("/proc/self/maps"), testing::HasSubstr(".zynlogconf"));
+    EXPECT_THAT(file_content("/proc/self/maps"), testing::HasSubstr(".zynlogconf"));
     ZynLogShutdown();
-    EXPECT_THAT(read_file("/proc/self/maps"), testing::Not(testing::HasSubstr(".zynlogconf")));
+    EXPECT_THAT(file_content("/proc/self/maps"), testing::Not(testing::HasSubstr(".zynlogconf")));
 }
 
 TEST(ConfigRecord, TakesNoMoreAddressSpaceWithEachInit) {

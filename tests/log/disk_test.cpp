@@ -14,6 +14,7 @@
 #include "tests/log/fake_daemon.h"
 #include "tests/log/machine.h"
 #include "tests/log/syslog_recorder.h"
+#include "tests/support/file_content.h"
 
 namespace kestrel::testing {
 namespace {
@@ -77,7 +78,7 @@ TEST_F(ReadOnlyHome, LeavesTheSettingsThatLieThere) {
     make_read_only(true);
     EXPECT_EQ(ZynLogInitConfigOnly(), 0);
     expect_no_settings();
-    EXPECT_EQ(read_file(record_), "as it was");
+    EXPECT_EQ(file_content(record_), "as it was");
 }
 
 TEST_F(ReadOnlyHome, ReachesTheDaemonThatListensThere) {
@@ -102,7 +103,7 @@ TEST_F(ReadOnlyHome, ThatIsWritableAgainHasSettingsAtTheNextStart) {
     make_read_only(false);
     EXPECT_EQ(ZynLogInitConfigOnly(), 1);
     EXPECT_EQ(ZynLogSetSessionMax(10), 1);
-    EXPECT_EQ(u32_at(read_file(record_), 508), 10U);
+    EXPECT_EQ(u32_at(file_content(record_), 508), 10U);
 }
 
 TEST_F(FullHome, WithoutRoomForDirectoriesHasNoFiles) {
@@ -130,7 +131,7 @@ TEST_F(FullHome, KeepsTheSettingsInTheProcess) {
     EXPECT_EQ(ZynLogGetWorkingLevel(kLogWebkit), 4U);
     EXPECT_EQ(ZynLogSetSessionMax(10), 1);
     EXPECT_EQ(ZynLogGetSessionMax(), 10U);
-    EXPECT_EQ(read_file(record_), std::string(516, '\0'));
+    EXPECT_EQ(file_content(record_), std::string(516, '\0'));
 }
 
 TEST_F(FullHome, ThatHasRoomAgainKeepsThemAtTheNextStart) {
@@ -144,7 +145,7 @@ TEST_F(FullHome, ThatHasRoomAgainKeepsThemAtTheNextStart) {
     EXPECT_EQ(ZynLogInitConfigOnly(), 1);
     EXPECT_EQ(ZynLogGetSessionMax(), 200U);
     EXPECT_EQ(ZynLogSetSessionMax(11), 1);
-    EXPECT_EQ(u32_at(read_file(record_), 508), 11U);
+    EXPECT_EQ(u32_at(file_content(record_), 508), 11U);
 }
 
 // A record that has its place keeps it.
@@ -153,7 +154,7 @@ TEST_F(FullHome, LeavesSettingsThatWereThereBeforeToAllProcesses) {
     ZynLogInitConfigOnly();
     write_file(home() + "/ballast", std::string(1'000'000, 'x'));
     EXPECT_EQ(ZynLogSetSessionMax(12), 1);
-    EXPECT_EQ(u32_at(read_file(record_), 508), 12U);
+    EXPECT_EQ(u32_at(file_content(record_), 508), 12U);
 }
 
 }  // namespace

@@ -17,19 +17,19 @@
 #include "log/zynlog_paths.h"
 #include "tests/log/bytes.h"
 #include "tests/log/machine.h"
+#include "tests/support/file_content.h"
 
 namespace {
 
 using kestrel::kLogWebkit;
 using kestrel::kVerbose;
 using kestrel::testing::client_directory;
+using kestrel::testing::file_content;
 using kestrel::testing::home;
-using kestrel::testing::read_file;
+using kestrel::testing::record_bytes;
+using kestrel::testing::record_path;
 using kestrel::testing::u32_at;
 using kestrel::testing::write_file;
-
-std::string record_path() { return client_directory() + "/.zynlogconf"; }
-std::string record() { return read_file(record_path()); }
 
 TEST(NeighboursRecord, MayBeCutShortWhileItIsMapped) {
     ZynLogInitConfigOnly();
@@ -39,7 +39,7 @@ TEST(NeighboursRecord, MayBeCutShortWhileItIsMapped) {
     EXPECT_EQ(ZynLogGetOutputPath(), std::string(GetLogFilePath()));
     EXPECT_EQ(ZynLogSetSessionMax(10), 1);
     EXPECT_EQ(ZynLogGetSessionMax(), 10U);
-    EXPECT_EQ(record(), "");
+    EXPECT_EQ(record_bytes(), "");
 }
 
 TEST(NeighboursRecord, MayBeCutShortAgainAndAgain) {
@@ -51,9 +51,9 @@ TEST(NeighboursRecord, MayBeCutShortAgainAndAgain) {
         ZynLogShutdown();
     }
     ZynLogInitConfigOnly();
-    EXPECT_EQ(record().size(), 516U);
+    EXPECT_EQ(record_bytes().size(), 516U);
     EXPECT_EQ(ZynLogSetSessionMax(12), 1);
-    EXPECT_EQ(u32_at(record(), 508), 12U);
+    EXPECT_EQ(u32_at(record_bytes(), 508), 12U);
 }
 
 TEST(NeighboursRecord, MayBeCutShortWhileThreadsRead) {
@@ -79,7 +79,7 @@ TEST(NeighboursRecord, MayBeALinkThatIsNotFollowed) {
     write_file(target, "dear diary");
     std::filesystem::create_symlink(target, record_path());
     EXPECT_EQ(ZynLogInitConfigOnly(), 0);
-    EXPECT_EQ(read_file(target), "dear diary");
+    EXPECT_EQ(file_content(target), "dear diary");
 }
 
 TEST(NeighboursRecord, MayBeADanglingLinkThatIsNotFollowed) {

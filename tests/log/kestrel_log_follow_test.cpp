@@ -21,6 +21,7 @@
 #include "tests/log/fake_daemon.h"
 #include "tests/log/machine.h"
 #include "tests/log/program.h"
+#include "tests/support/file_content.h"
 
 namespace {
 
@@ -273,7 +274,7 @@ TEST(Follow, LeavesAFileThatIsNoSocket) {
     const Outcome outcome = kestrel_log({"follow"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.error, HasSubstr("is not a socket"));
-    EXPECT_EQ(kestrel::testing::read_file(socket_path()), "precious");
+    EXPECT_EQ(kestrel::testing::file_content(socket_path()), "precious");
 }
 
 TEST(Follow, LeavesASocketThatHasTakenItsPlace) {

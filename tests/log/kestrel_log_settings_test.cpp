@@ -20,12 +20,10 @@ namespace {
 using kestrel::testing::home;
 using kestrel::testing::kestrel_log;
 using kestrel::testing::Outcome;
-using kestrel::testing::read_file;
+using kestrel::testing::record_bytes;
 using kestrel::testing::u32_at;
 using testing::ContainsRegex;
 using testing::HasSubstr;
-
-std::string record() { return read_file(home() + "/.QUOClient/.zynlogconf"); }
 
 // A change that works says nothing.
 void expect_silent_success(const Outcome& outcome) {
@@ -40,12 +38,12 @@ class KestrelLog : public testing::Test {
 
     // The change is refused with a message, and nothing is changed.
     void expect_refused(std::initializer_list<std::string> arguments, const std::string& message) {
-        const std::string before = record();
+        const std::string before = record_bytes();
         const Outcome outcome = kestrel_log(arguments);
         EXPECT_EQ(outcome.status, 2) << message;
         EXPECT_EQ(outcome.output, "");
         EXPECT_THAT(outcome.error, HasSubstr(message));
-        EXPECT_EQ(record(), before);
+        EXPECT_EQ(record_bytes(), before);
     }
 };
 
@@ -99,9 +97,9 @@ TEST_F(KestrelLog, ShowsWhatNeighboursLeaveInTheRecord) {
 
 TEST_F(KestrelLog, SetsALevelByNames) {
     expect_silent_success(kestrel_log({"level", "WEBKIT", "VERBOSE"}));
-    EXPECT_EQ(u32_at(record(), 4 + 4 * 41), 1U);
+    EXPECT_EQ(u32_at(record_bytes(), 4 + 4 * 41), 1U);
     expect_silent_success(kestrel_log({"level", "webkit", "None"}));
-    EXPECT_EQ(u32_at(record(), 4 + 4 * 41), 7U);
+    EXPECT_EQ(u32_at(record_bytes(), 4 + 4 * 41), 7U);
 }
 
 TEST_F(KestrelLog, RefusesNamesThatAreNot) {
@@ -128,16 +126,16 @@ TEST_F(KestrelLog, RefusesWithoutRepairingADamagedRecord) {
     const std::string garbage(2'000, 'x');
     std::ofstream(home() + "/.QUOClient/.zynlogconf") << garbage;
     expect_refused({"level", "NOPE", "VERBOSE"}, "there is no class 'NOPE'");
-    EXPECT_EQ(record(), garbage);
+    EXPECT_EQ(record_bytes(), garbage);
 }
 
 TEST_F(KestrelLog, SetsAndClearsFlags) {
     expect_silent_success(kestrel_log({"flags", "--enable", "thread-name", "--disable", "0xf"}));
-    EXPECT_EQ(u32_at(record(), 0), 0x1620U);
+    EXPECT_EQ(u32_at(record_bytes(), 0), 0x1620U);
     expect_silent_success(kestrel_log({"flags", "--disable", "thread-name"}));
-    EXPECT_EQ(u32_at(record(), 0), 0x620U);
+    EXPECT_EQ(u32_at(record_bytes(), 0), 0x620U);
     expect_silent_success(kestrel_log({"flags", "--enable", "4294967295"}));
-    EXPECT_EQ(u32_at(record(), 0), 0xffff'ffffU);
+    EXPECT_EQ(u32_at(record_bytes(), 0), 0xffff'ffffU);
 }
 
 TEST_F(KestrelLog, RefusesFlagsThatAreNot) {
@@ -152,7 +150,7 @@ TEST_F(KestrelLog, RefusesFlagsThatAreNot) {
 TEST_F(KestrelLog, SetsTheOutputPath) {
     const std::string longest = "/" + std::string(254, 'p');
     expect_silent_success(kestrel_log({"output", longest}));
-    EXPECT_EQ(record().substr(244, 256), longest + std::string(1, '\0'));
+    EXPECT_EQ(record_bytes().substr(244, 256), longest + std::string(1, '\0'));
 }
 
 TEST_F(KestrelLog, RefusesOutputPathsThatDoNotFit) {
@@ -163,11 +161,11 @@ TEST_F(KestrelLog, RefusesOutputPathsThatDoNotFit) {
 
 TEST_F(KestrelLog, SetsTheRollover) {
     expect_silent_success(kestrel_log({"rollover", "--size", "2000", "--count", "0"}));
-    EXPECT_EQ(u32_at(record(), 500), 2000U);
-    EXPECT_EQ(u32_at(record(), 504), 0U);
+    EXPECT_EQ(u32_at(record_bytes(), 500), 2000U);
+    EXPECT_EQ(u32_at(record_bytes(), 504), 0U);
     expect_silent_success(kestrel_log({"rollover", "--count", "100"}));
-    EXPECT_EQ(u32_at(record(), 500), 2000U);
-    EXPECT_EQ(u32_at(record(), 504), 100U);
+    EXPECT_EQ(u32_at(record_bytes(), 500), 2000U);
+    EXPECT_EQ(u32_at(record_bytes(), 504), 100U);
 }
 
 TEST_F(KestrelLog, RefusesRolloversOutOfRange) {
@@ -180,23 +178,23 @@ TEST_F(KestrelLog, RefusesRolloversOutOfRange) {
 
 TEST_F(KestrelLog, SetsTheSessionMaximum) {
     expect_silent_success(kestrel_log({"session", "0"}));
-    EXPECT_EQ(u32_at(record(), 508), 0U);
+    EXPECT_EQ(u32_at(record_bytes(), 508), 0U);
     expect_silent_success(kestrel_log({"session", "2000"}));
-    EXPECT_EQ(u32_at(record(), 508), 2000U);
+    EXPECT_EQ(u32_at(record_bytes(), 508), 2000U);
     expect_refused({"session", "2001"}, "not in range 0 to 2000");
 }
 
 TEST_F(KestrelLog, ResetsEverything) {
-    const std::string defaults = record();
+    const std::string defaults = record_bytes();
     kestrel_log({"level", "ALL", "NONE"});
     kestrel_log({"level", "CLASS59", "INFO"});
     kestrel_log({"flags", "--enable", "0xfffff000", "--disable", "0x1"});
     kestrel_log({"output", "/x"});
     kestrel_log({"rollover", "--size", "1", "--count", "1"});
     kestrel_log({"session", "1"});
-    EXPECT_NE(record(), defaults);
+    EXPECT_NE(record_bytes(), defaults);
     expect_silent_success(kestrel_log({"reset"}));
-    EXPECT_EQ(record(), defaults);
+    EXPECT_EQ(record_bytes(), defaults);
 }
 
 TEST_F(KestrelLog, HasHelpAndAVersion) {

@@ -15,8 +15,8 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
+#include "tests/support/file_content.h"
 #include "tests/support/temporary_directory.h"
 
 namespace kestrel::testing {
@@ -92,6 +92,10 @@ std::string client_directory() {
     return directory;
 }
 
+std::string record_path() { return client_directory() + "/.zynlogconf"; }
+
+std::string record_bytes() { return file_content(record_path()); }
+
 bool cover(const std::string& directory) {
     return mount("none", directory.c_str(), "tmpfs", 0, "mode=0755") == 0;
 }
@@ -100,11 +104,6 @@ bool has_private_machine() { return private_machine; }
 
 void write_file(const std::string& path, std::string_view content) {
     std::ofstream(path, std::ios::binary) << content;
-}
-
-std::string read_file(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 std::set<int> open_descriptors() {

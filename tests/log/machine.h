@@ -16,6 +16,10 @@ const std::string& home();
 // Its ".QUOClient", which exists.
 std::string client_directory();
 
+// Where the shared record lies, and its bytes.
+std::string record_path();
+std::string record_bytes();
+
 // Puts a new, empty file system over a directory that only this process sees. False when the
 // kernel refuses.
 bool cover(const std::string& directory);
@@ -24,7 +28,6 @@ bool cover(const std::string& directory);
 bool has_private_machine();
 
 void write_file(const std::string& path, std::string_view content);
-std::string read_file(const std::string& path);
 
 // The open descriptors of this process.
 std::set<int> open_descriptors();

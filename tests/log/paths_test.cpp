@@ -13,6 +13,7 @@
 #include "tests/log/bytes.h"
 #include "tests/log/fake_daemon.h"
 #include "tests/log/machine.h"
+#include "tests/support/file_content.h"
 
 namespace {
 
@@ -184,7 +185,7 @@ TEST_F(SystemLogDirectory, HoldsTheSettingsAndTheDaemon) {
     const FakeDaemon daemon(kSocket);
     ZynLogInit();
     EXPECT_NE(daemon.accept().read_message(), "");
-    const std::string record = kestrel::testing::read_file("/var/log/veltrane/.zynlogconf");
+    const std::string record = kestrel::testing::file_content("/var/log/veltrane/.zynlogconf");
     EXPECT_EQ(record.size(), 516U);
     EXPECT_STREQ(record.c_str() + 244, "/var/log/veltrane/QUOClient.log");
 }

@@ -14,12 +14,12 @@
 namespace {
 
 constinit std::mutex lock;
-std::vector<std::string> calls;
+std::vector<std::string> recorded;
 
 // As a real syslog may, it changes errno.
 void record(std::string call) {
-    const std::scoped_lock guard(lock);
-    calls.push_back(std::move(call));
+    const std::scoped_lock own(lock);
+    recorded.push_back(std::move(call));
     errno = ENOTCONN;
 }
 
@@ -74,13 +74,13 @@ void closelog() { record("closelog()"); }
 namespace kestrel::testing {
 
 std::vector<std::string> syslog_calls() {
-    const std::scoped_lock guard(lock);
-    return calls;
+    const std::scoped_lock own(lock);
+    return recorded;
 }
 
 void clear_syslog_calls() {
-    const std::scoped_lock guard(lock);
-    calls.clear();
+    const std::scoped_lock own(lock);
+    recorded.clear();
 }
 
 }  // namespace kestrel::testing

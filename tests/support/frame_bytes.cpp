@@ -1,5 +1,7 @@
 #include "tests/support/frame_bytes.h"
 
+#include <span>
+
 namespace kestrel::testing {
 namespace {
 
@@ -26,6 +28,11 @@ std::string frame_bytes(int type, std::initializer_list<std::string_view> ints,
     return header_bytes(type, static_cast<int>(ints.size()), static_cast<int>(strings.size()),
                         static_cast<int>(payload.size())) +
            payload;
+}
+
+std::string bytes_text(const webkit_message& frame) {
+    const std::span<const char> bytes = bytes_of(frame);
+    return {bytes.begin(), bytes.end()};
 }
 
 }  // namespace kestrel::testing

@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <fstream>
 #include <iostream>
-#include <sstream>
 
 #include "common/LinuxCommonUtils.h"
 
@@ -19,12 +18,6 @@ std::function<int(int fd, int operation)> on_flock;
 std::string lock_bytes(std::int32_t id) {
     const auto bytes = std::bit_cast<std::array<char, sizeof id>>(id);
     return {bytes.begin(), bytes.end()};
-}
-
-std::string file_content(const std::string& path) {
-    std::ostringstream text;
-    text << std::ifstream(path).rdbuf();
-    return text.str();
 }
 
 void print_lock_state(const std::string& name) {

@@ -10,6 +10,7 @@
 #include <functional>
 #include <string>
 
+#include "tests/support/file_content.h"
 #include "tests/support/temporary_directory.h"
 #include "tests/utilities/scoped_variable.h"
 
@@ -24,8 +25,6 @@ extern std::function<int(int fd, int operation)> on_flock;
 
 // A process id as it lies in a lock.
 std::string lock_bytes(std::int32_t id);
-
-std::string file_content(const std::string& path);
 
 // Takes the lock and prints "owner", or "running".
 void print_lock_state(const std::string& name);

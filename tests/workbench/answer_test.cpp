@@ -13,11 +13,6 @@ using ::testing::IsEmpty;
 
 const AjaxResult kResult{"7", "404", "Not \"found\"", "A: b", "line\nline"};
 
-std::string bytes_text(const Frame& frame) {
-    const std::span<const char> bytes = bytes_of(*frame);
-    return {bytes.begin(), bytes.end()};
-}
-
 // What the page's callback is called with when the extension delivers the answer.
 std::string delivered(const std::string& callback, const std::string& value) {
     const ScriptContext page;
@@ -55,7 +50,7 @@ TEST(Answer, CarriesAnAjaxResultInItselfToAnyOtherCallback) {
 }
 
 TEST(Answer, TravelsAsCallbackThenArguments) {
-    EXPECT_EQ(bytes_text(answer_frame({"f", {"a", "", "b"}})),
+    EXPECT_EQ(bytes_text(*answer_frame({"f", {"a", "", "b"}})),
               frame_bytes(1, {}, {"f", "a", "", "b"}));
 }
 

@@ -19,7 +19,7 @@
 namespace kestrel::testing {
 namespace {
 
-constexpr int kMessages = 100'000;
+constexpr int kBurst = 100'000;
 constexpr int kDrawingPriority = G_PRIORITY_HIGH_IDLE + 20;  // GDK's
 constexpr std::size_t kPiece = 65'536;                       // that a connection reads at once
 
@@ -73,9 +73,9 @@ TEST(Burst, IsLoggedWithinBoundsKeptWholeAndDrawnMeanwhile) {
     FakeWebProcess web_process(directory.path() + "/socket");
 
     std::string burst;
-    for (int i = 1; i <= kMessages; ++i) burst += message(i);
+    for (int i = 1; i <= kBurst; ++i) burst += message(i);
     web_process.write(burst);
-    ASSERT_TRUE(run_main_loop_until([&] { return log.next_serial() > kMessages; }));
+    ASSERT_TRUE(run_main_loop_until([&] { return log.next_serial() > kBurst; }));
     run_main_loop_until_idle();
 
     ASSERT_EQ(log.rows().size(), limits.rows);
@@ -88,7 +88,7 @@ TEST(Burst, IsLoggedWithinBoundsKeptWholeAndDrawnMeanwhile) {
         ++lines;
         is_in_order &= line.find("\"message " + std::to_string(lines) + "\"") != std::string::npos;
     }
-    EXPECT_EQ(lines, kMessages);
+    EXPECT_EQ(lines, kBurst);
     EXPECT_TRUE(is_in_order);
 
     EXPECT_GT(screen.longest_wait(), 0U);

@@ -13,8 +13,7 @@ using ::testing::IsNull;
 
 std::string bytes(const ComposedMessage& message) {
     EXPECT_EQ(message.problem, "");
-    const std::span<const char> all = bytes_of(*message.frame);
-    return {all.begin(), all.end()};
+    return bytes_text(*message.frame);
 }
 
 TEST(ComposedMessage, IsTheFrameOfEachKind) {

@@ -35,8 +35,7 @@ class ConnectionTest : public ::testing::Test, public MessageReceiver {
           web_process(std::move(ends.second)) {}
 
     void on_message(Connection& /*connection*/, const webkit_message& message) override {
-        const std::span<const char> bytes = bytes_of(message);
-        received.emplace_back(bytes.begin(), bytes.end());
+        received.push_back(bytes_text(message));
     }
     void on_end(Connection& /*connection*/, std::string_view why) override {
         end = why;

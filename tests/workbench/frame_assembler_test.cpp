@@ -13,11 +13,6 @@ namespace {
 
 constexpr FrameLimits kLimits{.payload = 1'000, .items = 8};
 
-std::string bytes_text(const Frame& frame) {
-    const std::span<const char> bytes = bytes_of(*frame);
-    return {bytes.begin(), bytes.end()};
-}
-
 // All frames that come out when `stream` goes in by pieces of `size` bytes.
 std::vector<std::string> frames_in_pieces_of(std::size_t size, std::string_view stream) {
     FrameAssembler assembler(kLimits);
@@ -25,7 +20,7 @@ std::vector<std::string> frames_in_pieces_of(std::size_t size, std::string_view 
     while (!stream.empty()) {
         std::span<const char> piece = stream.substr(0, size);
         stream.remove_prefix(piece.size());
-        while (const Frame frame = assembler.next(piece)) frames.push_back(bytes_text(frame));
+        while (const Frame frame = assembler.next(piece)) frames.push_back(bytes_text(*frame));
         EXPECT_TRUE(piece.empty());
     }
     EXPECT_EQ(assembler.fault(), "");

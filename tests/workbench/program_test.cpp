@@ -12,6 +12,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "tests/support/file_content.h"
 #include "tests/support/temporary_directory.h"
 
 namespace kestrel::testing {
@@ -20,12 +21,6 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-std::string content_of(const std::filesystem::path& path) {
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
-}
-
 // A process's name ends after 15 bytes.
 constexpr const char* kWebProcess = "WebKitWebProces";
 
@@ -33,9 +28,10 @@ constexpr const char* kWebProcess = "WebKitWebProces";
 pid_t descendant_called(const std::string& name, pid_t ancestor) {
     const std::string tasks = "/proc/" + std::to_string(ancestor) + "/task";
     for (const auto& task : std::filesystem::directory_iterator(tasks)) {
-        std::istringstream children(content_of(task.path() / "children"));
+        std::istringstream children(file_content(task.path() / "children"));
         for (pid_t child = 0; children >> child;) {
-            if (content_of("/proc/" + std::to_string(child) + "/comm") == name + "\n") return child;
+            if (file_content("/proc/" + std::to_string(child) + "/comm") == name + "\n")
+                return child;
             const pid_t found = descendant_called(name, child);
             if (found != -1) return found;
         }
@@ -121,10 +117,10 @@ TEST_F(ProgramTest, SavesAPictureAndACopyOfItsTranscript) {
                    "--headless", "--auto", "--screenshot", file("store.png"), "--transcript",
                    file("lines"), "--no-sandbox"}),
               0);
-    EXPECT_THAT(content_of(file("store.png")), StartsWith("\x89PNG\r\n"));
-    EXPECT_THAT(content_of(file("lines")),
+    EXPECT_THAT(file_content(file("store.png")), StartsWith("\x89PNG\r\n"));
+    EXPECT_THAT(file_content(file("lines")),
                 HasSubstr("\"direction\":\"to-host\",\"type\":28,\"name\":\"ready\","));
-    EXPECT_THAT(content_of(file("lines")), HasSubstr("every callback ran\"}\n"));
+    EXPECT_THAT(file_content(file("lines")), HasSubstr("every callback ran\"}\n"));
     EXPECT_TRUE(has_cleaned_up());
 }
 
@@ -193,7 +189,7 @@ TEST_F(ProgramTest, FailsWhenTheScriptDoesNotEnd) {
 
 TEST_F(ProgramTest, SucceedsWhenAPageLoadsAndNothingIsExpected) {
     EXPECT_EQ(run({"--headless", "--page", page("silent.html"), "--screenshot", file("p.png")}), 0);
-    EXPECT_THAT(content_of(file("p.png")), StartsWith("\x89PNG\r\n"));
+    EXPECT_THAT(file_content(file("p.png")), StartsWith("\x89PNG\r\n"));
 }
 
 TEST_F(ProgramTest, KeepsDataFromRunToRunWhereItIsTold) {
@@ -230,7 +226,7 @@ TEST_F(ProgramTest, CleansUpAndCompletesTheTranscriptWhenItIsInterrupted) {
         ASSERT_NE(program->wait_for_line("onHostReady"), "");
         program->send_signal(signal);
         EXPECT_EQ(program->wait_for_end(), 128 + signal);
-        EXPECT_THAT(content_of(file("transcript")),
+        EXPECT_THAT(file_content(file("transcript")),
                     AllOf(HasSubstr("onHostReady"), ::testing::EndsWith("}\n")));
         EXPECT_TRUE(has_cleaned_up());
     }

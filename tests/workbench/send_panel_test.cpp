@@ -26,10 +26,7 @@ class SendPanelTest : public ::testing::Test {
     void send() const { gtk_button_clicked(GTK_BUTTON(find("send"))); }
 
     std::vector<std::pair<int, std::string>> sent;
-    SendPanel panel{[this](int pid, Frame frame) {
-        const std::span<const char> bytes = bytes_of(*frame);
-        sent.emplace_back(pid, std::string(bytes.begin(), bytes.end()));
-    }};
+    SendPanel panel{[this](int pid, Frame frame) { sent.emplace_back(pid, bytes_text(*frame)); }};
     ShownWidget shown{panel.widget()};
 };
 

@@ -11,8 +11,8 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
+#include "tests/support/file_content.h"
 #include "tests/support/temporary_directory.h"
 
 namespace kestrel::testing {
@@ -39,12 +39,6 @@ pid_t start_probe(std::vector<std::string> arguments) {
 bool ends_well(pid_t pid) {
     int status = -1;
     return waitpid(pid, &status, 0) == pid && status == 0;
-}
-
-std::string content_of(const std::string& path) {
-    std::ostringstream content;
-    content << std::ifstream(path, std::ios::binary).rdbuf();
-    return content.str();
 }
 
 class StoreDatabaseTest : public ::testing::Test {
@@ -179,22 +173,22 @@ TEST_F(StoreDatabaseTest, LeavesAFileThatIsNoDatabase) {
     const std::string text(5'000, 't');
     std::ofstream(path) << text;
     EXPECT_EQ(error_of_opening(), path + " is not a database");
-    EXPECT_EQ(content_of(path), text);
+    EXPECT_EQ(file_content(path), text);
 }
 
 TEST_F(StoreDatabaseTest, LeavesADatabaseOfAnotherProgram) {
     SqliteDatabase(path).run("CREATE TABLE item (other TEXT)");
-    const std::string before = content_of(path);
+    const std::string before = file_content(path);
     EXPECT_EQ(error_of_opening(), path + " is the database of another program");
-    EXPECT_EQ(content_of(path), before);
+    EXPECT_EQ(file_content(path), before);
 }
 
 TEST_F(StoreDatabaseTest, LeavesADatabaseOfANewerVersion) {
     StoreDatabase(path).set_item("key", "value");
     SqliteDatabase(path).run("PRAGMA user_version = 2");
-    const std::string before = content_of(path);
+    const std::string before = file_content(path);
     EXPECT_EQ(error_of_opening(), path + " is of version 2, but this program knows version 1 only");
-    EXPECT_EQ(content_of(path), before);
+    EXPECT_EQ(file_content(path), before);
 }
 
 TEST_F(StoreDatabaseTest, TellsOfADamagedDatabase) {

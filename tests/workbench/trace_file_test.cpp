@@ -20,9 +20,7 @@ using ::testing::ElementsAre;
 using ::testing::StartsWith;
 
 std::string bytes(const MessageRecord& record) {
-    if (!record.frame) return "";
-    const std::span<const char> all = bytes_of(*record.frame);
-    return {all.begin(), all.end()};
+    return record.frame ? bytes_text(*record.frame) : "";
 }
 
 class TraceFileTest : public ::testing::Test {

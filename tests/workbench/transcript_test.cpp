@@ -3,10 +3,10 @@
 #include <gmock/gmock.h>
 
 #include <array>
-#include <fstream>
 #include <sstream>
 
 #include "ipc/frame.h"
+#include "tests/support/file_content.h"
 #include "tests/support/main_loop.h"
 #include "tests/support/temporary_directory.h"
 #include "workbench/wire/trace_file.h"
@@ -25,12 +25,6 @@ TEST(Transcript, PutsTheTimeBeforeEachLine) {
     EXPECT_THAT(out.str(), MatchesRegex(time + "<-      42   6 logoff\n" + time + "-- a note\n"));
 }
 
-std::string content(const std::string& path) {
-    std::ostringstream text;
-    text << std::ifstream(path).rdbuf();
-    return text.str();
-}
-
 TEST(Transcript, KeepsACopyAsLinesOfJson) {
     const TemporaryDirectory directory;
     const std::string path = directory.path() + "/lines.jsonl";
@@ -42,7 +36,7 @@ TEST(Transcript, KeepsACopyAsLinesOfJson) {
     transcript.note("a \"note\"\xff");
     run_main_loop_until_idle();
     const std::string time = R"([{]"time":"[0-9-]{10}T[0-9:]{8}[.][0-9]{6}Z",)";
-    EXPECT_THAT(content(path),
+    EXPECT_THAT(file_content(path),
                 MatchesRegex(time +
                              R"("pid":42,"direction":"to-page","type":0,"name":"script",)"
                              R"("length":6,"ints":\[\],"strings":\["run[(][)]"\][}])"

@@ -17,7 +17,7 @@ using Pixbuf = ObjectHandle<GdkPixbuf>;
 constexpr int kChannels = 4;  // red, green, blue, alpha
 
 // So small that a loader cannot do much before its image's size is known to be refused.
-constexpr std::size_t kPiece = 4'096;
+constexpr std::size_t kLoaderPiece = 4'096;
 
 constexpr std::string_view kPngStart = "\x89PNG\r\n";
 constexpr std::string_view kPngEnd = "IEND\xae\x42\x60\x82";
@@ -27,7 +27,7 @@ bool is_cut_off(std::string_view bytes) {
     return bytes.starts_with(kPngStart) && bytes.find(kPngEnd) == std::string_view::npos;
 }
 
-RecoloredImage failure(std::string why) { return {.uri = {}, .error = std::move(why)}; }
+RecoloredImage not_recolored(std::string why) { return {.uri = {}, .error = std::move(why)}; }
 
 // Size 0 makes the loaders give up before they allocate an image.
 void refuse_large(GdkPixbufLoader* loader, int width, int height, gpointer is_too_large) {
@@ -44,7 +44,7 @@ Pixbuf decoded(std::string_view bytes, std::string& error) {
 
     GError* failed = nullptr;
     for (std::string_view rest = bytes; !rest.empty() && failed == nullptr && !is_too_large;) {
-        const std::string_view piece = rest.substr(0, kPiece);
+        const std::string_view piece = rest.substr(0, kLoaderPiece);
         rest.remove_prefix(piece.size());
         gdk_pixbuf_loader_write(loader.get(), reinterpret_cast<const guchar*>(piece.data()),
                                 piece.size(), &failed);
@@ -91,7 +91,7 @@ RecoloredImage encoded(GdkPixbuf* pixbuf) {
     gdk_pixbuf_save_to_buffer(pixbuf, &png, &size, "png", &failed, "compression", "1", nullptr);
     const GlibText png_owner(png);
     const GlibError error_owner(failed);
-    if (failed != nullptr) return failure(failed->message);
+    if (failed != nullptr) return not_recolored(failed->message);
     const GlibText base64(g_base64_encode(reinterpret_cast<const guchar*>(png), size));
     return {.uri = std::string("data:image/png;base64,") + base64.get(), .error = {}};
 }
@@ -100,11 +100,11 @@ RecoloredImage encoded(GdkPixbuf* pixbuf) {
 
 RecoloredImage recolored_image(const std::string& uri, Color color) {
     const ImageSource source = read_image_source(uri, kMaxImageBytes);
-    if (!source.error.empty()) return failure(source.error);
-    if (is_cut_off(source.bytes)) return failure("the image ends too early");
+    if (!source.error.empty()) return not_recolored(source.error);
+    if (is_cut_off(source.bytes)) return not_recolored("the image ends too early");
     std::string error;
     const Pixbuf pixbuf = decoded(source.bytes, error);
-    if (!pixbuf) return failure(error);
+    if (!pixbuf) return not_recolored(error);
     recolor(pixbuf.get(), color);
     return encoded(pixbuf.get());
 }

@@ -8,14 +8,14 @@ namespace kestrel {
 namespace {
 
 constexpr const char* kUserAgent = "kestrel-workbench/" WORKBENCH_VERSION;
-constexpr gsize kPiece = 65'536;
+constexpr gsize kBodyPiece = 65'536;
 
 // As many as browsers have.
 constexpr int kConnectionsToOneHost = 6;
 
 std::string valid_text(const char* text) { return text_of_body(text_or_empty(text), ""); }
 
-WebResponse failure(std::string why) { return {.status_text = std::move(why)}; }
+WebResponse failed_request(std::string why) { return {.status_text = std::move(why)}; }
 
 // The message of a checked request; null if its URL cannot be parsed.
 ObjectHandle<SoupMessage> message_of(const WebRequest& request, const CheckedRequest& checked) {
@@ -122,18 +122,18 @@ class WebRequests::Exchange : public std::enable_shared_from_this<Exchange> {
     void on_timer() {
         const std::shared_ptr<Exchange> self = shared_from_this();
         timer_ = 0;
-        finish(failure(late_));
+        finish(failed_request(late_));
     }
 
     // Takes over the error, which ends the exchange if there is one.
     bool goes_on(GError* error) {
         const GlibError owner(error);
-        if (owner) finish(failure(valid_text(owner->message)));
+        if (owner) finish(failed_request(valid_text(owner->message)));
         return !owner && !is_finished();
     }
 
     void read() {
-        g_input_stream_read_bytes_async(stream_.get(), kPiece, G_PRIORITY_DEFAULT,
+        g_input_stream_read_bytes_async(stream_.get(), kBodyPiece, G_PRIORITY_DEFAULT,
                                         cancellable_.get(), on_piece, keep_alive());
     }
 
@@ -143,8 +143,8 @@ class WebRequests::Exchange : public std::enable_shared_from_this<Exchange> {
         if (size == 0) {
             finish(response());
         } else if (size > owner_.limits_.body - body_.size()) {
-            finish(failure("the answer is longer than " + std::to_string(owner_.limits_.body) +
-                           " bytes"));
+            finish(failed_request("the answer is longer than " +
+                                  std::to_string(owner_.limits_.body) + " bytes"));
         } else {
             body_.append(data, size);
             read();

@@ -5,8 +5,8 @@
 namespace kestrel {
 namespace {
 
-constexpr int kWidth = 900;
-constexpr int kHeight = 700;
+constexpr int kTraceWidth = 900;
+constexpr int kTraceHeight = 700;
 
 }  // namespace
 
@@ -15,7 +15,7 @@ TraceWindow::TraceWindow(const std::string& path, GtkWindow* parent)
     const GlibText name(g_filename_display_name(path.c_str()));
     gtk_window_set_title(GTK_WINDOW(window_), name.get());
     gtk_window_set_transient_for(GTK_WINDOW(window_), parent);
-    gtk_window_set_default_size(GTK_WINDOW(window_), kWidth, kHeight);
+    gtk_window_set_default_size(GTK_WINDOW(window_), kTraceWidth, kTraceHeight);
     gtk_container_add(GTK_CONTAINER(window_), pane_.widget());
     g_signal_connect(window_, "delete-event",
                      G_CALLBACK(+[](GtkWidget*, GdkEvent*, TraceWindow* self) -> gboolean {

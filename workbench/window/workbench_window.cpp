@@ -8,8 +8,8 @@
 namespace kestrel {
 namespace {
 
-constexpr int kWidth = 1'280;
-constexpr int kHeight = 860;
+constexpr int kWindowWidth = 1'280;
+constexpr int kWindowHeight = 860;
 constexpr int kPageWidth = 520;
 constexpr int kAddressWidth = 40;
 constexpr int kSendWidth = 560;
@@ -73,7 +73,7 @@ WorkbenchWindow::WorkbenchWindow(GtkWidget* view, MessageLog& log,
     gtk_container_add(GTK_CONTAINER(window_), make_body(view));
     gtk_window_set_titlebar(GTK_WINDOW(window_), make_header());
     gtk_window_set_title(GTK_WINDOW(window_), translate("Kestrel Workbench"));
-    gtk_window_set_default_size(GTK_WINDOW(window_), kWidth, kHeight);
+    gtk_window_set_default_size(GTK_WINDOW(window_), kWindowWidth, kWindowHeight);
     g_signal_connect(window_, "delete-event",
                      G_CALLBACK(+[](GtkWidget*, GdkEvent*, WorkbenchWindow* self) -> gboolean {
                          self->events_.closed();

@@ -8,7 +8,7 @@
 namespace kestrel {
 namespace {
 
-std::string too_long(std::size_t length) {
+std::string too_long_for_a_frame(std::size_t length) {
     return formatted(
         translate(
             "This message has %zu bytes; the extension takes %d at most, so it was not sent."),
@@ -24,7 +24,7 @@ ComposedMessage compose(std::int32_t type, std::span<const std::string_view> str
         }
         length += text.size() + 1;
     }
-    if (length > std::size_t{kMaxInboundPayload}) return {nullptr, too_long(length)};
+    if (length > std::size_t{kMaxInboundPayload}) return {nullptr, too_long_for_a_frame(length)};
     Frame frame = build_frame(type, {}, strings);
     if (!frame) return {nullptr, translate("There is no memory for this message.")};
     return {std::move(frame), ""};

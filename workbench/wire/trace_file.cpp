@@ -14,7 +14,7 @@
 namespace kestrel {
 namespace {
 
-constexpr std::size_t kPiece = std::size_t{256} << 10;
+constexpr std::size_t kFilePiece = std::size_t{256} << 10;
 
 // Twice what a web process keeps for its trace; more is no line.
 constexpr std::size_t kMaxLine = std::size_t{64} << 20;
@@ -38,7 +38,7 @@ FileDescriptor open_regular(const std::string& path) {
 TraceFile::TraceFile(const std::string& path) : file_(open_regular(path)) {}
 
 bool TraceFile::read_piece(const Receiver& receive) {
-    std::vector<char> piece(kPiece);
+    std::vector<char> piece(kFilePiece);
     const ssize_t got = read(file_.get(), piece.data(), piece.size());
     if (got == -1 && errno == EINTR) return true;
     if (got == -1) note(std::string("cannot read on: ") + std::strerror(errno), receive);

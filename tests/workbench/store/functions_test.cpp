@@ -4,10 +4,11 @@
 #include <nlohmann/json.hpp>
 
 #include <fstream>
-#include <sstream>
 
+#include "tests/support/file_content.h"
 #include "tests/support/temporary_directory.h"
 #include "tests/workbench/program.h"
+#include "tests/workbench/store/store_file.h"
 #include "workbench/desktop/desktop.h"
 
 namespace kestrel::testing {
@@ -17,14 +18,6 @@ using Json = nlohmann::json;
 
 constexpr const char* kKept = TRANSCRIPT_KEPT;
 constexpr const char* kNew = TRANSCRIPT_NEW;
-
-std::string store_file(const std::string& name) { return STORE "/" + name; }
-
-std::string content(const std::string& path) {
-    std::ostringstream text;
-    text << std::ifstream(path).rdbuf();
-    return text.str();
-}
 
 std::string replaced(std::string text, const std::string& from, const std::string& to) {
     for (std::size_t at = text.find(from); at != std::string::npos;
@@ -85,7 +78,7 @@ TEST(Functions, GoOverTheWireAsInTheKeptTranscript) {
 
     const std::string messages = messages_of(transcript);
     std::ofstream(kNew) << messages;
-    EXPECT_EQ(messages, content(kKept)) << "to keep the new one: cp " << kNew << " " << kKept;
+    EXPECT_EQ(messages, file_content(kKept)) << "to keep the new one: cp " << kNew << " " << kKept;
 }
 
 }  // namespace

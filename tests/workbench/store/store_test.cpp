@@ -5,13 +5,14 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 #include "log/zynlog.h"
+#include "tests/support/file_content.h"
 #include "tests/support/log_recorder.h"
 #include "tests/support/main_loop.h"
 #include "tests/support/temporary_directory.h"
 #include "tests/workbench/program.h"
+#include "tests/workbench/store/store_file.h"
 #include "tests/workbench/store/visit.h"
 #include "workbench/desktop/store_database.h"
 
@@ -30,14 +31,6 @@ using ::testing::StartsWith;
 
 constexpr const char* kStartedProgram = "kestrel-sample.desktop";
 constexpr const char* kAccent = "#d1297f";
-
-std::string store_file(const std::string& name) { return STORE "/" + name; }
-
-std::string content(const std::string& path) {
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
-}
 
 std::string shown_ids() {
     return "[...document.querySelectorAll('.card')].map((card) => card.dataset.id).join()";
@@ -74,7 +67,7 @@ class StoreTest : public ::testing::Test {
     void visit(const std::function<void(Person&)>& act) {
         Options options;
         options.page_uri = "file://" + store_file("index.html");
-        options.resources = content(store_file("resources.json"));
+        options.resources = file_content(store_file("resources.json"));
         options.extension_directory = EXTENSION_DIRECTORY;
         options.data = data.path();
         transcript = testing::visit(options, [&](Person& person) {
