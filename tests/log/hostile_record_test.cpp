@@ -23,7 +23,6 @@ namespace {
 
 using kestrel::kLogWebkit;
 using kestrel::kVerbose;
-using kestrel::testing::client_directory;
 using kestrel::testing::file_content;
 using kestrel::testing::home;
 using kestrel::testing::record_bytes;
