@@ -20,6 +20,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <memory>
 #include <utility>
 
@@ -122,6 +123,7 @@ FAULTY(int, -1, ftruncate, (int fd, off_t size), (fd, size))
 FAULTY(void*, MAP_FAILED, mmap,
        (void* place, size_t size, int protection, int flags, int fd, off_t offset),
        (place, size, protection, flags, fd, offset))
+FAULTY(int, -1, munmap, (void* place, size_t size), (place, size))
 FAULTY(int, -1, mkdir, (const char* path, mode_t mode), (path, mode))
 FAULTY(int, -1, stat, (const char* path, struct stat* status), (path, status))
 FAULTY(int, -1, flock, (int fd, int operation), (fd, operation))
@@ -142,6 +144,7 @@ FAULTY(DIR*, nullptr, opendir, (const char* path), (path))
 FAULTY(dirent*, nullptr, readdir, (DIR * directory), (directory))
 FAULTY(FILE*, nullptr, fopen, (const char* path, const char* mode), (path, mode))
 FAULTY(char*, nullptr, fgets, (char* text, int size, FILE* file), (text, size, file))
+FAULTY(time_t, -1, mktime, (tm * fields), (fields))
 FAULTY(int, -1, uname, (utsname * name), (name))
 FAULTY(void*, nullptr, dlopen, (const char* name, int flags), (name, flags))
 // NOLINTEND
@@ -174,6 +177,16 @@ int __real_close(int fd);
 int __wrap_close(int fd) {
     const int result = __real_close(fd);
     return fails_now("close") ? -1 : result;
+}
+int __real_closedir(DIR* directory);
+int __wrap_closedir(DIR* directory) {
+    const int result = __real_closedir(directory);
+    return fails_now("closedir") ? -1 : result;
+}
+int __real_fclose(FILE* file);
+int __wrap_fclose(FILE* file) {
+    const int result = __real_fclose(file);
+    return fails_now("fclose") ? EOF : result;
 }
 
 void* __real_mremap(void* from, size_t old_size, size_t size, int flags, void* to);

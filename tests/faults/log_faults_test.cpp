@@ -121,6 +121,20 @@ TEST(LogFaults, OfAnythingElseNeverShow) {
                    });
 }
 
+// The page of zeros cannot take the place of the settings, and cannot be given back either.
+TEST(LogFaults, OfGivingMemoryBackNeverShow) {
+    for_each_fault(
+        {{"munmap", {EINVAL, ENOMEM}}},
+        [] {
+            fail_before("mremap", ENOMEM);
+            return life_of_a_log();
+        },
+        [](const Fault& fault, const Outcome& outcome) {
+            EXPECT_EQ(outcome.status, kAllWell) << fault;
+            EXPECT_EQ(outcome.errors, "") << fault;
+        });
+}
+
 TEST(LogFaults, OfThePasswordDatabaseLeaveNoPaths) {
     for_each_fault(
         {{"getpwuid_r", {EINTR, EIO, EMFILE, ENFILE, ENOMEM, ENOENT}}, {"strdup", {ENOMEM}}},
@@ -142,6 +156,14 @@ TEST(LogFaults, OfLookingForTheVersionLeaveItUnknown) {
                     {"access", {EACCES, EIO, ELOOP, ENOMEM}}},
                    look_for_the_version, [](const Fault& fault, const Outcome& outcome) {
                        EXPECT_EQ(outcome.status, kUnknownVersion) << fault;
+                       EXPECT_EQ(outcome.errors, "") << fault;
+                   });
+}
+
+TEST(LogFaults, OfClosingWhatWasReadNeverShow) {
+    for_each_fault({{"closedir", {EBADF, EINTR}}, {"fclose", {EBADF, EINTR, EIO}}},
+                   look_for_the_version, [](const Fault& fault, const Outcome& outcome) {
+                       EXPECT_EQ(outcome.status, kVersion) << fault;
                        EXPECT_EQ(outcome.errors, "") << fault;
                    });
 }

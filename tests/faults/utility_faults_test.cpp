@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <ctime>
 #include <string>
 
 #include "common/LinuxCommonUtils.h"
@@ -37,6 +38,11 @@ int ask_for_name_and_home() {
     const std::string name = LinuxCommonUtils::getUserName();
     if (home == "/home/ann" && name == "ann") return 0;
     return home + name == "ann" || home + name == "/home/ann" ? 1 : 2;
+}
+
+int read_a_time() {
+    const std::time_t day = LinuxCommonUtils::ConvertStringToTime("2024-03-01", "%Y-%m-%d");
+    return day == -1 ? 1 : 0;
 }
 
 int drop_capabilities() { return LinuxCommonUtils::drop_capability() == 0 ? 0 : 1; }
@@ -117,6 +123,15 @@ TEST(UtilityFaults, OfLookingAroundGiveLess) {
                     {"calloc", {ENOMEM}}},
                    use_the_rest, [](const Fault& fault, const Outcome& outcome) {
                        EXPECT_EQ(outcome.status, 0) << fault;
+                   });
+}
+
+TEST(UtilityFaults, OfATimeGiveMinusOne) {
+    EXPECT_EQ(run_with({"", 0, 0}, read_a_time).status, 0);
+    for_each_fault({{"mktime", {EOVERFLOW}}}, read_a_time,
+                   [](const Fault& fault, const Outcome& outcome) {
+                       EXPECT_EQ(outcome.status, 1) << fault;
+                       EXPECT_EQ(outcome.errors, "") << fault;
                    });
 }
 
