@@ -128,6 +128,16 @@ TEST_F(MessageServerTest, LeavesNothingBehind) {
     EXPECT_FALSE(std::filesystem::exists(path()));
 }
 
+// Another host has started where this one's socket had been removed.
+TEST_F(MessageServerTest, LeavesWhatHasTakenThePlaceOfItsSocketAlone) {
+    listen();
+    const std::string own = path() + ".own";  // keeps its inode from being used again
+    std::filesystem::rename(path(), own);
+    const ListeningHost another(path());
+    server.reset();
+    EXPECT_TRUE(std::filesystem::is_socket(path()));
+}
+
 TEST_F(MessageServerTest, ServesOnWhenAThousandConnect) {
     rlimit limit{};
     getrlimit(RLIMIT_NOFILE, &limit);

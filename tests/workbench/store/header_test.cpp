@@ -3,6 +3,7 @@
 
 #include <fstream>
 
+#include "ipc/protocol.h"
 #include "tests/support/main_loop.h"
 #include "tests/support/temporary_directory.h"
 #include "tests/workbench/store/visit.h"
@@ -61,6 +62,31 @@ TEST_F(HeaderTest, AnAddressThatIsNoneLeavesThePageAndIsTold) {
         ASSERT_TRUE(person.sees(kFirst));
         go_to(person, "/missing");
         EXPECT_THAT(text_in(person.control("status")), StartsWith("the address: no such file"));
+        EXPECT_EQ(person.read(kFirst), "true");
+    });
+}
+
+// One message carries both to the web process.
+TEST_F(HeaderTest, AnAddressAndResourcesThatAreTooLongTogetherLeaveThePageAndAreTold) {
+    constexpr const char* kTooLong =
+        "the page's address and resources together are too long for the extension";
+    Options almost_full = options();
+    almost_full.resources = "{}";
+    almost_full.resources.resize(kMaxInboundPayload - almost_full.page_uri.size() - 2, ' ');
+    const std::string longer_address = file(std::string(200, 'n') + ".html", "");
+    const std::string longer_resources =
+        file("resources.json",
+             R"({"greeting": "Guten Tag"})" + std::string(almost_full.resources.size(), ' '));
+    visit(almost_full, [&](Person& person) {
+        ASSERT_TRUE(person.sees(kFirst));
+        EXPECT_TRUE(person.sees("window.ZYNS?.getResources() !== undefined"));
+        const auto is_refused = [&] { return text_in(person.control("status")) == kTooLong; };
+        go_to(person, longer_address);
+        EXPECT_TRUE(is_refused());
+        go_to(person, "/missing");
+        EXPECT_FALSE(is_refused());
+        person.choose_file("choose resources", longer_resources);
+        EXPECT_TRUE(is_refused());
         EXPECT_EQ(person.read(kFirst), "true");
     });
 }
