@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include "tests/support/frame_bytes.h"
 #include "tests/webkit/store_fixture.h"
@@ -28,9 +29,12 @@ bool more_alarms_come(std::uint64_t more) {
 
 // Some four megabytes, no two parts alike.
 std::string large_text(int round) {
-    std::string text = std::to_string(round);
-    for (int number = 0; number < 600'000; ++number) text += ' ' + std::to_string(number);
-    return text;
+    static const std::string numbers = [] {
+        std::string text;
+        for (int number = 0; number < 600'000; ++number) text += ' ' + std::to_string(number);
+        return text;
+    }();
+    return std::to_string(round) + numbers;
 }
 
 constexpr const char* kLargeText =
@@ -81,6 +85,24 @@ TEST_F(AlarmStormTest, ValuesOfThePageArriveWhole) {
     EXPECT_FALSE(store.process_has_gone());
 }
 
+// Together they are more than the socket holds, so that the page waits to send the next one.
+TEST_F(AlarmStormTest, ShortValuesOfThePageAllArrive) {
+    constexpr int kItems = 400;
+    const std::string value(30'000, 'v');
+    host.pause();
+    store.evaluate("setTimeout(() => { for (let key = 0; key < " + std::to_string(kItems) +
+                   "; ++key) external.setItem(key, '" + value + "', 'done') }, 0)");
+    ASSERT_TRUE(page_waits_for_host(announced(host)));
+    ASSERT_TRUE(more_alarms_come(20));
+    host.resume();
+    ASSERT_TRUE(host.wait_for(19, kItems));
+    const std::vector<ReceivedFrame> items = host.frames(19);
+    for (std::size_t key = 0; key < items.size(); ++key) {
+        ASSERT_EQ(items[key].payload, std::to_string(key) + ('\0' + value) + '\0' + "done" + '\0');
+    }
+    EXPECT_FALSE(store.process_has_gone());
+}
+
 // The reader waits in the middle of each.
 TEST_F(AlarmStormTest, AnswersOfTheHostArriveWhole) {
     for (int round = 0; round < 5; ++round) {
@@ -94,12 +116,19 @@ TEST_F(AlarmStormTest, AnswersOfTheHostArriveWhole) {
     EXPECT_FALSE(store.process_has_gone());
 }
 
+// The page waits in the middle of its own, and the reader in the middle of the host's.
 TEST_F(AlarmStormTest, ValuesBothWaysAtOnceArriveWhole) {
-    for (int round = 0; round < 5; ++round) {
+    for (int round = 0; round < 3; ++round) {
         host.forget_frames();
-        store.evaluate(set_item(round, 1));
-        host.send(1, {answer(round)});
-        ASSERT_TRUE(item_arrives(round, 1));
+        host.pause();
+        store.evaluate(set_item(round, 4));
+        ASSERT_TRUE(page_waits_for_host(announced(host)));
+        const std::string bytes = frame_bytes(1, {}, {answer(round)});
+        host.send_bytes(bytes.substr(0, bytes.size() / 2));
+        ASSERT_TRUE(more_alarms_come(20));
+        host.resume();
+        host.send_bytes(bytes.substr(bytes.size() / 2));
+        ASSERT_TRUE(item_arrives(round, 4));
         ASSERT_TRUE(answer_arrives(round));
     }
     EXPECT_FALSE(store.process_has_gone());

@@ -2,6 +2,7 @@
 
 #include <glib-unix.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -16,6 +17,8 @@
 
 namespace kestrel::testing {
 namespace {
+
+constexpr timeval kSendPatience{10, 0};
 
 void require(bool ok, const char* what) {
     if (!ok) throw std::system_error(errno, std::generic_category(), what);
@@ -48,6 +51,8 @@ void ScriptedHost::accept_client() {
     pause();
     if (client_ != -1) close(client_);
     client_ = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
+    // A web process that does not read is a failure, and holds nothing up.
+    setsockopt(client_, SOL_SOCKET, SO_SNDTIMEO, &kSendPatience, sizeof kSendPatience);
     unread_.clear();
     resume();
 }
