@@ -10,7 +10,6 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <system_error>
 
@@ -73,9 +72,10 @@ const std::vector<ReceivedFrame>& HostProcess::frames(int type) {
 void HostProcess::read_record() {
     std::ifstream file(record_, std::ios::binary);
     file.seekg(read_);
-    const std::string more(std::istreambuf_iterator<char>(file), {});
-    read_ += static_cast<std::ifstream::off_type>(more.size());
-    unread_ += more;
+    std::string more(bytes() - static_cast<std::size_t>(read_), '\0');
+    file.read(more.data(), static_cast<std::streamsize>(more.size()));
+    read_ += file.gcount();
+    unread_.append(more, 0, static_cast<std::size_t>(file.gcount()));
     std::array<int, 4> header{};
     std::size_t at = 0;
     while (unread_.size() - at >= sizeof header) {

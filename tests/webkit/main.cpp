@@ -17,7 +17,10 @@ namespace {
 // the runtime before anything else. It leaves with its page's memory in use, so there is nothing to
 // learn from what it leaves behind.
 void prepare_web_processes(const std::string& reports) {
-    setenv("LD_PRELOAD", ASAN_RUNTIME, 1);
+    const char* const others = std::getenv("LD_PRELOAD");
+    const std::string preloads =
+        ASAN_RUNTIME + (others == nullptr ? "" : ":" + std::string(others));
+    setenv("LD_PRELOAD", preloads.c_str(), 1);
     setenv("ASAN_OPTIONS", ("detect_leaks=0:log_path=" + reports).c_str(), 1);
     // Mesa's threads read what it frees when a process leaves.
     setenv("WEBKIT_DISABLE_COMPOSITING_MODE", "1", 1);
