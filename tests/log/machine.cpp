@@ -15,6 +15,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 
 #include "tests/support/file_content.h"
 #include "tests/support/temporary_directory.h"
@@ -22,7 +23,7 @@
 namespace kestrel::testing {
 namespace {
 
-const std::string* home_path = nullptr;
+std::optional<TemporaryDirectory> home_directory;
 bool private_machine = false;
 
 // Root may do without a user namespace; others need one in which they stay who they are.
@@ -82,9 +83,19 @@ class OneProcessPerCase : public ::testing::Environment {
     }
 };
 
+// Of the process that runs the case.
+class OwnHome : public ::testing::Environment {
+  public:
+    void SetUp() override {
+        home_directory.emplace();
+        setenv("HOME", home().c_str(), 1);
+    }
+    void TearDown() override { home_directory.reset(); }
+};
+
 }  // namespace
 
-const std::string& home() { return *home_path; }
+const std::string& home() { return home_directory->path(); }
 
 std::string client_directory() {
     const std::string directory = home() + "/.QUOClient";
@@ -126,10 +137,8 @@ int main(int argc, char** argv) {
         std::fputs("These tests keep off a /var/log/veltrane that is in use.\n", stderr);
         return 1;
     }
-    const TemporaryDirectory directory;
-    home_path = &directory.path();
-    setenv("HOME", directory.path().c_str(), 1);
     unsetenv("QUOROOT");
     testing::AddGlobalTestEnvironment(new OneProcessPerCase);
+    testing::AddGlobalTestEnvironment(new OwnHome);
     return RUN_ALL_TESTS();
 }
