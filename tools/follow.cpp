@@ -10,12 +10,13 @@
 #include <csignal>
 #include <cstdio>
 #include <list>
+#include <stdexcept>
 
 #include "log/zynlog_paths.h"
+#include "program/listening_socket.h"
 #include "program/translation.h"
 #include "tools/class_and_level_names.h"
 #include "tools/console.h"
-#include "tools/listening_socket.h"
 #include "tools/process_connection.h"
 
 namespace kestrel::tools {
@@ -57,6 +58,19 @@ void allow_many_connections() {
     setrlimit(RLIMIT_NOFILE, &limit);
 }
 
+std::string socket_path() {
+    std::string path = GetSocketFilePath();
+    if (path.empty()) {
+        throw std::runtime_error(translate("there is no home directory to listen in"));
+    }
+    return path;
+}
+
+std::string in_use() {
+    return formatted(translate("a log daemon or another viewer already listens at %s"),
+                     GetSocketFilePath());
+}
+
 class Viewer {
   public:
     explicit Viewer(const FollowOptions& options)
@@ -64,7 +78,7 @@ class Viewer {
           json_(options.json),
           colours_(wants_colours()),
           stop_(stop_signals()),
-          listener_(GetSocketFilePath()) {
+          listener_(socket_path(), in_use()) {
         std::fprintf(stderr, "kestrel-log: %s\n",
                      formatted(translate("listening at %s"), GetSocketFilePath()).c_str());
     }

@@ -5,7 +5,6 @@
 #include <nlohmann/json.hpp>
 #include <pty.h>
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -16,6 +15,7 @@
 #include <optional>
 #include <string>
 
+#include "log/local_socket.h"
 #include "log/zynlog.h"
 #include "log/zynlog_config.h"
 #include "tests/log/fake_daemon.h"
@@ -65,29 +65,21 @@ void log_as(const char* process, std::uint32_t log_class, int level, const char*
 // A connection to the viewer that sends any bytes.
 class RawProcess {
   public:
-    RawProcess() : fd_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        socket_path().copy(address.sun_path, sizeof address.sun_path - 1);
-        EXPECT_EQ(connect(fd_, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    }
-    ~RawProcess() { close(fd_); }
-    RawProcess(const RawProcess&) = delete;
-    RawProcess& operator=(const RawProcess&) = delete;
+    RawProcess() { EXPECT_TRUE(socket_.is_open()); }
 
     void send_bytes(const std::string& bytes) const {
-        EXPECT_EQ(send(fd_, bytes.data(), bytes.size(), MSG_NOSIGNAL),
+        EXPECT_EQ(send(socket_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL),
                   static_cast<ssize_t>(bytes.size()));
     }
 
     // Whether the viewer has hung up.
     bool is_dropped() const {
         char byte = 0;
-        return read(fd_, &byte, 1) == 0;
+        return read(socket_.get(), &byte, 1) == 0;
     }
 
   private:
-    int fd_;
+    const kestrel::FileDescriptor socket_ = kestrel::logging::connect_to(socket_path().c_str());
 };
 
 std::string trace_record(const std::string& text, char level = 4, char log_class = 41) {
@@ -275,6 +267,14 @@ TEST(Follow, LeavesAFileThatIsNoSocket) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.error, HasSubstr("is not a socket"));
     EXPECT_EQ(kestrel::testing::file_content(socket_path()), "precious");
+}
+
+TEST(Follow, SaysWhenThereIsNoHomeDirectory) {
+    kestrel::testing::write_file(kestrel::testing::home() + "/file", "");
+    setenv("HOME", (kestrel::testing::home() + "/file").c_str(), 1);
+    const Outcome outcome = kestrel_log({"follow"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.error, "kestrel-log: there is no home directory to listen in\n");
 }
 
 TEST(Follow, LeavesASocketThatHasTakenItsPlace) {

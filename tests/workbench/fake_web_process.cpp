@@ -1,7 +1,6 @@
 #include "tests/workbench/fake_web_process.h"
 
 #include <sys/socket.h>
-#include <sys/un.h>
 
 #include <array>
 #include <cerrno>
@@ -9,6 +8,7 @@
 #include <system_error>
 #include <utility>
 
+#include "log/local_socket.h"
 #include "tests/support/frame_bytes.h"
 #include "tests/support/main_loop.h"
 
@@ -20,13 +20,8 @@ void require(bool ok, const char* what) {
 }
 
 FileDescriptor connect_to(const std::string& path) {
-    FileDescriptor made(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    require(made.is_open(), "socket");
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path.copy(address.sun_path, sizeof address.sun_path - 1);
-    require(connect(made.get(), reinterpret_cast<sockaddr*>(&address), sizeof address) == 0,
-            "connect");
+    FileDescriptor made = logging::connect_to(path.c_str());
+    require(made.is_open(), "connect");
     return made;
 }
 

@@ -5,7 +5,6 @@
 #include <sys/socket.h>
 
 #include <filesystem>
-#include <fstream>
 #include <list>
 #include <map>
 #include <optional>
@@ -164,28 +163,10 @@ TEST_F(MessageServerTest, ServesOnWhenAThousandConnect) {
     EXPECT_EQ(ask(late), frame_bytes(0, {"0"}, {}));
 }
 
-TEST_F(MessageServerTest, ReplacesTheSocketOfAHostThatHasGone) {
-    {
-        const ListeningHost gone(path());
-        std::filesystem::create_hard_link(path(), path() + ".kept");
-    }
-    std::filesystem::remove(path());
-    std::filesystem::rename(path() + ".kept", path());
-    listen();
-    FakeWebProcess web_process(path());
-    EXPECT_EQ(ask(web_process), frame_bytes(0, {"0"}, {}));
-}
-
 TEST_F(MessageServerTest, LeavesALivingHostAlone) {
     const ListeningHost living(path());
     EXPECT_THROW(listen(), AddressInUse);
     EXPECT_TRUE(std::filesystem::is_socket(path()));
-}
-
-TEST_F(MessageServerTest, LeavesAFileThatIsNoSocketAlone) {
-    std::ofstream(path()) << "text";
-    EXPECT_THROW(listen(), std::system_error);
-    EXPECT_TRUE(std::filesystem::is_regular_file(path()));
 }
 
 }  // namespace
