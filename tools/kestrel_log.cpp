@@ -11,15 +11,16 @@
 
 #include "log/zynlog_config.h"
 #include "program/translation.h"
+#include "tools/command_line_error.h"
 #include "tools/console.h"
 #include "tools/follow.h"
+#include "tools/help.h"
 #include "tools/settings.h"
 #include "tools/usage_error.h"
 
 namespace {
 
 using namespace kestrel::tools;
-using kestrel::translatable;
 using kestrel::translate;
 using kestrel::use_translations;
 
@@ -41,24 +42,11 @@ struct Arguments {
 
 using Command = std::function<void()>;
 
-// The words of the help that are not ours. Commands take over what is set here.
-void describe_help(CLI::App& app) {
-    app.option_defaults()->group(translate("Options"));
-    app.set_help_flag("-h,--help", translate("Print this help message and exit"));
-    app.set_version_flag("--version", "kestrel-log " KESTREL_VERSION,
-                         translate("Display program version information and exit"));
-    for (const char* word :
-         {translatable("Usage"), translatable("OPTIONS"), translatable("SUBCOMMAND"),
-          translatable("Positionals"), translatable("REQUIRED"), translatable("TEXT"),
-          translatable("INT"), translatable("UINT")}) {
-        app.get_formatter()->label(word, translate(word));
-    }
-}
-
 void add_commands(CLI::App& app, Arguments& arguments, Command& command) {
     const auto add = [&](const char* name, const char* description, const Command& run) {
         CLI::App* const subcommand = app.add_subcommand(name, description);
         subcommand->group(translate("Subcommands"));
+        describe_help_flag(*subcommand);
         subcommand->callback([&command, run] { command = run; });
         return subcommand;
     };
@@ -90,20 +78,21 @@ void add_commands(CLI::App& app, Arguments& arguments, Command& command) {
 
     CLI::App* const rollover = add("rollover", translate("Set how log files are rolled over"),
                                    [&] { set_rollover(arguments.size, arguments.count); });
-    rollover
-        ->add_option("--size", arguments.size,
-                     translate("Size of a log file, in the daemon's unit"))
-        ->check(CLI::Range(kestrel::kLogMinRolloverSize, kestrel::kLogMaxRolloverSize));
-    rollover->add_option("--count", arguments.count, translate("Number of full log files to keep"))
-        ->check(CLI::Range(kestrel::kLogMaxRolloverCount));
+    limit(*rollover->add_option("--size", arguments.size,
+                                translate("Size of a log file, in the daemon's unit")),
+          kestrel::kLogMinRolloverSize, kestrel::kLogMaxRolloverSize);
+    limit(*rollover->add_option("--count", arguments.count,
+                                translate("Number of full log files to keep")),
+          0, kestrel::kLogMaxRolloverCount);
     rollover->require_option(1, 2);
 
-    add("session", translate("Set the session maximum"),
-        [&] { set_session_max(arguments.sessions); })
-        ->add_option("MAXIMUM", arguments.sessions,
-                     translate("Session maximum, in the daemon's unit"))
-        ->required()
-        ->check(CLI::Range(kestrel::kLogMaxSessions));
+    CLI::App* const session = add("session", translate("Set the session maximum"),
+                                  [&] { set_session_max(arguments.sessions); });
+    limit(*session
+               ->add_option("MAXIMUM", arguments.sessions,
+                            translate("Session maximum, in the daemon's unit"))
+               ->required(),
+          0, kestrel::kLogMaxSessions);
 
     add("reset", translate("Set everything to its default"), [] { reset_settings(); });
 
@@ -134,16 +123,6 @@ int run(const Command& command) {
     }
 }
 
-void explain(const CLI::App& app, const CLI::ParseError& error) {
-    std::string text = error.what();
-    if (app.get_subcommands().empty()) {
-        text = translate("a command is needed; valid are:");
-        for (const CLI::App* command : app.get_subcommands({})) text += " " + command->get_name();
-    }
-    std::fprintf(stderr, "kestrel-log: %s\n%s\n", text.c_str(),
-                 translate("Run with --help for more information."));
-}
-
 }  // namespace
 
 // Describing the arguments throws only where their description is wrong.
@@ -156,6 +135,8 @@ int main(int argc, char** argv) {  // NOLINT(bugprone-exception-escape)
                            "family share for their logging, and shows their log lines."),
                  "kestrel-log");
     describe_help(app);
+    app.set_version_flag("--version", "kestrel-log " KESTREL_VERSION,
+                         translate("Display program version information and exit"));
     app.require_subcommand(1);
     app.fallthrough();
     Arguments arguments;
@@ -166,7 +147,8 @@ int main(int argc, char** argv) {  // NOLINT(bugprone-exception-escape)
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) return app.exit(error);  // --help and --version
-        explain(app, error);
+        std::fprintf(stderr, "kestrel-log: %s\n%s\n", explanation_of(error, app).c_str(),
+                     translate("Run with --help for more information."));
         return kExitUsage;
     }
     return run(command);

@@ -84,13 +84,13 @@ Outcome run(const std::vector<std::string>& arguments) {
     return outcome;
 }
 
-std::vector<std::string> kestrel_log_command(std::initializer_list<std::string> arguments) {
+std::vector<std::string> kestrel_log_command(const std::vector<std::string>& arguments) {
     std::vector<std::string> command = {KESTREL_LOG_PROGRAM};
-    command.insert(command.end(), arguments);
+    command.insert(command.end(), arguments.begin(), arguments.end());
     return command;
 }
 
-Outcome kestrel_log(std::initializer_list<std::string> arguments) {
+Outcome kestrel_log(const std::vector<std::string>& arguments) {
     return run(kestrel_log_command(arguments));
 }
 

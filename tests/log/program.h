@@ -2,7 +2,6 @@
 
 #include <sys/types.h>
 
-#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -43,10 +42,10 @@ struct Outcome {
 };
 
 // Runs the built kestrel-log to its end.
-Outcome kestrel_log(std::initializer_list<std::string> arguments);
+Outcome kestrel_log(const std::vector<std::string>& arguments);
 
 // The same program, started.
-std::vector<std::string> kestrel_log_command(std::initializer_list<std::string> arguments);
+std::vector<std::string> kestrel_log_command(const std::vector<std::string>& arguments);
 
 // Runs any program to its end.
 Outcome run(const std::vector<std::string>& arguments);

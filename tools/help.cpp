@@ -1,0 +1,43 @@
+#include "tools/help.h"
+
+#include <memory>
+#include <string>
+
+#include "program/translation.h"
+
+namespace kestrel::tools {
+namespace {
+
+class HelpFormatter : public CLI::Formatter {
+  public:
+    HelpFormatter() {
+        for (const char* word :
+             {translatable("Usage"), translatable("OPTIONS"), translatable("SUBCOMMAND"),
+              translatable("Positionals"), translatable("REQUIRED"), translatable("TEXT")}) {
+            label(word, translate(word));
+        }
+    }
+
+    // CLI11 has no labels for what it says of the number of options.
+    std::string make_description(const CLI::App* app) const override {
+        std::string text = app->get_description() + "\n";
+        if (app->get_require_option_min() > 0) {
+            text += translate("At least one of the options is required.\n");
+        }
+        return text;
+    }
+};
+
+}  // namespace
+
+void describe_help(CLI::App& app) {
+    app.formatter(std::make_shared<HelpFormatter>());
+    app.option_defaults()->group(translate("Options"));
+    describe_help_flag(app);
+}
+
+void describe_help_flag(CLI::App& app) {
+    app.set_help_flag("-h,--help", translate("Print this help message and exit"));
+}
+
+}  // namespace kestrel::tools
