@@ -5,7 +5,7 @@
 #include "log/levels_and_classes.h"
 #include "log/zynlog.h"
 #include "program/translation.h"
-#include "tools/usage_error.h"
+#include "program/usage_error.h"
 
 namespace kestrel::tools {
 namespace {

@@ -11,17 +11,18 @@
 
 #include "log/zynlog_config.h"
 #include "program/translation.h"
+#include "program/usage_error.h"
 #include "tools/command_line_error.h"
 #include "tools/console.h"
 #include "tools/follow.h"
 #include "tools/help.h"
 #include "tools/settings.h"
-#include "tools/usage_error.h"
 
 namespace {
 
 using namespace kestrel::tools;
 using kestrel::translate;
+using kestrel::UsageError;
 using kestrel::use_translations;
 
 constexpr int kExitFailure = 1;

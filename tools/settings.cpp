@@ -14,9 +14,9 @@
 #include "log/zynlog_config.h"
 #include "log/zynlog_paths.h"
 #include "program/translation.h"
+#include "program/usage_error.h"
 #include "tools/class_and_level_names.h"
 #include "tools/console.h"
-#include "tools/usage_error.h"
 
 namespace kestrel::tools {
 namespace {

@@ -2,16 +2,11 @@
 // Each throws UsageError with a sentence that begins with `option`.
 #pragma once
 
-#include <stdexcept>
 #include <string>
 
-namespace kestrel {
+#include "program/usage_error.h"
 
-// A wish that makes no sense; the text says why.
-class UsageError : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
+namespace kestrel {
 
 // The absolute path of a directory that exists and whose name is UTF-8.
 std::string existing_directory(const std::string& option, const std::string& path);
