@@ -12,13 +12,13 @@
 #include <functional>
 #include <optional>
 #include <ostream>
-#include <sstream>
 #include <string>
 
 #include "ipc/webkit_client.h"
 #include "tests/ipc/fake_sleep.h"
 #include "tests/ipc/link_fixture.h"
 #include "tests/ipc/log_lines.h"
+#include "tests/support/file_state.h"
 #include "tests/support/frame_bytes.h"
 #include "tests/support/listening_host.h"
 
@@ -27,18 +27,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using ::testing::SizeIs;
-
-// Kind, mode, size, times and content: what would show that somebody has touched it.
-std::string look_at(const fs::path& path) {
-    struct stat status {};
-    if (lstat(path.c_str(), &status) == -1) return "nothing";
-    std::ostringstream text;
-    text << path << ' ' << status.st_mode << ' ' << status.st_ino << ' ' << status.st_size << ' '
-         << status.st_mtim.tv_sec << '.' << status.st_mtim.tv_nsec << ' ' << status.st_ctim.tv_sec
-         << '.' << status.st_ctim.tv_nsec;
-    if (S_ISREG(status.st_mode)) text << ' ' << std::ifstream(path).rdbuf();
-    return text.str();
-}
 
 // A socket of another kind, whose name stays when it is closed.
 void bind_datagram_socket(const fs::path& path) {
@@ -91,14 +79,14 @@ class SocketObstacle : public LinkTest, public ::testing::WithParamInterface<Obs
 
 TEST_P(SocketObstacle, IsLeftAloneUntilTheLinkGivesUp) {
     GetParam().put(path, beside);
-    const std::string before = look_at(path) + look_at(beside);
+    const std::string before = state_of(path) + state_of(beside);
     const FakeSleep sleeps;
     start_link();
     ASSERT_TRUE(wait_for_log(kGaveUp.text));
     ASSERT_TRUE(reader_has_ended());
     EXPECT_THAT(sleeps.calls(), SizeIs(10));
     EXPECT_EQ(errors.text(), "Connection error!\n");
-    EXPECT_EQ(look_at(path) + look_at(beside), before);
+    EXPECT_EQ(state_of(path) + state_of(beside), before);
 }
 
 TEST_P(SocketObstacle, MayGiveWayToAHost) {

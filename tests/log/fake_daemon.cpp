@@ -5,7 +5,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <cstring>
+#include <stdexcept>
 #include <system_error>
 
 #include "tests/log/bytes.h"
@@ -21,33 +21,15 @@ bool is_readable(int fd, int milliseconds) {
 
 }  // namespace
 
-std::string DaemonConnection::read(std::size_t size) {
-    std::string bytes;
-    while (bytes.size() < size && is_readable(fd_, 10'000)) {
-        std::string piece(size - bytes.size(), '\0');
-        const ssize_t got = ::read(fd_, piece.data(), piece.size());
-        if (got <= 0) break;
-        bytes.append(piece, 0, static_cast<std::size_t>(got));
-    }
-    return bytes;
-}
-
-std::string DaemonConnection::read_message() {
+std::string DaemonConnection::read_message() const {
     const std::string length = read(2);
     if (length.size() < 2) return length;
     return length + read(2 + u16_at(length, 0));
 }
 
-bool DaemonConnection::is_quiet() const { return !is_readable(fd_, 0); }
-
 bool DaemonConnection::is_closed() const {
     char byte = 0;
-    return is_readable(fd_, 10'000) && recv(fd_, &byte, 1, MSG_PEEK) == 0;
-}
-
-void DaemonConnection::hang_up() {
-    if (fd_ != -1) close(fd_);
-    fd_ = -1;
+    return is_readable(fd(), 10'000) && recv(fd(), &byte, 1, MSG_PEEK) == 0;
 }
 
 FakeDaemon::FakeDaemon() : FakeDaemon(client_directory() + "/.zynlogsocket") {}

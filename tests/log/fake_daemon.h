@@ -2,32 +2,20 @@
 
 #include <string>
 
+#include "tests/support/host_end.h"
+
 namespace kestrel::testing {
 
-// The daemon's end of one process's connection. Reading waits ten seconds at most and then gives
-// what there is.
-class DaemonConnection {
+// The daemon's end of one process's connection.
+class DaemonConnection : public HostEnd {
   public:
-    explicit DaemonConnection(int fd) : fd_(fd) {}
-    ~DaemonConnection() { hang_up(); }
-    DaemonConnection(const DaemonConnection&) = delete;
-    DaemonConnection& operator=(const DaemonConnection&) = delete;
+    using HostEnd::HostEnd;
 
     // One whole message: the length field, and as many bytes as it says.
-    std::string read_message();
-
-    // Whether nothing waits to be read.
-    bool is_quiet() const;
+    std::string read_message() const;
 
     // Whether the process has closed its end, with nothing left to be read.
     bool is_closed() const;
-
-    void hang_up();
-
-  private:
-    std::string read(std::size_t size);
-
-    int fd_;
 };
 
 // Listens where the client looks for the log daemon.

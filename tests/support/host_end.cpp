@@ -19,7 +19,7 @@ bool is_readable(int fd, int milliseconds) {
 std::string HostEnd::read(std::size_t size) const {
     std::string bytes(size, '\0');
     std::size_t filled = 0;
-    while (filled < size && is_readable(fd_, 5'000)) {
+    while (filled < size && is_readable(fd_, 10'000)) {
         const ssize_t got = ::read(fd_, bytes.data() + filled, size - filled);
         if (got <= 0) break;
         filled += static_cast<std::size_t>(got);

@@ -6,7 +6,7 @@
 
 namespace kestrel::testing {
 
-// The host's end of one connection. Reading waits five seconds at most and then gives what there
+// The host's end of one connection. Reading waits ten seconds at most and then gives what there
 // is.
 class HostEnd {
   public:

@@ -8,10 +8,10 @@
 #include <fstream>
 #include <functional>
 #include <iostream>
-#include <sstream>
 #include <string>
 
 #include "common/LinuxCommonUtils.h"
+#include "tests/support/file_state.h"
 #include "tests/support/temporary_directory.h"
 #include "tests/utilities/child_process.h"
 #include "tests/utilities/lock_fixture.h"
@@ -21,19 +21,6 @@ namespace kestrel::testing {
 namespace {
 
 namespace fs = std::filesystem;
-
-// Kind, mode, owner, size, times and content: what would show that somebody has touched it.
-std::string look_at(const fs::path& path) {
-    struct stat status {};
-    if (lstat(path.c_str(), &status) == -1) return "nothing";
-    std::ostringstream text;
-    text << path << ' ' << status.st_mode << ' ' << status.st_uid << ' ' << status.st_ino << ' '
-         << status.st_size << ' ' << status.st_mtim.tv_sec << '.' << status.st_mtim.tv_nsec << ' '
-         << status.st_ctim.tv_sec << '.' << status.st_ctim.tv_nsec;
-    if (S_ISREG(status.st_mode)) text << ' ' << file_content(path);
-    if (S_ISLNK(status.st_mode)) text << ' ' << fs::read_symlink(path);
-    return text.str();
-}
 
 struct Obstacle {
     const char* name;
@@ -112,9 +99,9 @@ class ScratchObstacle : public ::testing::TestWithParam<Obstacle> {
     // Its answer, and what it says; nothing at `path` or beside may change.
     Output ask_beside(const std::string& path) {
         put(path);
-        const std::string before = look_at(path) + look_at(beside_);
+        const std::string before = state_of(path) + state_of(beside_);
         Output output = as_ordinary_user([] { std::cout << LinuxCommonUtils::getUserTmpDir(); });
-        EXPECT_EQ(look_at(path) + look_at(beside_), before);
+        EXPECT_EQ(state_of(path) + state_of(beside_), before);
         chmod(path.c_str(), 0700);  // or it could not be removed
         return output;
     }

@@ -1,7 +1,6 @@
 // A host in a process of its own that is stopped and resumed, or killed, while a page calls it.
 #include "tests/webkit/host_process.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -41,16 +40,11 @@ class HostProcessTest : public ::testing::Test {
             "; ++key) external.setItem(key, 'v'.repeat(key * 37 % 20011), 'done') }, 0)");
     }
 
-    // The id that the web process has announced.
-    pid_t web_process() {
-        return static_cast<pid_t>(std::atoi(host->frames(61).back().payload.c_str()));
-    }
-
     // Begins kCalls calls with a host that stands still, and returns when the page waits for it.
     void call_and_wait(std::size_t from) {
         host->stop();
         store.evaluate("call(" + std::to_string(from) + ")");
-        ASSERT_TRUE(page_waits_for_host(web_process()));
+        ASSERT_TRUE(page_waits_for_host(announced(*host)));
     }
 
     const std::string directory = std::string(g_get_home_dir()) + "/.QUOClient";
@@ -85,11 +79,11 @@ TEST_F(HostProcessTest, LosesNothingAndKeepsTheOrderWhenItIsStoppedAndResumedAmi
 
 TEST_F(HostProcessTest, EndsTheWebProcessWhoseCallItLeavesHalfTakenAndServesTheNextOne) {
     ASSERT_NO_FATAL_FAILURE(call_and_wait(0));
-    const pid_t first = web_process();
+    const pid_t first = announced(*host);
     host->die();
     ASSERT_TRUE(run_main_loop_until([this] { return store.process_has_gone(); }));
     connect();
-    EXPECT_NE(web_process(), first);
+    EXPECT_NE(announced(*host), first);
     store.evaluate("call(0)");
     EXPECT_TRUE(host->wait_for(33, kCalls));
 }
