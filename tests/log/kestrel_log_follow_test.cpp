@@ -1,27 +1,21 @@
-// The built kestrel-log as a viewer of the lines that other processes write.
+// The lines that the built kestrel-log shows of other processes.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <pty.h>
-#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
-#include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
-#include <optional>
 #include <string>
 
-#include "log/local_socket.h"
 #include "log/zynlog.h"
 #include "log/zynlog_config.h"
-#include "tests/log/fake_daemon.h"
-#include "tests/log/machine.h"
 #include "tests/log/program.h"
-#include "tests/support/file_content.h"
+#include "tests/log/viewer.h"
 
 namespace {
 
@@ -29,69 +23,15 @@ using kestrel::kError;
 using kestrel::kFatal;
 using kestrel::kLogKestrelExtension;
 using kestrel::kLogWebkit;
-using kestrel::testing::client_directory;
 using kestrel::testing::kestrel_log;
-using kestrel::testing::kestrel_log_command;
+using kestrel::testing::log_as;
 using kestrel::testing::Outcome;
-using kestrel::testing::Program;
+using kestrel::testing::RawProcess;
+using kestrel::testing::socket_path;
+using kestrel::testing::trace_record;
+using kestrel::testing::Viewer;
 using testing::HasSubstr;
 using testing::MatchesRegex;
-
-std::string socket_path() { return client_directory() + "/.zynlogsocket"; }
-
-// A viewer that listens.
-class Viewer : public Program {
-  public:
-    explicit Viewer(std::initializer_list<std::string> arguments = {"follow"})
-        : Program(kestrel_log_command(arguments)), greeting(read_error_line()) {}
-
-    const std::string greeting;
-};
-
-void log_as(const char* process, std::uint32_t log_class, int level, const char* text) {
-    const pid_t pid = fork();
-    if (pid == 0) {
-        std::string name = process;
-        program_invocation_short_name = name.data();
-        ZynLogInit();
-        ZynLogSetCurrentLevel(0, 1);
-        __ZynTrace(log_class, level, "", "", 0, "%s", text);
-        ZynLogShutdown();
-        _exit(0);
-    }
-    waitpid(pid, nullptr, 0);
-}
-
-// A connection to the viewer that sends any bytes.
-class RawProcess {
-  public:
-    RawProcess() { EXPECT_TRUE(socket_.is_open()); }
-
-    void send_bytes(const std::string& bytes) const {
-        EXPECT_EQ(send(socket_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL),
-                  static_cast<ssize_t>(bytes.size()));
-    }
-
-    // Whether the viewer has hung up.
-    bool is_dropped() const {
-        char byte = 0;
-        return read(socket_.get(), &byte, 1) == 0;
-    }
-
-  private:
-    const kestrel::FileDescriptor socket_ = kestrel::logging::connect_to(socket_path().c_str());
-};
-
-std::string trace_record(const std::string& text, char level = 4, char log_class = 41) {
-    const std::string fields = {level, 0, log_class, 0, 7, 0};
-    return std::string{static_cast<char>(23 + text.size()), 0, 1, 0} + fields +
-           std::string(16, '\0') + text + '\0';
-}
-
-TEST(Follow, SaysWhereItListens) {
-    EXPECT_EQ(Viewer().greeting, "kestrel-log: listening at " + kestrel::testing::home() +
-                                     "//.QUOClient/.zynlogsocket\n");
-}
 
 TEST(Follow, PrintsEachLineWithItsFields) {
     Viewer viewer;
@@ -107,16 +47,6 @@ TEST(Follow, PrintsLocalTime) {
     const RawProcess process;
     process.send_bytes(trace_record("x"));
     EXPECT_EQ(viewer.read_line(), "1970-01-01 05:00:00.000000 ?[7] ERROR   WEBKIT  x\n");
-}
-
-TEST(Follow, AcceptsAnyNumberOfProcesses) {
-    Viewer viewer;
-    std::array<std::optional<RawProcess>, 200> processes;
-    for (auto& process : processes) process.emplace();
-    for (std::size_t index = 0; index < processes.size(); ++index) {
-        processes[index]->send_bytes(trace_record(std::to_string(index)));
-        EXPECT_THAT(viewer.read_line(), HasSubstr("  " + std::to_string(index) + "\n"));
-    }
 }
 
 TEST(Follow, TellsProcessesApart) {
@@ -195,95 +125,6 @@ TEST(Follow, PutsPiecesOfARecordTogether) {
     for (const char byte : record) process.send_bytes(std::string(1, byte));
     process.send_bytes(record + record);
     for (int line = 0; line < 3; ++line) EXPECT_THAT(viewer.read_line(), HasSubstr("whole\n"));
-}
-
-TEST(Follow, DropsAProcessThatSendsNonsenseAndGoesOn) {
-    Viewer viewer;
-    for (const std::string& nonsense :
-         {std::string("\x00\x00\x09\x00", 4), std::string("\x00\x00\x01\x00", 4),
-          std::string("\x01\x00\x02\x00x", 5)}) {
-        const RawProcess process;
-        process.send_bytes(nonsense);
-        EXPECT_TRUE(process.is_dropped());
-    }
-    const RawProcess process;
-    process.send_bytes(trace_record("good"));
-    EXPECT_THAT(viewer.read_line(), HasSubstr("good\n"));
-}
-
-class FollowUntilSignal : public testing::TestWithParam<int> {};
-
-TEST_P(FollowUntilSignal, EndsWellAndRemovesItsSocket) {
-    Viewer viewer;
-    EXPECT_TRUE(std::filesystem::exists(socket_path()));
-    viewer.send_signal(GetParam());
-    EXPECT_EQ(viewer.wait(), 0);
-    EXPECT_FALSE(std::filesystem::exists(socket_path()));
-}
-
-INSTANTIATE_TEST_SUITE_P(Signals, FollowUntilSignal, testing::Values(SIGINT, SIGTERM));
-
-TEST(Follow, EndsWhenNobodyReadsItsOutput) {
-    Viewer viewer;
-    viewer.close_output();
-    EXPECT_EQ(viewer.wait(), 0);
-    EXPECT_FALSE(std::filesystem::exists(socket_path()));
-}
-
-TEST(Follow, IsOpenToItsUserOnly) {
-    const Viewer viewer;
-    EXPECT_EQ(std::filesystem::status(socket_path()).permissions(),
-              std::filesystem::perms::owner_all);
-}
-
-TEST(Follow, GivesWayToALiveDaemon) {
-    const kestrel::testing::FakeDaemon daemon;
-    const Outcome outcome = kestrel_log({"follow"});
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_THAT(outcome.error, HasSubstr("already listens at " + kestrel::testing::home()));
-    EXPECT_TRUE(std::filesystem::exists(socket_path()));
-}
-
-TEST(Follow, GivesWayToAnotherViewer) {
-    Viewer viewer;
-    EXPECT_EQ(kestrel_log({"follow"}).status, 1);
-    log_as("p", kLogWebkit, kError, "still here");
-    EXPECT_THAT(viewer.read_line(), HasSubstr("still here\n"));
-}
-
-TEST(Follow, ReplacesAStaleSocket) {
-    Viewer killed;
-    killed.send_signal(SIGKILL);
-    killed.wait();
-    ASSERT_TRUE(std::filesystem::is_socket(socket_path()));
-    Viewer viewer;
-    log_as("p", kLogWebkit, kError, "here");
-    EXPECT_THAT(viewer.read_line(), HasSubstr("here\n"));
-}
-
-TEST(Follow, LeavesAFileThatIsNoSocket) {
-    kestrel::testing::write_file(socket_path(), "precious");
-    const Outcome outcome = kestrel_log({"follow"});
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_THAT(outcome.error, HasSubstr("is not a socket"));
-    EXPECT_EQ(kestrel::testing::file_content(socket_path()), "precious");
-}
-
-TEST(Follow, SaysWhenThereIsNoHomeDirectory) {
-    kestrel::testing::write_file(kestrel::testing::home() + "/file", "");
-    setenv("HOME", (kestrel::testing::home() + "/file").c_str(), 1);
-    const Outcome outcome = kestrel_log({"follow"});
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.error, "kestrel-log: there is no home directory to listen in\n");
-}
-
-TEST(Follow, LeavesASocketThatHasTakenItsPlace) {
-    Viewer viewer;
-    std::filesystem::remove(socket_path());
-    const kestrel::testing::FakeDaemon daemon;
-    viewer.send_signal(SIGTERM);
-    EXPECT_EQ(viewer.wait(), 0);
-    EXPECT_TRUE(std::filesystem::exists(socket_path()));
 }
 
 // One line of a viewer on a terminal.

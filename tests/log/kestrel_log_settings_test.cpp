@@ -9,7 +9,6 @@
 #include <fstream>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include "tests/log/bytes.h"
 #include "tests/log/machine.h"

@@ -3,15 +3,8 @@
 #include <gmock/gmock.h>
 
 #include <array>
-#include <memory>
-#include <sstream>
 
-#include "tests/support/frame_bytes.h"
-#include "tests/support/main_loop.h"
-#include "tests/support/temporary_directory.h"
-#include "tests/workbench/fake_services.h"
-#include "tests/workbench/fake_web_process.h"
-#include "workbench/wire/message_server.h"
+#include "tests/workbench/session_fixture.h"
 
 namespace kestrel::testing {
 namespace {
@@ -21,52 +14,8 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
 
-constexpr const char* kUri = "file:///store/page.html";
-
 const std::string kPageOffer = frame_bytes(34, {}, {kUri, "{a: 1}"});
 const std::string kTaken = frame_bytes(35, {}, {kUri});
-const std::string kGreeting = frame_bytes(0, {}, {"window.onHostReady && window.onHostReady();"});
-
-// Over when the page has reported something and every answer has been confirmed.
-class FakeCheck final : public PageCheck {
-  public:
-    std::string on_page_shown() override { return "shown()"; }
-    std::string on_command(const Command& command, const Request& /*request*/) override {
-        if (command.code == to_host("writeTraceMessage")) has_report_ = true;
-        return command.code == to_host("ready") ? "begin()" : "";
-    }
-    void on_answer_sent() override { ++unconfirmed_; }
-    void on_answer_confirmed() override { --unconfirmed_; }
-    bool is_over() const override { return has_report_ && unconfirmed_ == 0; }
-    std::vector<std::string> failures() const override { return {}; }
-    std::string success() const override { return ""; }
-
-  private:
-    bool has_report_ = false;
-    int unconfirmed_ = 0;
-};
-
-class SessionTest : public ::testing::Test {
-  protected:
-    explicit SessionTest(PageCheck* check = nullptr)
-        : session(fakes.services, "{a: 1}", transcript, check,
-                  {.load_page = [this] { ++loads; }, .check_over = [this] { is_over = true; }}) {
-        fakes.services.page_uri = kUri;
-    }
-
-    // Waits until the host has taken everything that was sent to it.
-    static void settle() { run_main_loop_until_idle(); }
-
-    int loads = 0;
-    bool is_over = false;
-    std::ostringstream lines;
-    Transcript transcript{lines};
-    TemporaryDirectory directory;
-    FakeServices fakes;
-    Session session;
-    MessageServer server{directory.path() + "/socket", session};
-    FakeWebProcess web_process{directory.path() + "/socket"};
-};
 
 TEST_F(SessionTest, OffersThePageWhenTheEmptyPageIsShownAndTheProcessIsThere) {
     web_process.announce(11);
@@ -214,89 +163,6 @@ TEST_F(SessionTest, AnswersNullAndSaysWhyWhenAnActionFails) {
     web_process.write(frame_bytes(18, {}, {"key", "take"}));
     EXPECT_EQ(web_process.read_frame(), frame_bytes(1, {}, {"(() => (take\n)(null))"}));
     EXPECT_THAT(fakes.desktop.shown, ElementsAre(StartsWith("getItem: ")));
-}
-
-class CheckedSessionTest : public SessionTest {
-  protected:
-    CheckedSessionTest() : SessionTest(&check) {}
-
-    FakeCheck check;
-};
-
-TEST_F(CheckedSessionTest, SendsTheScriptsOfTheCheck) {
-    web_process.announce(11);
-    session.greet_page();
-    EXPECT_EQ(web_process.read_frame(), kGreeting);
-    EXPECT_EQ(web_process.read_frame(), frame_bytes(0, {}, {"shown()"}));
-    web_process.write(frame_bytes(25, {}, {}));
-    EXPECT_TRUE(web_process.is_quiet());
-    web_process.write(frame_bytes(28, {}, {}));
-    EXPECT_EQ(web_process.read_frame(), frame_bytes(0, {}, {"begin()"}));
-}
-
-TEST_F(CheckedSessionTest, TellsWhenTheCheckIsOver) {
-    web_process.write(frame_bytes(18, {}, {"key", "take"}));
-    web_process.write(frame_bytes(15, {}, {"report"}));
-    settle();
-    EXPECT_FALSE(is_over);
-    web_process.write(frame_bytes(33, {}, {}));
-    settle();
-    EXPECT_TRUE(is_over);
-}
-
-class BadHostTest : public SessionTest {
-  protected:
-    BadHostTest() {
-        web_process.announce(11);
-        settle();
-    }
-    void ask() { web_process.write(frame_bytes(18, {}, {"key", "take"})); }
-
-    const std::string answer = frame_bytes(1, {}, {"(() => (take\n)(null))"});
-};
-
-TEST_F(BadHostTest, SwallowsAnswersUntilItBehavesAgain) {
-    session.set_misbehavior(Misbehavior::silence);
-    ask();
-    EXPECT_TRUE(web_process.is_quiet());
-    EXPECT_THAT(lines.str(), HasSubstr(" -- bad host: Silence\n"));
-    session.set_misbehavior(Misbehavior::none);
-    ask();
-    EXPECT_EQ(web_process.read_frame(), answer);
-}
-
-TEST_F(BadHostTest, SendsAnswersLateAndTheRestAtOnce) {
-    session.set_misbehavior(Misbehavior::late_answer);
-    ask();
-    session.greet_page();
-    EXPECT_EQ(web_process.read_frame(), kGreeting);
-    EXPECT_TRUE(web_process.is_quiet());
-    EXPECT_EQ(web_process.read_frame(), answer);
-}
-
-TEST_F(BadHostTest, SendsNothingBehindATruncatedAnswer) {
-    session.set_misbehavior(Misbehavior::truncated);
-    ask();
-    settle();
-    session.greet_page();
-    session.misbehave_now(Misbehavior::hang_up);
-    EXPECT_EQ(web_process.read_frame(), "");  // the header promises more than comes
-}
-
-TEST_F(BadHostTest, HangsUp) {
-    session.set_misbehavior(Misbehavior::hang_up);
-    ask();
-    EXPECT_TRUE(web_process.sees_end());
-    run_main_loop_until([this] { return !server.has_connections(); });
-    EXPECT_THAT(lines.str(), HasSubstr(" -- connection of 11: hung up on\n"));
-    EXPECT_THAT(session.processes(), ElementsAre());
-}
-
-TEST_F(BadHostTest, MisbehavesAtOnceToAllProcesses) {
-    session.misbehave_now(Misbehavior::wrong_type);
-    EXPECT_EQ(web_process.read_frame(), frame_bytes(59, {}, {"(() => {})"}));
-    session.misbehave_now(Misbehavior::oversize);
-    EXPECT_EQ(web_process.read_frame().size(), 16U + 5'000'001U);
 }
 
 TEST_F(SessionTest, SendsWhatAPersonSendsToOneProcessOrToAll) {
