@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <system_error>
 
+#include "program/translation.h"
 #include "workbench/desktop/glib_handles.h"
 #include "workbench/string_pointers.h"
 
@@ -45,7 +46,7 @@ std::vector<std::string> copy_of_environment() {
 
 void restart(std::vector<std::string> arguments, std::vector<std::string> environment) {
     execve("/proc/self/exe", pointers_to(arguments).data(), pointers_to(environment).data());
-    throw std::system_error(errno, std::generic_category(), "cannot start anew");
+    throw std::system_error(errno, std::generic_category(), translate("cannot start anew"));
 }
 
 }  // namespace kestrel
