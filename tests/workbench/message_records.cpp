@@ -1,7 +1,5 @@
 #include "tests/workbench/message_records.h"
 
-#include <utility>
-
 #include "ipc/frame.h"
 
 namespace kestrel::testing {

@@ -6,7 +6,6 @@
 
 #include <filesystem>
 #include <list>
-#include <map>
 #include <optional>
 
 #include "tests/support/frame_bytes.h"

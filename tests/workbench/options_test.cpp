@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <optional>
 
 #include "ipc/protocol.h"
 #include "tests/support/temporary_directory.h"
