@@ -1,6 +1,5 @@
 #include "tests/log/fake_daemon.h"
 
-#include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -12,14 +11,6 @@
 #include "tests/log/machine.h"
 
 namespace kestrel::testing {
-namespace {
-
-bool is_readable(int fd, int milliseconds) {
-    pollfd waiting{fd, POLLIN, 0};
-    return poll(&waiting, 1, milliseconds) == 1;
-}
-
-}  // namespace
 
 std::string DaemonConnection::read_message() const {
     const std::string length = read(2);

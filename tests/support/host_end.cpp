@@ -7,14 +7,11 @@
 #include <cstring>
 
 namespace kestrel::testing {
-namespace {
 
 bool is_readable(int fd, int milliseconds) {
     pollfd waiting{fd, POLLIN, 0};
     return poll(&waiting, 1, milliseconds) == 1;
 }
-
-}  // namespace
 
 std::string HostEnd::read(std::size_t size) const {
     std::string bytes(size, '\0');

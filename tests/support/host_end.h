@@ -6,6 +6,9 @@
 
 namespace kestrel::testing {
 
+// Waits so long at most for bytes to read, a connection or an end.
+bool is_readable(int fd, int milliseconds);
+
 // The host's end of one connection. Reading waits ten seconds at most and then gives what there
 // is.
 class HostEnd {
