@@ -12,6 +12,7 @@
 #include "tests/workbench/store/visit.h"
 
 namespace kestrel::testing {
+
 namespace fs = std::filesystem;
 
 std::string card(const std::string& id, const std::string& part) {
