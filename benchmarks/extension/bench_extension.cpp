@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "benchmarks/extension/bare_trip.h"
 #include "benchmarks/extension/library_facts.h"
 #include "benchmarks/extension/loaded_extension.h"
 
@@ -135,6 +136,30 @@ JSValueRef ask(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*sel
     return JSValueMakeUndefined(context);
 }
 
+// trip(text, callback): has the host send the text back, by the shortest way there is.
+JSValueRef trip(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
+                size_t /*count*/, const JSValueRef arguments[], JSValueRef* exception) {
+    const JSStringRef text = JSValueToStringCopy(context, arguments[0], exception);
+    kestrel::bench::bare_trip(context, text, JSValueToObject(context, arguments[1], exception));
+    JSStringRelease(text);
+    return JSValueMakeUndefined(context);
+}
+
+// deliver(count): what no library can do without for so many answers to the page's `answered`.
+JSValueRef deliver(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
+                   size_t /*count*/, const JSValueRef arguments[], JSValueRef* exception) {
+    for (int left = static_cast<int>(number_of(context, arguments[0])); left > 0; --left) {
+        const JSStringRef callback = JSStringCreateWithUTF8CString("answered");
+        const JSValueRef found =
+            JSEvaluateScript(context, callback, nullptr, nullptr, 1, exception);
+        JSStringRelease(callback);
+        JSObjectCallAsFunction(context, JSValueToObject(context, found, exception), nullptr, 0,
+                               nullptr, exception);
+        write_whole(frame.data(), frame.size());
+    }
+    return JSValueMakeUndefined(context);
+}
+
 JSValueRef load(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
                 size_t /*count*/, const JSValueRef /*arguments*/[], JSValueRef* /*exception*/) {
     const std::string json = kestrel::bench::load_extension(paths, web_extension, shown);
@@ -169,6 +194,8 @@ constexpr JSStaticFunction kFunctions[] = {
     {"readTexts", read_texts, kReadOnly},
     {"convert", convert, kReadOnly},
     {"ask", ask, kReadOnly},
+    {"trip", trip, kReadOnly},
+    {"deliver", deliver, kReadOnly},
     {"load", load, kReadOnly},
     {"attach", attach, kReadOnly},
     {"resident", resident, kReadOnly},

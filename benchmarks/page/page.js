@@ -97,16 +97,34 @@ const tripSubjects = value => ({
     };
     call();
   }),
+  bare: count => new Promise(done => {
+    let left = count;
+    const start = bench.now();
+    const call = () => bench.trip(value, answered);
+    const answered = () => {
+      if (--left > 0) call(); else done((bench.now() - start) / count);
+    };
+    call();
+  }),
 });
 
 async function tripFigures(rounds) {
   const figures = {};
   for (const [name, size, count] of [['16B', 16, 100], ['4KB', 4096, 100], ['1MB', 1 << 20, 4]]) {
-    const subjects = tripSubjects(textOf.ascii(size));
+    const {bare, ...others} = tripSubjects(textOf.ascii(size));
+    const subjects = size > 4096 ? others : {bare, ...others};
     const times = await interleaved(subjects, rounds, trip => trip(count));
     for (const subject in times) figures[`trip_${subject}_${name}`] = times[subject];
   }
   return figures;
+}
+
+// An answer's callback evaluated, called and acknowledged, without the way there.
+async function deliveryFigures(rounds, count) {
+  window.answered = () => {};
+  bench.prepare(HEADER);
+  const subjects = {deliver: () => timed(() => bench.deliver(count), 1) / count};
+  return interleaved(subjects, rounds, deliver => deliver());
 }
 
 // The cost of one call as payloads and numbers of calls grow, beside one bare write each.

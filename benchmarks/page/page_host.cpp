@@ -2,14 +2,12 @@
 
 #include <sys/ioctl.h>
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <array>
 #include <chrono>
-#include <cstdio>
-#include <cstdlib>
 
+#include "benchmarks/page/listener.h"
 #include "ipc/frame.h"
 
 namespace kestrel::bench {
@@ -18,11 +16,6 @@ namespace {
 constexpr int kRelay = to_host("ajax");
 constexpr int kAnswer = to_page("answer");
 constexpr std::size_t kPieceSize = 262'144;
-
-[[noreturn]] void fail(const char* what) {
-    std::perror(what);
-    std::exit(EXIT_FAILURE);
-}
 
 void sleep_a_moment() { std::this_thread::sleep_for(std::chrono::microseconds(200)); }
 
@@ -35,13 +28,8 @@ double monotonic_seconds() {
 
 PageHost::PageHost(const std::string& client_directory)
     : path_(client_directory + "/webkit_socket2"),
-      listener_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)),
+      listener_(listen_at(path_)),
       assembler_({64'000'000, 100}) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path_.copy(address.sun_path, sizeof address.sun_path - 1);
-    if (bind(listener_, reinterpret_cast<sockaddr*>(&address), sizeof address) == -1) fail("bind");
-    if (listen(listener_, 8) == -1) fail("listen");
     thread_ = std::thread(&PageHost::serve, this);
 }
 
@@ -114,7 +102,7 @@ std::size_t PageHost::waiting() const {
 void PageHost::send(std::string_view bytes) const {
     while (!bytes.empty()) {
         const ssize_t sent = ::send(peer_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-        if (sent <= 0) fail("send");
+        require(sent > 0, "send");
         bytes.remove_prefix(static_cast<std::size_t>(sent));
     }
 }

@@ -11,6 +11,9 @@ constexpr std::string_view kPost = "messageHandlers.post.postMessage";
 constexpr std::string_view kConvert = "JSStringGetUTF8CString, one write";
 constexpr std::string_view kRead = "JavaScriptCore's texts, one write";
 constexpr std::string_view kReply = "faster of WebKit's two messages with reply";
+constexpr std::string_view kWakes = "three threads woken in turn, one call";
+constexpr std::string_view kEvaluate = "webkit_web_view_evaluate_javascript";
+constexpr std::string_view kDeliver = "JavaScriptCore's evaluation, a call, one write";
 constexpr std::string_view kBareWrite = "one bare write";
 
 using enum Unit;
@@ -38,7 +41,11 @@ constexpr auto kFigures = std::to_array<Figure>({
     {"round trip, 16 B",                   "trip_link_16B",              kReply,   {"trip_script_16B", "trip_view_16B"}, 0.4},
     {"round trip, 4 KB",                   "trip_link_4KB",              kReply,   {"trip_script_4KB", "trip_view_4KB"}, 0.35},
     {"round trip, 1 MB",                   "trip_link_1MB",              kReply,   {"trip_script_1MB", "trip_view_1MB"}, 0.8},
-    {"answers in a row, one",              "answers",                    "webkit_web_view_evaluate_javascript", {"evaluate_javascript"}, 0.35},
+    {"round trip, 16 B",                   "trip_link_16B",              kWakes,   {"trip_bare_16B"},               none},
+    {"this floor itself, 16 B",            "trip_bare_16B",              kReply,   {"trip_script_16B", "trip_view_16B"}, none},
+    {"answers in a row, one",              "answers",                    kEvaluate, {"evaluate_javascript"},        0.35},
+    {"answers in a row, one",              "answers",                    kDeliver, {"deliver"},                     none},
+    {"this floor itself",                  "deliver",                    kEvaluate, {"evaluate_javascript"},        none},
     {"burst of 100,000 calls, one",        "burst_calls",                "bare writes in a loop",  {"burst_writes"},     1.5},
     {"inbound: six short strings",         "inbound_short",              "two bare reads",         {"two_bare_reads"},   1.6},
     {"inbound: an answer of 4.9 MB",       "inbound_large",              "bare socket to buffer",  {"bare_large"},       1.3},
