@@ -2,18 +2,19 @@
 // the page goes on in the main loop, in the order in which the messages came.
 #include <glib.h>
 
-#include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <list>
 #include <memory>
 #include <new>
 #include <string>
 #include <vector>
 
+#include "extension/main_loop_queue.h"
 #include "extension/page_delivery.h"
 #include "extension/resources.h"
-#include "ipc/frame.h"
 #include "ipc/never_destroyed.h"
 #include "ipc/protocol.h"
 #include "ipc/reader.h"
@@ -27,25 +28,14 @@
 
 namespace {
 
-// Scripts and answers are queued alike, so they reach the page in the order in which they came.
-void queue_script(std::string script) {
-    g_idle_add_full(
-        G_PRIORITY_DEFAULT_IDLE,
-        [](void* data) -> gboolean {
-            kestrel::run_script(*static_cast<std::string*>(data));
-            return G_SOURCE_REMOVE;
-        },
-        new std::string(std::move(script)),
-        [](void* data) { delete static_cast<std::string*>(data); });
-}
-
-void queue_answer(std::unique_ptr<std::list<char*>> answer) {
-    g_idle_add(
-        [](void* data) -> gboolean {
-            return KsJS_proxy::szyns_cb_wrapper(static_cast<std::list<char*>*>(data));
-        },
-        answer.release());
-}
+// The callback's text and its arguments, as delivery takes them over.
+struct FreeAnswer {
+    void operator()(std::list<char*>* answer) const {
+        for (char* text : *answer) std::free(text);
+        delete answer;
+    }
+};
+using Answer = std::unique_ptr<std::list<char*>, FreeAnswer>;
 
 }  // namespace
 
@@ -65,32 +55,26 @@ void KsJS_proxy::insertJS(int* /*ints*/, std::string* strings) {
         kestrel::run_script(script);
         g_main_context_release(main_context);
     } else {
-        queue_script(script);
+        kestrel::run_in_main_loop([script = std::string(script)] { kestrel::run_script(script); });
     }
 }
 
 void KsJS_proxy::zyns_cb_wrapper(int* /*ints*/, std::string* strings) {
-    std::vector<std::unique_ptr<char, kestrel::FreeDeleter>> texts;
     const bool is_ajax = strings[0].find(kestrel::kAjaxCompletion) != std::string::npos;
+    Answer answer(new std::list<char*>);
     for (std::size_t i = 0; i <= (is_ajax ? kestrel::kAjaxArguments : 0); ++i) {
-        texts.emplace_back(strdup(strings[i].c_str()));
-        if (!texts.back()) throw std::bad_alloc();
+        answer->push_back(strdup(strings[i].c_str()));
+        if (answer->back() == nullptr) throw std::bad_alloc();
     }
-    auto answer = std::make_unique<std::list<char*>>(texts.size());
-    std::ranges::transform(texts, answer->begin(), [](auto& text) { return text.release(); });
-    queue_answer(std::move(answer));
+    kestrel::run_in_main_loop([list = answer.get()] { szyns_cb_wrapper(list); });
+    answer.release();
 }
 
 int KsJS_proxy::szyns_cb_wrapper(std::list<char*>* answer) {
-    const std::unique_ptr<std::list<char*>> list(answer);
-    std::vector<std::unique_ptr<char, kestrel::FreeDeleter>> texts(list->begin(), list->end());
-    if (texts.empty()) return G_SOURCE_REMOVE;
-
-    std::vector<const char*> arguments;
-    for (auto text = texts.begin() + 1; text != texts.end(); ++text) {
-        arguments.push_back(text->get());
-    }
-    kestrel::deliver_answer(texts.front().get(), arguments);
+    const Answer texts(answer);
+    if (texts->empty()) return G_SOURCE_REMOVE;
+    const std::vector<const char*> arguments(std::next(texts->begin()), texts->end());
+    kestrel::deliver_answer(texts->front(), arguments);
     return G_SOURCE_REMOVE;
 }
 
