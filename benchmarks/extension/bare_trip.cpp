@@ -15,8 +15,8 @@ namespace {
 
 struct Trip {
     JSGlobalContextRef context = nullptr;
-    JSObjectRef callback = nullptr;
-    std::array<char, 4'097> bytes;  // with the text's NUL
+    int link = -1;
+    std::array<char, 4'102> bytes;  // with the texts' NULs
 };
 
 Trip trip;
@@ -31,13 +31,23 @@ int connect_to_echo() {
     return fd;
 }
 
-gboolean finish(void* /*data*/) {
-    const JSStringRef text = JSStringCreateWithUTF8CString(trip.bytes.data());
-    const JSValueRef argument = JSValueMakeString(trip.context, text);
+JSValueRef made_string(const char* utf8) {
+    const JSStringRef text = JSStringCreateWithUTF8CString(utf8);
+    const JSValueRef value = JSValueMakeString(trip.context, text);
     JSStringRelease(text);
-    const JSObjectRef callback = trip.callback;
-    JSObjectCallAsFunction(trip.context, callback, nullptr, 1, &argument, nullptr);
-    JSValueUnprotect(trip.context, callback);
+    return value;
+}
+
+gboolean finish(void* /*data*/) {
+    const JSStringRef name = JSStringCreateWithUTF8CString("bareComplete");
+    const JSValueRef callback = JSEvaluateScript(trip.context, name, nullptr, nullptr, 1, nullptr);
+    JSStringRelease(name);
+    const std::array<JSValueRef, 5> arguments = {made_string(trip.bytes.data()), made_string(""),
+                                                 made_string(""), made_string(""), made_string("")};
+    JSObjectCallAsFunction(trip.context, JSValueToObject(trip.context, callback, nullptr), nullptr,
+                           arguments.size(), arguments.data(), nullptr);
+    constexpr std::array<char, 16> kDelivered{};
+    if (write(trip.link, kDelivered.data(), kDelivered.size()) == -1) std::abort();
     return G_SOURCE_REMOVE;
 }
 
@@ -56,11 +66,16 @@ int echo_descriptor() {
 
 }  // namespace
 
-void bare_trip(JSContextRef context, JSStringRef text, JSObjectRef callback) {
+void bare_trip(JSContextRef context, std::span<const JSValueRef> texts, int link) {
     trip.context = JSContextGetGlobalContext(context);
-    trip.callback = callback;
-    JSValueProtect(context, callback);
-    const std::size_t size = JSStringGetUTF8CString(text, trip.bytes.data(), trip.bytes.size());
+    trip.link = link;
+    std::size_t size = 0;
+    for (const JSValueRef value : texts) {
+        const JSStringRef text = JSValueToStringCopy(context, value, nullptr);
+        const std::size_t room = trip.bytes.size() - size;
+        size += JSStringGetUTF8CString(text, trip.bytes.data() + size, room);
+        JSStringRelease(text);
+    }
     const ssize_t written = write(echo_descriptor(), trip.bytes.data(), size);
     if (written != static_cast<ssize_t>(size)) std::abort();
 }

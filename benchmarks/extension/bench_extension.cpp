@@ -136,12 +136,10 @@ JSValueRef ask(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*sel
     return JSValueMakeUndefined(context);
 }
 
-// trip(text, callback): has the host send the text back, by the shortest way there is.
-JSValueRef trip(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
-                size_t /*count*/, const JSValueRef arguments[], JSValueRef* exception) {
-    const JSStringRef text = JSValueToStringCopy(context, arguments[0], exception);
-    kestrel::bench::bare_trip(context, text, JSValueToObject(context, arguments[1], exception));
-    JSStringRelease(text);
+// trip(texts...): has the host send the first one back, by the shortest way there is.
+JSValueRef trip(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/, size_t count,
+                const JSValueRef arguments[], JSValueRef* /*exception*/) {
+    kestrel::bench::bare_trip(context, {arguments, count}, link_descriptor());
     return JSValueMakeUndefined(context);
 }
 

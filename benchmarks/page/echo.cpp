@@ -22,7 +22,7 @@ Echo::~Echo() {
 
 void Echo::serve() {
     peer_ = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
-    std::array<char, 4'097> bytes;
+    std::array<char, 8'192> bytes;
     for (;;) {
         const ssize_t got = read(peer_, bytes.data(), bytes.size());
         if (got <= 0) break;
