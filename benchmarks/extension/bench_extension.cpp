@@ -4,6 +4,7 @@
 #include <unistd.h>
 #include <webkit2/webkit-web-extension.h>
 
+#include <array>
 #include <chrono>
 #include <cstdlib>
 #include <memory>
@@ -76,14 +77,19 @@ JSValueRef write_many(JSContextRef context, JSObjectRef function, JSObjectRef se
     return start;
 }
 
-// What no library can do without: each argument's text and, but for the shortest, a look at its
-// characters; then one write of the prepared bytes.
+// What no library can do without: each argument's text and its characters, by the way that is
+// shorter for so many; then one write of the prepared bytes.
 JSValueRef read_texts(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
                       size_t count, const JSValueRef arguments[], JSValueRef* exception) {
     constexpr std::size_t kShort = 12;
+    std::array<char, 3 * kShort + 1> utf8;
     for (std::size_t i = 0; i < count; ++i) {
         const JSStringRef text = JSValueToStringCopy(context, arguments[i], exception);
-        if (JSStringGetLength(text) > kShort) JSStringGetCharactersPtr(text);
+        if (JSStringGetLength(text) > kShort) {
+            JSStringGetCharactersPtr(text);
+        } else {
+            JSStringGetUTF8CString(text, utf8.data(), utf8.size());
+        }
         JSStringRelease(text);
     }
     write_whole(frame.data(), frame.size());

@@ -1,7 +1,9 @@
 #include "benchmarks/page/host_figures.h"
 
 #include <array>
+#include <map>
 #include <string_view>
+#include <utility>
 
 #include "ipc/frame.h"
 
@@ -47,15 +49,18 @@ void measure_burst(const PageView& view, PageHost& host, int calls, int rounds, 
     constexpr std::size_t kSize = sizeof(webkit_message) + 2 + 2 + 3;  // 'k', 'v', 'cb'
     const std::string count = std::to_string(calls);
     view.run("bench.prepare(" + std::to_string(kSize) + ")");
-    std::vector<double> called;
-    std::vector<double> written;
+    const std::pair<const char*, std::string> bursts[] = {
+        {"burst_calls", "return burst('call', " + count + ")"},
+        {"burst_reads", "return burst('read', " + count + ")"},
+        {"burst_writes", "return bench.writeMany(" + count + ")"},
+    };
+    std::map<std::string, std::vector<double>> times;
     for (int round = 0; round < rounds; ++round) {
-        called.push_back(until_read(view, host, "return burst(" + count + ")", calls, kSize));
-        written.push_back(
-            until_read(view, host, "return bench.writeMany(" + count + ")", calls, kSize));
+        for (const auto& [name, script] : bursts) {
+            times[name].push_back(until_read(view, host, script, calls, kSize));
+        }
     }
-    to["burst_calls"] = median(called);
-    to["burst_writes"] = median(written);
+    for (const auto& [name, measured] : times) to[name] = median(measured);
 }
 
 void measure_answers(const PageView& view, PageHost& host, int answers, int rounds,
