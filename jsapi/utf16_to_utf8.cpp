@@ -5,7 +5,9 @@
 namespace kestrel {
 namespace {
 
-// Long enough for the compiler to make vector instructions of the loops over a block.
+// Long enough for the compiler to make vector instructions of the loops over a block. The longer a
+// block, the less it takes to know that it was ASCII, and the more is lost when it was not.
+constexpr std::size_t kLongBlock = kUtf8Slack;
 constexpr std::size_t kBlock = 32;
 constexpr std::size_t kShortBlock = 8;
 
@@ -13,16 +15,21 @@ constexpr char byte(unsigned value) { return static_cast<char>(value); }
 constexpr bool is_high(char16_t unit) { return (unit & 0xfc00U) == 0xd800; }
 constexpr bool is_low(char16_t unit) { return (unit & 0xfc00U) == 0xdc00; }
 
-// Writes a block as if it were ASCII, and tells whether it was: no unit is 0 or above 0x7f.
+// Moves a block of ASCII from `text` to `to`. Where there is none both stay, but what lies behind
+// `to` may have changed. Neither 0 nor what is above 0x7f is ASCII here.
 template <std::size_t size>
-bool write_ascii(const char16_t* block, char* to) {
+bool move_ascii(std::span<const char16_t>& text, char*& to) {
+    if (text.size() < size) return false;
     unsigned seen = 0;
     for (std::size_t i = 0; i < size; ++i) {
-        const std::uint16_t unit = block[i];
+        const std::uint16_t unit = text[i];
         seen |= static_cast<std::uint16_t>(unit | static_cast<std::uint16_t>(unit - 1U));
         to[i] = byte(unit);
     }
-    return (seen & 0xff80U) == 0;
+    if ((seen & 0xff80U) != 0) return false;
+    text = text.subspan(size);
+    to += size;
+    return true;
 }
 
 bool is_ascii(const char16_t* block) {
@@ -95,14 +102,11 @@ bool for_each_of_block(std::span<const char16_t>& text, Take take) {
 char* write_utf8(std::span<const char16_t> text, char* to) {
     const auto write = [&to](const Character& character) { to = write_character(character, to); };
     while (!text.empty()) {
-        if (text.size() >= kBlock && write_ascii<kBlock>(text.data(), to)) {
-            to += kBlock;
-            text = text.subspan(kBlock);
-        } else if (text.size() >= kShortBlock && write_ascii<kShortBlock>(text.data(), to)) {
-            to += kShortBlock;
-            text = text.subspan(kShortBlock);
-        } else if (!for_each_of_block(text, write)) {
-            break;
+        if (move_ascii<kLongBlock>(text, to)) continue;
+        const std::size_t rest = text.size() > kLongBlock ? text.size() - kLongBlock : 0;
+        while (text.size() > rest) {
+            if (move_ascii<kBlock>(text, to) || move_ascii<kShortBlock>(text, to)) continue;
+            if (!for_each_of_block(text, write)) return to;
         }
     }
     return to;

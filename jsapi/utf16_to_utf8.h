@@ -13,7 +13,7 @@ inline constexpr std::size_t kMaxBytesOfUnit = 3;
 std::size_t utf8_size(std::span<const char16_t> text);
 
 // What writing a text may overwrite behind its end.
-inline constexpr std::size_t kUtf8Slack = 64;
+inline constexpr std::size_t kUtf8Slack = 256;
 
 // Writes those bytes to `to`; returns their end. There must be room for them and the slack, or for
 // kMaxBytesOfUnit bytes a unit.

@@ -73,7 +73,7 @@ TEST(Utf16ToUtf8, KnowsTheFirstAndLastCharacterOfEverySize) {
     EXPECT_EQ(converted(u"\U00010000\U0010ffff"), "\xf0\x90\x80\x80\xf4\x8f\xbf\xbf");
 }
 
-// Each is put at every place of texts of one to four blocks, at every alignment of memory.
+// Each is put at every place of texts of one to four blocks, and about the ends of long ones.
 constexpr std::u16string_view kInserts[] = {
     u"",           u"\0"sv,     u"\x7f",           u"\x80",           u"\u20ac",
     u"\U0001f600", u"\xd800"sv, u"\xdc00"sv,       u"\xdc00\xd800"sv, u"\xd800\xd800\xdc00"sv,
@@ -82,8 +82,8 @@ constexpr std::u16string_view kInserts[] = {
 
 TEST(Utf16ToUtf8, IsRightAtEveryPlaceOfABlock) {
     for (const std::u16string_view insert : kInserts) {
-        for (std::size_t before = 0; before <= 70; ++before) {
-            for (const std::size_t after : {0, 1, 31, 32, 33, 64}) {
+        for (std::size_t before = 0; before <= 2 * kUtf8Slack; ++before) {
+            for (const std::size_t after : {0, 1, 31, 32, 33, 64, 255, 256, 257}) {
                 const std::u16string text =
                     repeated(u"a", before) + std::u16string(insert) + repeated(u"z", after);
                 ASSERT_EQ(converted(text), expected(text))
@@ -106,11 +106,13 @@ TEST(Utf16ToUtf8, IsRightAtEveryAlignment) {
 }
 
 TEST(Utf16ToUtf8, NeedsNoMoreThanItsSizeAndTheSlack) {
-    const std::u16string text = repeated(u"a", 40) + u'\0' + repeated(u"b", 400);
-    const std::size_t size = utf8_size({text.data(), text.size()});
-    std::vector<char> bytes(size + kUtf8Slack + 1, kUntouched);
-    EXPECT_EQ(write_utf8({text.data(), text.size()}, bytes.data()) - bytes.data(), 40);
-    EXPECT_EQ(bytes.back(), kUntouched);
+    for (const std::size_t length : {0U, 40U, 255U, 256U, 257U, 512U}) {
+        const std::u16string text = repeated(u"a", length) + u'\0' + repeated(u"b", 400);
+        const std::size_t size = utf8_size(text);
+        std::vector<char> bytes(size + kUtf8Slack + 1, kUntouched);
+        EXPECT_EQ(write_utf8(text, bytes.data()), bytes.data() + length);
+        EXPECT_EQ(bytes.back(), kUntouched) << length;
+    }
 }
 
 // JavaScriptCore keeps texts of Latin-1 at one byte a character, others at two.
