@@ -67,7 +67,7 @@ void KsJS_proxy::zyns_cb_wrapper(int* /*ints*/, std::string* strings) {
         if (answer->back() == nullptr) throw std::bad_alloc();
     }
     kestrel::run_in_main_loop([list = answer.get()] { szyns_cb_wrapper(list); });
-    answer.release();
+    static_cast<void>(answer.release());  // which is the main loop's now
 }
 
 int KsJS_proxy::szyns_cb_wrapper(std::list<char*>* answer) {

@@ -2,10 +2,11 @@
 
 #include <glib.h>
 
-#include <deque>
+#include <list>
 #include <mutex>
-#include <optional>
 #include <utility>
+
+#include "ipc/never_destroyed.h"
 
 namespace kestrel {
 namespace {
@@ -14,21 +15,22 @@ using Work = std::function<void()>;
 
 struct Queue {
     std::mutex lock;
-    std::deque<Work> waiting;
+    std::list<Work> waiting;
     bool has_source = false;
 };
 
-// Never destroyed: the reader outlives static destruction.
+// The reader outlives static destruction.
 Queue& queue() {
-    static auto* const queue = new Queue;
-    return *queue;
+    static NeverDestroyed<Queue> queue;
+    return queue.object;
 }
 
-std::optional<Work> next_work() {
-    const std::scoped_lock guard(queue().lock);
-    if (queue().waiting.empty()) return std::nullopt;
-    std::optional<Work> work(std::move(queue().waiting.front()));
-    queue().waiting.pop_front();
+// One work or none.
+std::list<Work> next_work() {
+    Queue& from = queue();
+    std::list<Work> work;
+    const std::scoped_lock guard(from.lock);
+    if (!from.waiting.empty()) work.splice(work.begin(), from.waiting, from.waiting.begin());
     return work;
 }
 
@@ -48,7 +50,7 @@ bool gives_up_source() {
 // What is handed over meanwhile waits for the main loop's next turn, so that the page stays alive.
 gboolean work_off(void* /*data*/) {
     for (std::size_t left = count_waiting(); left > 0; --left) {
-        if (const auto work = next_work()) (*work)();
+        for (const Work& work : next_work()) work();
     }
     return gives_up_source() ? G_SOURCE_REMOVE : G_SOURCE_CONTINUE;
 }
@@ -65,10 +67,12 @@ void add_source() {
 }  // namespace
 
 void run_in_main_loop(Work work) {
+    std::list<Work> one;
+    one.push_back(std::move(work));
     bool had_source = false;
     {
         const std::scoped_lock guard(queue().lock);
-        queue().waiting.push_back(std::move(work));
+        queue().waiting.splice(queue().waiting.end(), one);
         had_source = std::exchange(queue().has_source, true);
     }
     if (!had_source) add_source();
