@@ -1,31 +1,15 @@
 #include "benchmarks/sink.h"
 
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <array>
-#include <cstdio>
-#include <cstdlib>
 #include <thread>
+
+#include "benchmarks/unix_socket.h"
 
 namespace kestrel::bench {
 namespace {
-
-using Call = int(int, const sockaddr*, socklen_t);
-
-void require(bool ok, const std::string& path) {
-    if (ok) return;
-    std::perror(path.c_str());
-    std::exit(EXIT_FAILURE);
-}
-
-void apply(Call call, int fd, const std::string& path) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path.copy(address.sun_path, sizeof address.sun_path - 1);
-    require(call(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0, path);
-}
 
 void drain(int peer) {
     std::array<char, 65'536> bytes;
@@ -43,20 +27,10 @@ void serve(int listener) {
 }  // namespace
 
 Sink::Sink(const std::string& path, int type) : path_(path) {
-    const int fd = socket(AF_UNIX, type | SOCK_CLOEXEC, 0);
-    apply(bind, fd, path);
-    if (type == SOCK_DGRAM) {
-        std::thread(drain, fd).detach();
-        return;
-    }
-    require(listen(fd, 8) == 0, path);
-    std::thread(serve, fd).detach();
+    const int fd = waiting_socket(path, type);
+    std::thread(type == SOCK_DGRAM ? drain : serve, fd).detach();
 }
 
-int Sink::connect_to() const {
-    const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    apply(connect, fd, path_);
-    return fd;
-}
+int Sink::connect_to() const { return connected_socket(path_); }
 
 }  // namespace kestrel::bench

@@ -1,14 +1,14 @@
 #include "benchmarks/extension/bare_trip.h"
 
 #include <glib.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <array>
 #include <cstdlib>
 #include <string>
 #include <thread>
+
+#include "benchmarks/unix_socket.h"
 
 namespace kestrel::bench {
 namespace {
@@ -20,16 +20,6 @@ struct Trip {
 };
 
 Trip trip;
-
-int connect_to_echo() {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    const std::string path = std::string(g_get_home_dir()) + "/.QUOClient/echo";
-    path.copy(address.sun_path, sizeof address.sun_path - 1);
-    const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == -1) std::abort();
-    return fd;
-}
 
 JSValueRef made_string(const char* utf8) {
     const JSStringRef text = JSStringCreateWithUTF8CString(utf8);
@@ -57,7 +47,7 @@ void receive(int fd) {
 
 int echo_descriptor() {
     static const int descriptor = [] {
-        const int fd = connect_to_echo();
+        const int fd = connected_socket(std::string(g_get_home_dir()) + "/.QUOClient/echo");
         std::thread(receive, fd).detach();
         return fd;
     }();

@@ -5,12 +5,12 @@
 
 #include <array>
 
-#include "benchmarks/page/listener.h"
+#include "benchmarks/unix_socket.h"
 
 namespace kestrel::bench {
 
 Echo::Echo(const std::string& socket_path)
-    : path_(socket_path), listener_(listen_at(path_)), thread_(&Echo::serve, this) {}
+    : path_(socket_path), listener_(waiting_socket(path_)), thread_(&Echo::serve, this) {}
 
 Echo::~Echo() {
     shutdown(listener_, SHUT_RDWR);

@@ -7,7 +7,7 @@
 #include <array>
 #include <chrono>
 
-#include "benchmarks/page/listener.h"
+#include "benchmarks/unix_socket.h"
 #include "ipc/frame.h"
 
 namespace kestrel::bench {
@@ -28,7 +28,7 @@ double monotonic_seconds() {
 
 PageHost::PageHost(const std::string& client_directory)
     : path_(client_directory + "/webkit_socket2"),
-      listener_(listen_at(path_)),
+      listener_(waiting_socket(path_)),
       assembler_({64'000'000, 100}) {
     thread_ = std::thread(&PageHost::serve, this);
 }

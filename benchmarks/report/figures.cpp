@@ -1,6 +1,5 @@
 #include "benchmarks/report/figures.h"
 
-#include <algorithm>
 #include <limits>
 
 namespace kestrel::bench {
