@@ -16,6 +16,5 @@ if(KESTREL_ANALYZE)
   add_compile_options(-fanalyzer
                       -Wno-analyzer-use-of-uninitialized-value
                       -Wno-analyzer-null-argument
-                      -Wno-analyzer-possible-null-argument
-                      -Wno-analyzer-possible-null-dereference)
+                      -Wno-analyzer-possible-null-argument)
 endif()
