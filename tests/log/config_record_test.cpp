@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <filesystem>
 #include <string>
 
@@ -17,7 +16,6 @@
 
 namespace {
 
-using kestrel::kLogFailure;
 using kestrel::testing::client_directory;
 using kestrel::testing::file_content;
 using kestrel::testing::home;

@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <cstdlib>
 #include <memory>
 
 #include "tests/support/frame_bytes.h"

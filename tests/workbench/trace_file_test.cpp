@@ -17,7 +17,6 @@ namespace kestrel::testing {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::StartsWith;
 
 std::string bytes(const MessageRecord& record) {
     return record.frame ? bytes_text(*record.frame) : "";
