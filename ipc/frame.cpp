@@ -1,5 +1,6 @@
 #include "ipc/frame.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstring>
@@ -13,15 +14,11 @@
 namespace kestrel {
 namespace {
 
-// "-2147483648" is the longest text of an int.
-struct IntText {
-    explicit IntText(int value) {
-        length = static_cast<std::size_t>(
-            std::to_chars(text.data(), text.data() + text.size(), value).ptr - text.data());
-    }
-    std::array<char, 11> text;
-    std::size_t length;
-};
+char* append_item(char* at, int value) {
+    char* const end = std::to_chars(at, at + kMaxIntItem, value).ptr;
+    *end = '\0';
+    return end + 1;
+}
 
 char* append_item(char* at, std::string_view text) {
     if (!text.empty()) std::memcpy(at, text.data(), text.size());  // "" may have no bytes at all
@@ -29,8 +26,12 @@ char* append_item(char* at, std::string_view text) {
     return at + text.size() + 1;
 }
 
-// Up to its first NUL.
 char* append_item(char* at, const std::string& text) { return stpcpy(at, text.c_str()) + 1; }
+
+// What they take in a frame, less their NUL.
+std::size_t carried_length(int value) { return std::to_string(value).size(); }
+std::size_t carried_length(std::string_view text) { return text.size(); }
+std::size_t carried_length(const std::string& text) { return std::strlen(text.c_str()); }
 
 // The item that starts at `payload[position]`, or nothing if its NUL is missing.
 std::optional<std::string_view> next_item(std::span<const char> payload, std::size_t& position) {
@@ -44,28 +45,35 @@ std::optional<std::string_view> next_item(std::span<const char> payload, std::si
 
 constexpr bool is_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
+// Enough room for the payload: for a long one no more than it takes, for a short one what is found
+// without a look at the items. Nothing when it would be too long.
+template <typename Text>
+std::optional<std::size_t> payload_room(std::span<const int> ints, std::span<const Text> strings) {
+    constexpr std::size_t kShort = 1UL << 20U;
+    std::size_t most = ints.size() * kMaxIntItem;
+    for (const Text& text : strings) most += std::min(text.size(), kShort) + 1;
+    if (most <= kShort) return most;
+
+    PayloadLength length;
+    for (const int value : ints) length.add(carried_length(value));
+    for (const Text& text : strings) length.add(carried_length(text));
+    return length.total();
+}
+
 template <typename Text>
 Frame build_frame_of(std::int32_t type, std::span<const int> ints, std::span<const Text> strings) {
-    PayloadLength length;
-    for (const int value : ints) length.add(IntText(value).length);
-    for (const Text& text : strings) length.add(text.size());
-
-    const std::optional<std::int32_t> total = length.total();
-    if (!total) {
+    const std::optional<std::size_t> room = payload_room(ints, strings);
+    if (!room) {
         error_line(kFrameTooLong);
         return nullptr;
     }
-    const std::size_t size = sizeof(webkit_message) + static_cast<std::size_t>(*total);
-    Frame frame(static_cast<webkit_message*>(std::malloc(size)));
+    Frame frame(static_cast<webkit_message*>(std::malloc(sizeof(webkit_message) + *room)));
     if (!frame) {
         error_line(kNoMemoryForFrame);
         return nullptr;
     }
     char* at = payload_begin(*frame);
-    for (const int value : ints) {
-        const IntText item(value);
-        at = append_item(at, std::string_view(item.text.data(), item.length));
-    }
+    for (const int value : ints) at = append_item(at, value);
     for (const Text& text : strings) at = append_item(at, text);
     *frame = {type, static_cast<std::int32_t>(ints.size()),
               static_cast<std::int32_t>(strings.size()),
@@ -81,8 +89,8 @@ void PayloadLength::add(std::size_t text_length) {
     if (fits_) total_ += text_length + 1;
 }
 
-std::optional<std::int32_t> PayloadLength::total() const {
-    return fits_ ? std::optional(static_cast<std::int32_t>(total_)) : std::nullopt;
+std::optional<std::size_t> PayloadLength::total() const {
+    return fits_ ? std::optional(total_) : std::nullopt;
 }
 
 Frame build_frame(std::int32_t type, std::span<const int> ints,

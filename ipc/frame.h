@@ -22,6 +22,9 @@ struct FreeDeleter {
 // A whole frame, header and payload in one malloc block.
 using Frame = std::unique_ptr<webkit_message, FreeDeleter>;
 
+// The longest text of an integer item, its NUL included: "-2147483648".
+inline constexpr std::size_t kMaxIntItem = 12;
+
 inline char* payload_begin(webkit_message& frame) { return reinterpret_cast<char*>(&frame + 1); }
 
 inline std::span<const char> payload_of(const webkit_message& frame) {
@@ -46,7 +49,7 @@ inline constexpr std::string_view kNoMemoryForFrame =
 Frame build_frame(std::int32_t type, std::span<const int> ints,
                   std::span<const std::string_view> strings);
 
-// The same of strings, each carried up to its first NUL; what is behind that counts in the limit.
+// The same of strings, each carried up to its first NUL.
 Frame build_frame_of_strings(std::int32_t type, std::span<const int> ints,
                              std::span<const std::string> strings);
 
@@ -60,7 +63,7 @@ class PayloadLength {
     void add(std::size_t text_length);
 
     // Nothing when header and payload together would exceed kMaxFrame.
-    std::optional<std::int32_t> total() const;
+    std::optional<std::size_t> total() const;
 
   private:
     std::size_t total_ = 0;

@@ -47,7 +47,4 @@ class OutgoingFrame {
     alignas(webkit_message) std::array<char, kShortFrame> short_frame_;
 };
 
-// The longest text of an integer item, its NUL included: "-2147483648".
-inline constexpr std::size_t kMaxIntItem = 12;
-
 }  // namespace kestrel

@@ -26,11 +26,6 @@ webkit_message* webkit_util::wrapMessage(int type,
                                          std::vector<int> ints,             // NOLINT
                                          std::vector<std::string> strings)  // NOLINT
 {
-    // What lies behind a NUL makes no message too long.
-    constexpr std::size_t kLong = 1UL << 20U;
-    for (std::string& text : strings) {
-        if (text.size() >= kLong) text.resize(std::strlen(text.c_str()));
-    }
     return kestrel::build_frame_of_strings(type, ints, strings).release();
 }
 

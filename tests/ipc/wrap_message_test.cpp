@@ -6,6 +6,7 @@
 #include <array>
 #include <climits>
 #include <cstdint>
+#include <utility>
 
 #include "ipc/frame.h"
 #include "ipc/webkit_util.h"
@@ -87,6 +88,19 @@ TEST(WrapMessageTest, CutsAStringAtItsFirstNul) {
     EXPECT_EQ(wrapped(5, {}, {"\0b"s, "c"}), frame_bytes(5, {}, {"", "c"}));
 }
 
+TEST(WrapMessageTest, NeedsNoMemoryForWhatLiesBehindANul) {
+    if (!kMemoryCanRunOut) GTEST_SKIP() << "the sanitizer's allocator does not fail";
+    std::vector<std::string> strings = {"a"};
+    strings.front().resize(100'000'000);
+    Frame frame;
+    {
+        const MemoryLimit limit;
+        frame.reset(webkit_util::wrapMessage(5, {-7}, std::move(strings)));
+    }
+    ASSERT_NE(frame, nullptr);
+    EXPECT_EQ(frame->total_len_of_string, 3 + 2);
+}
+
 TEST(WrapMessageTest, CarriesRawBytesUnescaped) {
     const std::string raw = "\xC3\xA9 \"quoted\" \\ \n\r\t\x01\xFF";
     EXPECT_EQ(wrapped(5, {}, {raw}), frame_bytes(5, {}, {raw}));
@@ -104,23 +118,23 @@ TEST(WrapMessageTest, CarriesMoreThanTheHostMaySend) {
     EXPECT_EQ(wrapped(19, {}, {text}), frame_bytes(19, {}, {text}));
 }
 
-std::optional<std::int32_t> payload_length(std::span<const std::size_t> text_lengths) {
+std::optional<std::size_t> payload_length(std::span<const std::size_t> text_lengths) {
     PayloadLength length;
     for (const std::size_t text_length : text_lengths) length.add(text_length);
     return length.total();
 }
 
 TEST(PayloadLengthTest, CountsOneNulAnItem) {
-    EXPECT_THAT(payload_length({}), Optional(0));
-    EXPECT_THAT(payload_length(std::to_array<std::size_t>({0})), Optional(1));
-    EXPECT_THAT(payload_length(std::to_array<std::size_t>({2, 2, 2, 0})), Optional(10));
+    EXPECT_THAT(payload_length({}), Optional(0U));
+    EXPECT_THAT(payload_length(std::to_array<std::size_t>({0})), Optional(1U));
+    EXPECT_THAT(payload_length(std::to_array<std::size_t>({2, 2, 2, 0})), Optional(10U));
 }
 
 TEST(PayloadLengthTest, AllowsWhatOneWriteTakesAndNotAByteMore) {
     constexpr std::size_t kLongest = kMaxOutboundPayload - 1;
-    EXPECT_THAT(payload_length(std::array{kLongest}), Optional(0x7fffeff0));
+    EXPECT_THAT(payload_length(std::array{kLongest}), Optional(0x7fffeff0U));
     EXPECT_EQ(payload_length(std::array{kLongest + 1}), std::nullopt);
-    EXPECT_THAT(payload_length(std::array{kLongest - 1, std::size_t{0}}), Optional(0x7fffeff0));
+    EXPECT_THAT(payload_length(std::array{kLongest - 1, std::size_t{0}}), Optional(0x7fffeff0U));
     EXPECT_EQ(payload_length(std::array{kLongest, std::size_t{0}}), std::nullopt);
 }
 
