@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "extension/callback_evaluation.h"
 #include "extension/page_globals.h"
 
 namespace kestrel {
@@ -19,6 +20,7 @@ JSGlobalContextRef context_of(WebKitFrame* frame) {
 
 void set_context(JSGlobalContextRef context) {
     if (context == jsContext) return;
+    forget_named_callback();
     const RetainedContext previous(std::exchange(jsContext, JSGlobalContextRetain(context)));
     globalObject = JSContextGetGlobalObject(context);
 }

@@ -16,7 +16,6 @@ using Work = std::function<void()>;
 struct Queue {
     std::mutex lock;
     std::list<Work> waiting;
-    bool has_source = false;
 };
 
 // The reader outlives static destruction.
@@ -39,26 +38,27 @@ std::size_t count_waiting() {
     return queue().waiting.size();
 }
 
-// A source removed by a loop inside this one may have a successor already: one too many finds
-// nothing to do.
-bool gives_up_source() {
-    const std::scoped_lock guard(queue().lock);
-    if (queue().waiting.empty()) queue().has_source = false;
-    return queue().waiting.empty();
+gboolean prepare(GSource* /*source*/, int* timeout) {
+    *timeout = -1;
+    return static_cast<gboolean>(count_waiting() > 0);
 }
 
+gboolean check(GSource* /*source*/) { return static_cast<gboolean>(count_waiting() > 0); }
+
 // What is handed over meanwhile waits for the main loop's next turn, so that the page stays alive.
-gboolean work_off(void* /*data*/) {
+gboolean work_off(GSource* /*source*/, GSourceFunc /*callback*/, void* /*data*/) {
     for (std::size_t left = count_waiting(); left > 0; --left) {
         for (const Work& work : next_work()) work();
     }
-    return gives_up_source() ? G_SOURCE_REMOVE : G_SOURCE_CONTINUE;
+    return G_SOURCE_CONTINUE;
 }
 
-// A debugger stops a callback in a main loop of its own, which goes on with what waits.
-void add_source() {
-    GSource* const source = g_idle_source_new();
-    g_source_set_callback(source, work_off, nullptr, nullptr);
+// Part of the main loop from the first work on, for good. A debugger stops a callback in a main
+// loop of its own, which goes on with what waits.
+void attach_source() {
+    static GSourceFuncs functions{prepare, check, work_off, nullptr, nullptr, nullptr};
+    GSource* const source = g_source_new(&functions, sizeof(GSource));
+    g_source_set_priority(source, G_PRIORITY_DEFAULT_IDLE);
     g_source_set_can_recurse(source, TRUE);
     g_source_attach(source, nullptr);
     g_source_unref(source);
@@ -69,13 +69,15 @@ void add_source() {
 void run_in_main_loop(Work work) {
     std::list<Work> one;
     one.push_back(std::move(work));
-    bool had_source = false;
+    bool was_empty = false;
     {
         const std::scoped_lock guard(queue().lock);
+        was_empty = queue().waiting.empty();
         queue().waiting.splice(queue().waiting.end(), one);
-        had_source = std::exchange(queue().has_source, true);
     }
-    if (!had_source) add_source();
+    static std::once_flag has_source;
+    std::call_once(has_source, attach_source);
+    if (was_empty) g_main_context_wakeup(nullptr);
 }
 
 }  // namespace kestrel

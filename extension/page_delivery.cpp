@@ -2,6 +2,10 @@
 
 #include <JavaScriptCore/JavaScript.h>
 
+#include <array>
+#include <span>
+
+#include "extension/callback_evaluation.h"
 #include "extension/current_page.h"
 #include "ipc/error_line.h"
 #include "ipc/send.h"
@@ -23,39 +27,33 @@ constexpr const char* kCallbackFailed =
     "               KsJS_proxy::szyns_cb_wrapper Error calling JSObjectCallAsFunction cb in "
     "static gboolean KsJS_proxy::szyns_cb_wrapper(std::list<char*>*)\n";
 
-// Script values on the heap, where the collector does not look for them by itself.
-class ProtectedStrings {
+// Script values of an answer's arguments. On the stack, where this object has to be, the collector
+// finds them by itself; on the heap they are protected, which takes more time than to make them.
+class ScriptStrings {
   public:
-    ProtectedStrings(JSContextRef context, const std::vector<const char*>& texts)
-        : context_(context) {
-        values_.reserve(texts.size());
-        for (const char* text : texts) {
-            const JSValueRef value =
-                JSValueMakeString(context, kestrel::make_script_string(text).get());
-            JSValueProtect(context, value);
-            values_.push_back(value);
+    ScriptStrings(JSContextRef context, const std::vector<const char*>& texts) : context_(context) {
+        const bool are_few = texts.size() <= few_.size();
+        if (!are_few) many_.resize(texts.size());
+        values_ = are_few ? std::span(few_).first(texts.size()) : std::span(many_);
+        for (std::size_t i = 0; i < texts.size(); ++i) {
+            values_[i] = JSValueMakeString(context, kestrel::make_script_string(texts[i]).get());
+            if (!are_few) JSValueProtect(context, values_[i]);
         }
     }
-    ~ProtectedStrings() {
-        for (const JSValueRef value : values_) JSValueUnprotect(context_, value);
+    ~ScriptStrings() {
+        for (const JSValueRef value : many_) JSValueUnprotect(context_, value);
     }
-    ProtectedStrings(const ProtectedStrings&) = delete;
-    ProtectedStrings& operator=(const ProtectedStrings&) = delete;
+    ScriptStrings(const ScriptStrings&) = delete;
+    ScriptStrings& operator=(const ScriptStrings&) = delete;
 
-    const std::vector<JSValueRef>& values() const { return values_; }
+    std::span<const JSValueRef> values() const { return values_; }
 
   private:
     JSContextRef context_;
-    std::vector<JSValueRef> values_;
+    std::array<JSValueRef, kestrel::kAjaxArguments> few_;
+    std::vector<JSValueRef> many_;
+    std::span<JSValueRef> values_;
 };
-
-JSValueRef evaluate(JSContextRef context, const char* text) {
-    JSValueRef exception = nullptr;
-    const JSValueRef result = JSEvaluateScript(context, kestrel::make_script_string(text).get(),
-                                               nullptr, nullptr, 1, &exception);
-    KsJS_proxy::traceExceptionJS(context, exception);
-    return result;
-}
 
 }  // namespace
 
@@ -81,8 +79,8 @@ void kestrel::run_script(const std::string& script) {
 
 void kestrel::deliver_answer(const char* callback, const std::vector<const char*>& arguments) {
     const RetainedContext page = current_page_context();
-    const JSContextRef context = page.get();
-    const JSValueRef result = page ? evaluate(context, callback) : nullptr;
+    const JSGlobalContextRef context = page.get();
+    const JSValueRef result = page ? evaluate_callback(context, callback) : nullptr;
     if (result == nullptr || !JSValueIsObject(context, result)) {
         error_line(kNoCallback);
         return;
@@ -90,7 +88,7 @@ void kestrel::deliver_answer(const char* callback, const std::vector<const char*
     const JSObjectRef function = JSValueToObject(context, result, nullptr);
     if (function == nullptr) error_line(kNullCallback);
 
-    const ProtectedStrings strings(context, arguments);
+    const ScriptStrings strings(context, arguments);
     const JSValueRef returned =
         function == nullptr
             ? nullptr

@@ -7,7 +7,7 @@
 
 #include "ipc/error_line.h"
 #include "ipc/outgoing_frame.h"
-#include "jsapi/script_text.h"
+#include "jsapi/argument_text.h"
 #include "jsapi/utf16_to_utf8.h"
 
 namespace kestrel {
@@ -24,9 +24,9 @@ void refuse(const PageMethod& method, std::size_t got) {
 }
 
 // The arguments as read, by position; a place holds a text or a number, as its row says. A text
-// that could not be read, or was not to be, is null and goes out as "".
+// that was not to be read goes out as "".
 struct ReadArguments {
-    std::array<ScriptString, kMaxArguments> texts;
+    std::array<ArgumentText, kMaxArguments> texts;
     std::array<std::int32_t, kMaxArguments> numbers{};
 };
 
@@ -39,7 +39,7 @@ ReadArguments read_arguments(const PageMethod& method, JSContextRef context,
                 if (JSValueGetType(context, arguments[i]) != kJSTypeString) break;
                 [[fallthrough]];
             case Read::text:
-                read.texts[i] = text_of(context, arguments[i]);
+                read.texts[i] = ArgumentText(context, arguments[i]);
                 break;
             case Read::number:
                 read.numbers[i] = to_int32(JSValueToNumber(context, arguments[i], nullptr));
@@ -63,23 +63,20 @@ std::int32_t value_of(Item item, const ReadArguments& read) {
     return difference(value, read.numbers[static_cast<std::size_t>(item.subtrahend)]);
 }
 
-JSStringRef string_of(Item item, const ReadArguments& read) {
-    return read.texts[static_cast<std::size_t>(item.argument)].get();
+const ArgumentText& text_of(Item item, const ReadArguments& read) {
+    return read.texts[static_cast<std::size_t>(item.argument)];
 }
 
 // Room for the row's lists. To count the bytes of large texts beforehand is better than to ask for
 // three times the memory that they may need.
 std::size_t payload_room(const PageMethod& method, const ReadArguments& read) {
-    const auto sum = [&](std::size_t (*size)(JSStringRef)) {
+    const auto sum = [&](std::size_t (ArgumentText::*size)() const) {
         std::size_t total = method.ints.size() * kMaxIntItem + method.strings.size();
-        for (const Item item : method.strings) {
-            const JSStringRef text = string_of(item, read);
-            if (text != nullptr) total += size(text);
-        }
+        for (const Item item : method.strings) total += (text_of(item, read).*size)();
         return total;
     };
-    const std::size_t room = sum(utf8_room);
-    return room <= OutgoingFrame::kCheapPayload ? room : sum(utf8_size) + kUtf8Slack;
+    const std::size_t room = sum(&ArgumentText::room);
+    return room <= OutgoingFrame::kCheapPayload ? room : sum(&ArgumentText::size) + kUtf8Slack;
 }
 
 void send_lists(const PageMethod& method, std::int32_t command, const ReadArguments& read) {
@@ -87,9 +84,7 @@ void send_lists(const PageMethod& method, std::int32_t command, const ReadArgume
     if (!frame.is_open()) return;
     for (const Item item : method.ints) frame.add(value_of(item, read));
     for (const Item item : method.strings) {
-        const JSStringRef text = string_of(item, read);
-        char* const begin = frame.begin_string();
-        frame.end_string(text == nullptr ? begin : write_utf8(text, begin));
+        frame.end_string(text_of(item, read).write(frame.begin_string()));
     }
     frame.send();
 }

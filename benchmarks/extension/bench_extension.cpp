@@ -11,7 +11,6 @@
 #include <string>
 #include <vector>
 
-#include "benchmarks/extension/bare_trip.h"
 #include "benchmarks/extension/library_facts.h"
 #include "benchmarks/extension/loaded_extension.h"
 
@@ -38,11 +37,6 @@ double number_of(JSContextRef context, JSValueRef value) {
 
 void write_whole(const char* bytes, std::size_t size) {
     if (write(link_descriptor(), bytes, size) != static_cast<ssize_t>(size)) std::abort();
-}
-
-JSValueRef empty(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
-                 size_t /*count*/, const JSValueRef /*arguments*/[], JSValueRef* /*exception*/) {
-    return JSValueMakeUndefined(context);
 }
 
 // Nanoseconds of a clock that is the same in all processes.
@@ -147,28 +141,6 @@ JSValueRef ask(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*sel
     return JSValueMakeUndefined(context);
 }
 
-// trip(texts...): has the host send the first one back, by the shortest way there is.
-JSValueRef trip(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/, size_t count,
-                const JSValueRef arguments[], JSValueRef* /*exception*/) {
-    kestrel::bench::bare_trip(context, {arguments, count}, link_descriptor());
-    return JSValueMakeUndefined(context);
-}
-
-// deliver(count): what no library can do without for so many answers to the page's `answered`.
-JSValueRef deliver(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
-                   size_t /*count*/, const JSValueRef arguments[], JSValueRef* exception) {
-    for (int left = static_cast<int>(number_of(context, arguments[0])); left > 0; --left) {
-        const JSStringRef callback = JSStringCreateWithUTF8CString("answered");
-        const JSValueRef found =
-            JSEvaluateScript(context, callback, nullptr, nullptr, 1, exception);
-        JSStringRelease(callback);
-        JSObjectCallAsFunction(context, JSValueToObject(context, found, exception), nullptr, 0,
-                               nullptr, exception);
-        write_whole(frame.data(), frame.size());
-    }
-    return JSValueMakeUndefined(context);
-}
-
 JSValueRef load(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
                 size_t /*count*/, const JSValueRef /*arguments*/[], JSValueRef* /*exception*/) {
     const std::string json = kestrel::bench::load_extension(paths, web_extension, shown);
@@ -195,7 +167,6 @@ JSValueRef resident(JSContextRef context, JSObjectRef /*function*/, JSObjectRef 
 constexpr JSPropertyAttributes kReadOnly = kJSPropertyAttributeReadOnly;
 
 constexpr JSStaticFunction kFunctions[] = {
-    {"empty", empty, kReadOnly},
     {"now", now, kReadOnly},
     {"prepare", prepare, kReadOnly},
     {"write", write_prepared, kReadOnly},
@@ -203,8 +174,6 @@ constexpr JSStaticFunction kFunctions[] = {
     {"readTexts", read_texts, kReadOnly},
     {"convert", convert, kReadOnly},
     {"ask", ask, kReadOnly},
-    {"trip", trip, kReadOnly},
-    {"deliver", deliver, kReadOnly},
     {"load", load, kReadOnly},
     {"attach", attach, kReadOnly},
     {"resident", resident, kReadOnly},

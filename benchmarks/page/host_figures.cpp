@@ -50,8 +50,7 @@ void measure_burst(const PageView& view, PageHost& host, int calls, int rounds, 
     const std::string count = std::to_string(calls);
     view.run("bench.prepare(" + std::to_string(kSize) + ")");
     const std::pair<const char*, std::string> bursts[] = {
-        {"burst_calls", "return burst('call', " + count + ")"},
-        {"burst_reads", "return burst('read', " + count + ")"},
+        {"burst_calls", "return burst(" + count + ")"},
         {"burst_writes", "return bench.writeMany(" + count + ")"},
     };
     std::map<std::string, std::vector<double>> times;

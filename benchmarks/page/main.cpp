@@ -8,14 +8,12 @@
 #include <utility>
 
 #include "benchmarks/measurements.h"
-#include "benchmarks/page/echo.h"
 #include "benchmarks/page/host_figures.h"
 #include "benchmarks/page/page_host.h"
 #include "benchmarks/page/page_view.h"
 
 namespace {
 
-using kestrel::bench::Echo;
 using kestrel::bench::Measurements;
 using kestrel::bench::median;
 using kestrel::bench::PageHost;
@@ -36,10 +34,8 @@ constexpr Effort kSmokeEffort{1, 1, 1, 1'000, 100, 100, 1'000, 100};
 
 // A host and a page, as long as they are needed.
 struct Meeting {
-    explicit Meeting(const std::string& client_directory)
-        : host(client_directory), echo(client_directory + "/echo") {}
+    explicit Meeting(const std::string& client_directory) : host(client_directory) {}
     PageHost host;
-    Echo echo;
     PageView view;
 };
 
@@ -93,7 +89,6 @@ void measure_all(const std::string& directory, const Effort& effort, Measurement
     host.set_task(PageHost::Task::echo);
     add(json_of("tripFigures(" + rounds + ")"), to);
     host.set_task(PageHost::Task::count);
-    add(json_of("deliveryFigures(" + rounds + ", " + std::to_string(effort.answers) + ")"), to);
     measure_answers(view, host, effort.answers, effort.rounds, to);
     to["payload_growth"] = Measurements::parse(
         json_of("payloadGrowth(" + rounds + ", " + std::to_string(effort.largest) + ")"));

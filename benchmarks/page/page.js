@@ -19,7 +19,7 @@ const median = times => times.sort((a, b) => a - b)[times.length >> 1];
 
 function timed(call, count) {
   const start = bench.now();
-  for (let i = 0; i < count; ++i) call();
+  for (let i = 0; i < count; ++i) call(i);
   return (bench.now() - start) / count;
 }
 
@@ -37,34 +37,40 @@ async function interleaved(subjects, rounds, measure) {
   return Object.fromEntries(names.map(name => [name, median(times[name])]));
 }
 
-// setItem against the floors and peers, which take the same three strings.
-function callSubjects(value) {
-  bench.prepare(HEADER + 2 + utf8Size(value) + 1 + 3);
+// setItem against the floors and peers, which take the same three strings; `values` are of one size.
+function callSubjects(values) {
+  bench.prepare(HEADER + 2 + utf8Size(values[0]) + 1 + 3);
   return {
-    call: () => external.setItem('k', value, 'cb'),
-    empty: () => bench.empty('k', value, 'cb'),
-    write: () => bench.write('k', value, 'cb'),
-    read: () => bench.readTexts('k', value, 'cb'),
-    convert: () => bench.convert('k', value, 'cb'),
-    post: () => webkit.messageHandlers.post.postMessage(['k', value, 'cb']),
+    call: i => external.setItem('k', values[i], 'cb'),
+    write: i => bench.write('k', values[i], 'cb'),
+    read: i => bench.readTexts('k', values[i], 'cb'),
+    convert: i => bench.convert('k', values[i], 'cb'),
+    post: i => webkit.messageHandlers.post.postMessage(['k', values[i], 'cb']),
   };
 }
 
+const same = text => count => Array(count).fill(text);
+
+// Values of 16 bytes that are all new: the library keeps short ones that come again.
+let made = 10000000;
+const different = count => Array.from({length: count}, () => `another ${++made}`);
+
 const VALUES = [
-  {name: '1B', text: 'v', calls: 1000},
-  {name: '16B', text: textOf.ascii(16), calls: 1000},
-  {name: '4KB', text: textOf.ascii(4096), calls: 1000},
-  {name: '1MB', text: textOf.ascii(1 << 20), calls: 20},
-  {name: '4KB_latin1', text: textOf.latin1(4096), calls: 1000},
-  {name: '1MB_latin1', text: textOf.latin1(1 << 20), calls: 20},
-  {name: '4KB_cyrillic', text: textOf.cyrillic(4096), calls: 1000},
-  {name: '1MB_cyrillic', text: textOf.cyrillic(1 << 20), calls: 20},
+  {name: '1B', values: same('v'), calls: 1000},
+  {name: '16B', values: same(textOf.ascii(16)), calls: 1000},
+  {name: '16B_new', values: different, calls: 1000},
+  {name: '4KB', values: same(textOf.ascii(4096)), calls: 1000},
+  {name: '1MB', values: same(textOf.ascii(1 << 20)), calls: 20},
+  {name: '4KB_latin1', values: same(textOf.latin1(4096)), calls: 1000},
+  {name: '1MB_latin1', values: same(textOf.latin1(1 << 20)), calls: 20},
+  {name: '4KB_cyrillic', values: same(textOf.cyrillic(4096)), calls: 1000},
+  {name: '1MB_cyrillic', values: same(textOf.cyrillic(1 << 20)), calls: 20},
 ];
 
 async function callFigures(rounds) {
   const figures = {};
-  for (const {name, text, calls} of VALUES) {
-    const subjects = callSubjects(text);
+  for (const {name, values, calls} of VALUES) {
+    const subjects = callSubjects(values(calls));
     const times = await interleaved(subjects, rounds, call => timed(call, calls));
     for (const subject in times) figures[`page_${subject}_${name}`] = times[subject];
   }
@@ -72,59 +78,46 @@ async function callFigures(rounds) {
 }
 
 // Page call, host's answer, the page's callback; one after the other.
-const tripSubjects = value => ({
-  link: count => new Promise(done => {
-    let left = count;
+const tripSubjects = {
+  link: values => new Promise(done => {
+    let at = 0;
     const start = bench.now();
-    const call = () => external.ajax(value, '', '', '', '', '');
+    const call = () => external.ajax(values[at], '', '', '', '', '');
     window.zyns_ajax_complete = text => {
-      if (text.length !== value.length) throw new Error('another text came back');
-      if (--left > 0) call(); else done((bench.now() - start) / count);
+      if (text.length !== values[at].length) throw new Error('another text came back');
+      if (++at < values.length) call(); else done((bench.now() - start) / values.length);
     };
     call();
   }),
-  script: async count => {
+  script: async values => {
     const start = bench.now();
-    for (let i = 0; i < count; ++i) await webkit.messageHandlers.ask.postMessage(value);
-    return (bench.now() - start) / count;
+    for (const value of values) await webkit.messageHandlers.ask.postMessage(value);
+    return (bench.now() - start) / values.length;
   },
-  view: count => new Promise(done => {
-    let left = count;
+  view: values => new Promise(done => {
+    let at = 0;
     const start = bench.now();
-    const call = () => bench.ask(value, answered);
+    const call = () => bench.ask(values[at], answered);
     const answered = () => {
-      if (--left > 0) call(); else done((bench.now() - start) / count);
+      if (++at < values.length) call(); else done((bench.now() - start) / values.length);
     };
     call();
   }),
-  bare: count => new Promise(done => {
-    let left = count;
-    const start = bench.now();
-    const call = () => bench.trip(value, '', '', '', '', '');
-    window.bareComplete = () => {
-      if (--left > 0) call(); else done((bench.now() - start) / count);
-    };
-    call();
-  }),
-});
+};
+
+const TRIPS = [
+  {name: '16B', values: different, count: 100},
+  {name: '4KB', values: same(textOf.ascii(4096)), count: 100},
+  {name: '1MB', values: same(textOf.ascii(1 << 20)), count: 4},
+];
 
 async function tripFigures(rounds) {
   const figures = {};
-  for (const [name, size, count] of [['16B', 16, 100], ['4KB', 4096, 100], ['1MB', 1 << 20, 4]]) {
-    const {bare, ...others} = tripSubjects(textOf.ascii(size));
-    const subjects = size > 4096 ? others : {bare, ...others};
-    const times = await interleaved(subjects, rounds, trip => trip(count));
+  for (const {name, values, count} of TRIPS) {
+    const times = await interleaved(tripSubjects, rounds, trip => trip(values(count)));
     for (const subject in times) figures[`trip_${subject}_${name}`] = times[subject];
   }
   return figures;
-}
-
-// An answer's callback evaluated, called and acknowledged, without the way there.
-async function deliveryFigures(rounds, count) {
-  window.answered = () => {};
-  bench.prepare(HEADER);
-  const subjects = {deliver: () => timed(() => bench.deliver(count), 1) / count};
-  return interleaved(subjects, rounds, deliver => deliver());
 }
 
 // The cost of one call as payloads and numbers of calls grow, beside one bare write each.
@@ -132,7 +125,7 @@ async function payloadGrowth(rounds, largest) {
   const series = {call: [], write: []};
   for (let size = 10; size <= largest; size *= 10) {
     const calls = Math.max(3, Math.min(1000, 1e7 / size));
-    const {call, write} = callSubjects(textOf.ascii(size));
+    const {call, write} = callSubjects(same(textOf.ascii(size))(calls));
     const times = await interleaved({call, write}, rounds, each => timed(each, calls));
     for (const subject in times) series[subject].push([size, times[subject]]);
   }
@@ -141,7 +134,7 @@ async function payloadGrowth(rounds, largest) {
 
 async function countGrowth(most) {
   const series = {call: [], write: []};
-  const {call, write} = callSubjects('v');
+  const {call, write} = callSubjects(same('v')(most));
   for (let count = 1; count <= most; count *= 10) {
     const rounds = Math.max(3, Math.min(99, 1e5 / count)) | 1;
     const times = await interleaved({call, write}, rounds, each => timed(each, count));
@@ -151,10 +144,9 @@ async function countGrowth(most) {
 }
 
 // Returns when it started.
-function burst(subject, calls) {
-  const call = callSubjects('v')[subject];
+function burst(calls) {
   const start = bench.now();
-  for (let i = 0; i < calls; ++i) call();
+  for (let i = 0; i < calls; ++i) external.setItem('k', 'v', 'cb');
   return start;
 }
 

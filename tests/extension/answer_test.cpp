@@ -154,6 +154,20 @@ TEST_F(Answer, TakesOverAListOfAnyLength) {
     expect_delivered();
 }
 
+// So much text that the collector runs meanwhile.
+TEST_F(Answer, LosesNothingOfALongList) {
+    constexpr int kCount = 10'000;
+    auto* answer = new std::list<char*>{strdup("keep")};
+    for (int i = 0; i < kCount; ++i) {
+        answer->push_back(strdup((std::to_string(i) + std::string(8'000, '.')).c_str()));
+    }
+    KsJS_proxy::szyns_cb_wrapper(answer);
+    EXPECT_EQ(page.text_of("called[0].findIndex((text, i) => text !== i + '.'.repeat(8000))"),
+              "-1");
+    EXPECT_EQ(page.text_of("called[0].length"), std::to_string(kCount));
+    expect_delivered();
+}
+
 TEST_F(Answer, WithoutAnyTextIsNothing) {
     EXPECT_EQ(KsJS_proxy::szyns_cb_wrapper(new std::list<char*>), 0);
     expect_refused("");

@@ -4,8 +4,10 @@
 #include <glib.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 
 #include <functional>
+#include <semaphore>
 #include <string>
 #include <thread>
 #include <utility>
@@ -61,6 +63,28 @@ TEST_F(MainLoopQueue, LosesNothingOfAnotherThreadThatGoesOnMeanwhile) {
     });
     EXPECT_TRUE(run_main_loop_until([&] { return last == kCount; }));
     EXPECT_TRUE(is_in_order);
+}
+
+TEST_F(MainLoopQueue, WakesALoopThatSleeps) {
+    static std::binary_semaphore sleeps{0};
+    static int events = 0;
+    queue("first");
+    run_main_loop_until_idle();
+    const std::jthread reader([this] {
+        sleeps.acquire();
+        queue("second");
+    });
+    const GPollFunc previous = g_main_context_get_poll_func(nullptr);
+    g_main_context_set_poll_func(nullptr, [](GPollFD* fds, guint count, int /*timeout*/) {
+        constexpr int kPatienceMilliseconds = 10'000;
+        sleeps.release();
+        events = poll(reinterpret_cast<pollfd*>(fds), count, kPatienceMilliseconds);
+        return events;
+    });
+    g_main_context_iteration(nullptr, TRUE);
+    g_main_context_set_poll_func(nullptr, previous);
+    EXPECT_EQ(events, 1);
+    EXPECT_THAT(done, ElementsAre("first", "second"));
 }
 
 // Drawing and the page's timers have a higher priority than idle work.

@@ -84,6 +84,27 @@ TEST_F(PageAttachment, HoldsTheFrameWhileItIsTheCurrentOne) {
     EXPECT_EQ(globalObject, second.global());
 }
 
+TEST_F(PageAttachment, LetsGoOfThePageWhoseCallbackItLookedUp) {
+    static bool has_gone = false;
+    JSClassDefinition definition{};
+    definition.finalize = [](JSObjectRef) { has_gone = true; };
+    const FakePage page(main, second.get());
+    {
+        const ScriptContext shown;
+        shown.text_of("window = globalThis; onAnswer = () => {}");
+        const JSClassRef watched = JSClassCreate(&definition);
+        JSObjectSetPrototype(shown.get(), shown.global(),
+                             JSObjectMake(shown.get(), watched, nullptr));
+        JSClassRelease(watched);
+        const FakePage left(main, shown.get());
+        attach(left);
+        for (int i = 0; i < 3; ++i) deliver({"onAnswer"});
+        attach(page);
+    }
+    EXPECT_EQ(errors.text(), "");
+    EXPECT_TRUE(has_gone);
+}
+
 TEST_F(PageAttachment, HandsWaitingResourcesToTheNextPageOnly) {
     const FakePage page(main, first.get());
     set_resources("{title: 'h\u00e9'}");

@@ -35,6 +35,14 @@ TEST_P(Text, IsWhatScriptMakesOfAValue) {
     EXPECT_EQ(errors.text(), "");
 }
 
+TEST_P(Text, IsTheSameWheneverTheValueComes) {
+    call("for (let left = 4, value = " + std::string(GetParam().value) +
+         "; left > 0; --left) external.sendAction(value)");
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_EQ(host.read_frame(), frame_bytes(5, {}, {GetParam().sent}));
+    }
+}
+
 constexpr TextConversion kTextConversions[] = {
     {"String", "'text'", "text"},
     {"EmptyString", "''", ""},
