@@ -17,19 +17,19 @@ constexpr bool starts_name(char c) {
 
 constexpr bool goes_on(char c) { return starts_name(c) || (c >= '0' && c <= '9') || c == '.'; }
 
-// Names with dots between them mean the same in a function's body as outside of one; only
-// "arguments" does not.
+// Names with dots between them.
 constexpr bool is_name(std::string_view text) {
+    constexpr std::size_t kLongest = 100;
     char before = '.';
     for (const char c : text) {
         if (before == '.' ? !starts_name(c) : !goes_on(c)) return false;
         before = c;
     }
-    return before != '.' && !text.starts_with("arguments");
+    return before != '.' && text.size() <= kLongest;
 }
 
-// The name that came last, and once it has come twice in a page, the function that returns what it
-// names there, or null if it cannot be made.
+// The name that came last, and once it has come twice in a row in a page, the function that returns
+// what it names there, or null if there is none.
 struct NamedCallback {
     std::string name;
     RetainedContext context;
@@ -42,25 +42,33 @@ NamedCallback& last() {
     return last.object;
 }
 
-void make_function(NamedCallback& callback, JSGlobalContextRef context) {
-    forget_named_callback();
-    callback.context.reset(JSGlobalContextRetain(context));
-    const std::string body = "return " + callback.name;
-    callback.function = JSObjectMakeFunction(
-        context, nullptr, 0, nullptr, make_script_string(body.c_str()).get(), nullptr, 1, nullptr);
-    if (callback.function != nullptr) JSValueProtect(context, callback.function);
+// An arrow function finds what the plain name would, "this" and "arguments" too. It is evaluated
+// because a page can forbid or watch the making of functions from text. Null for what only looks
+// like a name, such as "new.target".
+JSObjectRef make_function(JSGlobalContextRef context, const std::string& name) {
+    const std::string arrow = "(() => " + name + ")";
+    const JSValueRef made = JSEvaluateScript(context, make_script_string(arrow.c_str()).get(),
+                                             nullptr, nullptr, 1, nullptr);
+    if (made == nullptr) return nullptr;
+    JSValueProtect(context, made);
+    return JSValueToObject(context, made, nullptr);
 }
 
 // The function for a name that comes again, or null.
 JSObjectRef function_for(JSGlobalContextRef context, const char* text) {
     if (!is_name(text)) return nullptr;
-    if (last().name != text) {
+    NamedCallback& callback = last();
+    if (callback.name != text) {
         forget_named_callback();
-        last().name = text;
+        callback.name = text;
         return nullptr;
     }
-    if (last().context.get() != context) make_function(last(), context);
-    return last().function;
+    if (callback.context.get() != context) {
+        forget_named_callback();
+        callback.context.reset(JSGlobalContextRetain(context));
+        callback.function = make_function(context, callback.name);
+    }
+    return callback.function;
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include "extension/callback_evaluation.h"
 #include "extension/page_globals.h"
+#include "jsapi/argument_text.h"
 
 namespace kestrel {
 namespace {
@@ -21,6 +22,7 @@ JSGlobalContextRef context_of(WebKitFrame* frame) {
 void set_context(JSGlobalContextRef context) {
     if (context == jsContext) return;
     forget_named_callback();
+    if (jsContext != nullptr) forget_kept_texts(jsContext);
     const RetainedContext previous(std::exchange(jsContext, JSGlobalContextRetain(context)));
     globalObject = JSContextGetGlobalObject(context);
 }

@@ -58,6 +58,7 @@ gboolean work_off(GSource* /*source*/, GSourceFunc /*callback*/, void* /*data*/)
 void attach_source() {
     static GSourceFuncs functions{prepare, check, work_off, nullptr, nullptr, nullptr};
     GSource* const source = g_source_new(&functions, sizeof(GSource));
+    g_source_set_static_name(source, "kestrel messages for the page");
     g_source_set_priority(source, G_PRIORITY_DEFAULT_IDLE);
     g_source_set_can_recurse(source, TRUE);
     g_source_attach(source, nullptr);

@@ -77,7 +77,9 @@ void kestrel::run_script(const std::string& script) {
     KsJS_proxy::traceExceptionJS(context, exception);
 }
 
-void kestrel::deliver_answer(const char* callback, const std::vector<const char*>& arguments) {
+// The address sanitizer moves what is on the stack to where the collector does not look.
+[[gnu::no_sanitize_address]] void kestrel::deliver_answer(
+    const char* callback, const std::vector<const char*>& arguments) {
     const RetainedContext page = current_page_context();
     const JSGlobalContextRef context = page.get();
     const JSValueRef result = page ? evaluate_callback(context, callback) : nullptr;

@@ -1,7 +1,6 @@
 #include "ipc/frame.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cstring>
 #include <limits>

@@ -11,6 +11,7 @@
 
 namespace kestrel {
 
+// UTF-8 in place.
 struct ShortText {
     static constexpr std::size_t kLongest = 31;
 
@@ -18,8 +19,9 @@ struct ShortText {
     std::array<char, kLongest> bytes;
 };
 
-// To get a text from JavaScriptCore is most of what a short call costs. Short texts that come again
-// as the same value, such as names that stand in the page's code, are therefore kept.
+// To get a text from JavaScriptCore is most of what a short call costs. Short texts that come often
+// as the same value, such as names that stand in the page's code, are therefore kept, and with them
+// their virtual machine. Only on the thread of the page.
 class ArgumentText {
   public:
     // "".
@@ -38,5 +40,9 @@ class ArgumentText {
     ScriptString string_;  // null when the short text is it
     ShortText short_text_;
 };
+
+// Lets go of the texts that are kept, for the page of `context` is left: each may hold on to a
+// large text of which it is a part.
+void forget_kept_texts(JSContextRef context);
 
 }  // namespace kestrel

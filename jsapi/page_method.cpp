@@ -63,7 +63,7 @@ std::int32_t value_of(Item item, const ReadArguments& read) {
     return difference(value, read.numbers[static_cast<std::size_t>(item.subtrahend)]);
 }
 
-const ArgumentText& text_of(Item item, const ReadArguments& read) {
+const ArgumentText& string_of(Item item, const ReadArguments& read) {
     return read.texts[static_cast<std::size_t>(item.argument)];
 }
 
@@ -72,7 +72,7 @@ const ArgumentText& text_of(Item item, const ReadArguments& read) {
 std::size_t payload_room(const PageMethod& method, const ReadArguments& read) {
     const auto sum = [&](std::size_t (ArgumentText::*size)() const) {
         std::size_t total = method.ints.size() * kMaxIntItem + method.strings.size();
-        for (const Item item : method.strings) total += (text_of(item, read).*size)();
+        for (const Item item : method.strings) total += (string_of(item, read).*size)();
         return total;
     };
     const std::size_t room = sum(&ArgumentText::room);
@@ -84,7 +84,7 @@ void send_lists(const PageMethod& method, std::int32_t command, const ReadArgume
     if (!frame.is_open()) return;
     for (const Item item : method.ints) frame.add(value_of(item, read));
     for (const Item item : method.strings) {
-        frame.end_string(text_of(item, read).write(frame.begin_string()));
+        frame.end_string(string_of(item, read).write(frame.begin_string()));
     }
     frame.send();
 }

@@ -4,6 +4,7 @@
 #include <unistd.h>
 #include <webkit2/webkit-web-extension.h>
 
+#include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
@@ -35,8 +36,15 @@ double number_of(JSContextRef context, JSValueRef value) {
     return JSValueToNumber(context, value, nullptr);
 }
 
+// In one write, unless a signal cuts it short: JavaScriptCore stops threads with signals.
 void write_whole(const char* bytes, std::size_t size) {
-    if (write(link_descriptor(), bytes, size) != static_cast<ssize_t>(size)) std::abort();
+    while (size > 0) {
+        const ssize_t written = write(link_descriptor(), bytes, size);
+        if (written < 0 && errno != EINTR) std::abort();
+        if (written < 0) continue;
+        bytes += written;
+        size -= static_cast<std::size_t>(written);
+    }
 }
 
 // Nanoseconds of a clock that is the same in all processes.

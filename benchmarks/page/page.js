@@ -51,7 +51,7 @@ function callSubjects(values) {
 
 const same = text => count => Array(count).fill(text);
 
-// Values of 16 bytes that are all new: the library keeps short ones that come again.
+// Values of 16 bytes, none like the one before: the library keeps short ones that come often.
 let made = 10000000;
 const different = count => Array.from({length: count}, () => `another ${++made}`);
 

@@ -19,6 +19,7 @@ constexpr std::nullopt_t none = std::nullopt;
 // clang-format off
 constexpr auto kFigures = std::to_array<Figure>({
     {"page call, three short strings",     "page_call_1B",               kWrite,   {"page_write_1B"},               1.3},
+    {"page call, 16 B, new each time",     "page_call_16B_new",          kWrite,   {"page_write_16B_new"},          none},
     {"page call, 16 B",                    "page_call_16B",              kPost,    {"page_post_16B"},               0.08},
     {"page call, 16 B, new each time",     "page_call_16B_new",          kPost,    {"page_post_16B_new"},           none},
     {"page call, 4 KB",                    "page_call_4KB",              kPost,    {"page_post_4KB"},               0.15},

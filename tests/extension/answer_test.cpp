@@ -154,7 +154,17 @@ TEST_F(Answer, TakesOverAListOfAnyLength) {
     expect_delivered();
 }
 
-// So much text that the collector runs meanwhile.
+// So much text, here and in the next one, that the collector runs meanwhile.
+TEST_F(Answer, LosesNothingOfLargeArguments) {
+    const std::string large(20'000'000, '.');
+    page.text_of("zyns_ajax_complete = (...texts) => keep(texts.map(text => text.length).join())");
+    for (int i = 0; i < 4; ++i) {
+        deliver({"zyns_ajax_complete", "200", large, "json", large, "none"});
+        EXPECT_EQ(page.text_of("called.pop()[0]"), "3,20000000,4,20000000,4");
+        expect_delivered();
+    }
+}
+
 TEST_F(Answer, LosesNothingOfALongList) {
     constexpr int kCount = 10'000;
     auto* answer = new std::list<char*>{strdup("keep")};

@@ -59,11 +59,14 @@ TEST_F(NamedCallback, MayBeAPartOfAnObject) {
     EXPECT_EQ(called(), "aaab");
 }
 
-// These mean something else, or nothing, in the body of a function.
+// Some of these mean something else in the body of a function.
 TEST_F(NamedCallback, MayHaveANameOfScriptsOwn) {
-    for (const std::string name :
-         {"arguments", "arguments.late", "this.onAnswer", "async", "let"}) {
-        page.text_of("arguments = say('a'); arguments.late = async = globalThis['let'] = say('a')");
+    for (const std::string name : {"arguments", "arguments.late", "this.onAnswer", "async", "let",
+                                   "static", "yield", "await", "anonymous"}) {
+        page.text_of(
+            "arguments = say('a'); arguments.late = say('a');"
+            "for (const name of ['async', 'let', 'static', 'yield', 'await', 'anonymous'])"
+            "  globalThis[name] = say('a')");
         deliver_often(name);
         EXPECT_EQ(page.text_of("[called, called = ''][0]"), "aaa") << name;
     }

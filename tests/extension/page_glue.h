@@ -5,6 +5,7 @@
 #include <array>
 #include <string>
 
+#include "extension/callback_evaluation.h"
 #include "extension/page_globals.h"
 #include "jsapi/KsJS_proxy.h"
 #include "tests/support/link_peer.h"
@@ -33,6 +34,7 @@ using HandlerStrings = std::array<std::string, 6>;
 class PageGlue : public ::testing::Test {
   protected:
     ~PageGlue() override {
+        forget_named_callback();
         jsContext = nullptr;
         globalObject = nullptr;
     }

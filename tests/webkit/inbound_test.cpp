@@ -66,6 +66,26 @@ TEST_F(ConnectedStoreTest, RunsAnswersButNoScriptsWhereThePageForbidsEval) {
     EXPECT_EQ(store.evaluate("document.title"), "answered");
 }
 
+TEST_F(ConnectedStoreTest, FindsCallbacksUnseenByPoliciesOfThePage) {
+    for (const std::string policy :
+         {"script-src 'nonce-a'", "require-trusted-types-for 'script'; script-src 'nonce-a'"}) {
+        store.load("<meta http-equiv=Content-Security-Policy content=\"" + policy +
+                   "\"><script nonce=a>"
+                   "answers = seen = 0;"
+                   "answer = () => { ++answers };"
+                   "document.addEventListener('securitypolicyviolation', () => { ++seen });"
+                   "if (window.trustedTypes)"
+                   "  trustedTypes.createPolicy('default', {createScript: () => { ++seen }});"
+                   "</script>");
+        for (int i = 0; i < 5; ++i) host.send(1, {"answer"});
+        EXPECT_TRUE(store.wait_for("answers === 5")) << policy;
+        // Violations are reported by a task of their own.
+        store.evaluate("setTimeout(() => { settled = true }, 0)");
+        EXPECT_TRUE(store.wait_for("window.settled === true"));
+        EXPECT_EQ(store.evaluate("seen"), "0") << policy;
+    }
+}
+
 TEST_F(ConnectedStoreTest, IgnoresAnAnswerWhosePageHasBeenLeft) {
     store.evaluate("window.onlyHere = () => {}");
     store.load("<title>next</title>");
