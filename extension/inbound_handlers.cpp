@@ -4,13 +4,9 @@
 
 #include <array>
 #include <cstdlib>
-#include <cstring>
-#include <iterator>
 #include <list>
 #include <memory>
-#include <new>
 #include <string>
-#include <vector>
 
 #include "extension/main_loop_queue.h"
 #include "extension/page_delivery.h"
@@ -28,14 +24,12 @@
 
 namespace {
 
-// The callback's text and its arguments, as delivery takes them over.
-struct FreeAnswer {
-    void operator()(std::list<char*>* answer) const {
-        for (char* text : *answer) std::free(text);
-        delete answer;
+struct FreeTexts {
+    void operator()(std::list<char*>* texts) const {
+        for (char* text : *texts) std::free(text);
+        delete texts;
     }
 };
-using Answer = std::unique_ptr<std::list<char*>, FreeAnswer>;
 
 }  // namespace
 
@@ -61,20 +55,14 @@ void KsJS_proxy::insertJS(int* /*ints*/, std::string* strings) {
 
 void KsJS_proxy::zyns_cb_wrapper(int* /*ints*/, std::string* strings) {
     const bool is_ajax = strings[0].find(kestrel::kAjaxCompletion) != std::string::npos;
-    Answer answer(new std::list<char*>);
-    for (std::size_t i = 0; i <= (is_ajax ? kestrel::kAjaxArguments : 0); ++i) {
-        answer->push_back(strdup(strings[i].c_str()));
-        if (answer->back() == nullptr) throw std::bad_alloc();
-    }
-    kestrel::run_in_main_loop([list = answer.get()] { szyns_cb_wrapper(list); });
-    static_cast<void>(answer.release());  // which is the main loop's now
+    const std::size_t size = 1 + (is_ajax ? kestrel::kAjaxArguments : 0);
+    kestrel::run_in_main_loop(
+        [answer = kestrel::Answer(strings, strings + size)] { kestrel::deliver_answer(answer); });
 }
 
 int KsJS_proxy::szyns_cb_wrapper(std::list<char*>* answer) {
-    const Answer texts(answer);
-    if (texts->empty()) return G_SOURCE_REMOVE;
-    const std::vector<const char*> arguments(std::next(texts->begin()), texts->end());
-    kestrel::deliver_answer(texts->front(), arguments);
+    const std::unique_ptr<std::list<char*>, FreeTexts> texts(answer);
+    if (!texts->empty()) kestrel::deliver_answer(kestrel::Answer(texts->begin(), texts->end()));
     return G_SOURCE_REMOVE;
 }
 

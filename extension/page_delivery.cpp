@@ -31,12 +31,13 @@ constexpr const char* kCallbackFailed =
 // finds them by itself; on the heap they are protected, which takes more time than to make them.
 class ScriptStrings {
   public:
-    ScriptStrings(JSContextRef context, const std::vector<const char*>& texts) : context_(context) {
+    ScriptStrings(JSContextRef context, std::span<const std::string> texts) : context_(context) {
         const bool are_few = texts.size() <= few_.size();
         if (!are_few) many_.resize(texts.size());
         values_ = are_few ? std::span(few_).first(texts.size()) : std::span(many_);
         for (std::size_t i = 0; i < texts.size(); ++i) {
-            values_[i] = JSValueMakeString(context, kestrel::make_script_string(texts[i]).get());
+            values_[i] =
+                JSValueMakeString(context, kestrel::make_script_string(texts[i].c_str()).get());
             if (!are_few) JSValueProtect(context, values_[i]);
         }
     }
@@ -78,11 +79,10 @@ void kestrel::run_script(const std::string& script) {
 }
 
 // The address sanitizer moves what is on the stack to where the collector does not look.
-[[gnu::no_sanitize_address]] void kestrel::deliver_answer(
-    const char* callback, const std::vector<const char*>& arguments) {
+[[gnu::no_sanitize_address]] void kestrel::deliver_answer(const Answer& answer) {
     const RetainedContext page = current_page_context();
     const JSGlobalContextRef context = page.get();
-    const JSValueRef result = page ? evaluate_callback(context, callback) : nullptr;
+    const JSValueRef result = page ? evaluate_callback(context, answer.front().c_str()) : nullptr;
     if (result == nullptr || !JSValueIsObject(context, result)) {
         error_line(kNoCallback);
         return;
@@ -90,7 +90,7 @@ void kestrel::run_script(const std::string& script) {
     const JSObjectRef function = JSValueToObject(context, result, nullptr);
     if (function == nullptr) error_line(kNullCallback);
 
-    const ScriptStrings strings(context, arguments);
+    const ScriptStrings strings(context, std::span(answer).subspan(1));
     const JSValueRef returned =
         function == nullptr
             ? nullptr
