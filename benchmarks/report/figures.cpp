@@ -19,9 +19,9 @@ constexpr std::nullopt_t none = std::nullopt;
 // clang-format off
 constexpr auto kFigures = std::to_array<Figure>({
     {"page call, three short strings",     "page_call_1B",               kWrite,   {"page_write_1B"},               1.3},
-    {"page call, 16 B, new each time",     "page_call_16B_new",          kWrite,   {"page_write_16B_new"},          none},
+    {"page call, 16 B, another each time", "page_call_16B_new",          kWrite,   {"page_write_16B_new"},          none},
     {"page call, 16 B",                    "page_call_16B",              kPost,    {"page_post_16B"},               0.08},
-    {"page call, 16 B, new each time",     "page_call_16B_new",          kPost,    {"page_post_16B_new"},           none},
+    {"page call, 16 B, another each time", "page_call_16B_new",          kPost,    {"page_post_16B_new"},           none},
     {"page call, 4 KB",                    "page_call_4KB",              kPost,    {"page_post_4KB"},               0.15},
     {"page call, 1 MB",                    "page_call_1MB",              kPost,    {"page_post_1MB"},               0.6},
     {"page call, 4 KB",                    "page_call_4KB",              kConvert, {"page_convert_4KB"},            0.35},
