@@ -3,18 +3,12 @@
 #include <list>
 
 #include "tests/extension/page_glue.h"
+#include "tests/support/collector.h"
 
 namespace kestrel::testing {
 namespace {
 
 const std::string kDelivered = frame_bytes(33, {}, {});
-
-// Under the thread sanitizer the collector waits for signals that do not come.
-#ifdef __SANITIZE_THREAD__
-constexpr bool kCollectorStopsThreads = false;
-#else
-constexpr bool kCollectorStopsThreads = true;
-#endif
 
 class Answer : public PageGlueWithPage {
   protected:
@@ -163,7 +157,7 @@ TEST_F(Answer, TakesOverAListOfAnyLength) {
 
 // So much text, here and in the next one, that the collector runs meanwhile.
 TEST_F(Answer, LosesNothingOfLargeArguments) {
-    if (!kCollectorStopsThreads) GTEST_SKIP();
+    if (!kCollectorMayRun) GTEST_SKIP();
     const std::string large(20'000'000, '.');
     page.text_of("zyns_ajax_complete = (...texts) => keep(texts.map(text => text.length).join())");
     for (int i = 0; i < 4; ++i) {
@@ -174,7 +168,7 @@ TEST_F(Answer, LosesNothingOfLargeArguments) {
 }
 
 TEST_F(Answer, LosesNothingOfALongList) {
-    if (!kCollectorStopsThreads) GTEST_SKIP();
+    if (!kCollectorMayRun) GTEST_SKIP();
     constexpr int kCount = 10'000;
     auto* answer = new std::list<char*>{strdup("keep")};
     for (int i = 0; i < kCount; ++i) {
