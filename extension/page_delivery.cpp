@@ -33,13 +33,19 @@ class ScriptStrings {
   public:
     ScriptStrings(JSContextRef context, std::span<const std::string> texts) : context_(context) {
         const bool are_few = texts.size() <= few_.size();
-        if (!are_few) many_.resize(texts.size());
-        values_ = are_few ? std::span(few_).first(texts.size()) : std::span(many_);
-        for (std::size_t i = 0; i < texts.size(); ++i) {
-            values_[i] =
-                JSValueMakeString(context, kestrel::make_script_string(texts[i].c_str()).get());
-            if (!are_few) JSValueProtect(context, values_[i]);
+        many_.reserve(are_few ? 0 : texts.size());
+        auto place = few_.begin();
+        for (const std::string& text : texts) {
+            const JSValueRef value =
+                JSValueMakeString(context, kestrel::make_script_string(text.c_str()).get());
+            if (are_few) {
+                *place++ = value;
+            } else {
+                JSValueProtect(context, value);
+                many_.push_back(value);
+            }
         }
+        values_ = are_few ? std::span(few_).first(texts.size()) : std::span(many_);
     }
     ~ScriptStrings() {
         for (const JSValueRef value : many_) JSValueUnprotect(context_, value);
