@@ -8,7 +8,7 @@ namespace kestrel {
 // line if the exception has no text. Faster for a name that came last as well. Main thread only.
 JSValueRef evaluate_callback(JSGlobalContextRef context, const char* text);
 
-// Lets go of the page that such a function belongs to. Main thread only.
+// Lets go of what makes it faster, which belongs to one page. Main thread only.
 void forget_named_callback();
 
 }  // namespace kestrel

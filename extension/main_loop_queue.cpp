@@ -38,12 +38,12 @@ std::size_t count_waiting() {
     return queue().waiting.size();
 }
 
-gboolean prepare(GSource* /*source*/, int* timeout) {
-    *timeout = -1;
-    return static_cast<gboolean>(count_waiting() > 0);
-}
-
 gboolean check(GSource* /*source*/) { return static_cast<gboolean>(count_waiting() > 0); }
+
+gboolean prepare(GSource* source, int* timeout) {
+    *timeout = -1;
+    return check(source);
+}
 
 // What is handed over meanwhile waits for the main loop's next turn, so that the page stays alive.
 gboolean work_off(GSource* /*source*/, GSourceFunc /*callback*/, void* /*data*/) {
