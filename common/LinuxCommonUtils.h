@@ -87,9 +87,11 @@ class LinuxCommonUtils {
     // The lock is the file <getUserTmpDir()>/.<name>.lock, holding the owner's process id in 4
     // bytes, native order. A file that is shorter, or names no positive id, no process that this
     // user may signal, or one with another command line, is stale and is taken over. The file is
-    // never removed. `name` ends at its first NUL; a name with a slash, a lock file that is a
-    // symbolic link, no plain file, or one with a second name, and a scratch directory that is
-    // another user's link, are failures, so that nothing outside the scratch directory is touched.
+    // never removed. `name` ends at its first NUL; a slash in it leads into a directory, which must
+    // exist, and ".." to the parent directory. The scratch directory may be a symbolic link of the
+    // user's or of root's; any other link on the path from there, a link of another user in the
+    // place of the scratch directory, and a lock file that is no plain file or has a second name
+    // are failures.
     //
     // Waits while another process is reading or writing the file. Reading and taking are two
     // steps: of several starts at the same moment at least one gets false, but more than one may.
@@ -98,8 +100,8 @@ class LinuxCommonUtils {
     //
     // A failure is told on standard error: "locking error: ", "reading error for lock file: ",
     // "error opening write : " or "unable to write in file :" with the strerror text, each a line
-    // (none when the file could not be opened for reading, or is none to be touched), and then
-    // always
+    // (none when the file is there and could not be opened for reading, or is not to be touched),
+    // and then always
     //   Failed to check if another Key Warden exist
     //   Please remove<path> file and kill any '<name>' which is running.
     // getUserTmpDir's lines may come first.

@@ -2,17 +2,27 @@
 
 #include <unistd.h>
 
+#include <cerrno>
+#include <utility>
+
 namespace kestrel::utilities {
 
-// Owns an open file, or holds -1. The utilities stand alone, and so have their own.
+// Owns an open file, or holds -1. Closing keeps errno, so that the error of an earlier call can
+// still be read. The utilities stand alone, and so have their own.
 class FileDescriptor {
   public:
     explicit FileDescriptor(int fd) : fd_(fd) {}
     ~FileDescriptor() {
-        if (is_open()) close(fd_);
+        if (!is_open()) return;
+        const int error = errno;
+        close(fd_);
+        errno = error;
     }
-    FileDescriptor(const FileDescriptor&) = delete;
-    FileDescriptor& operator=(const FileDescriptor&) = delete;
+    FileDescriptor(FileDescriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
+    FileDescriptor& operator=(FileDescriptor&& other) noexcept {
+        std::swap(fd_, other.fd_);
+        return *this;
+    }
 
     bool is_open() const { return fd_ != -1; }
     int get() const { return fd_; }

@@ -13,27 +13,24 @@
 
 #include "common/LinuxCommonUtils.h"
 #include "common/file_descriptor.h"
+#include "common/open_below.h"
 
 namespace {
 
+using kestrel::utilities::FileDescriptor;
+using kestrel::utilities::open_below;
+
 enum class LockState { kFailed, kStale, kRunning, kOwned };
 
-// Another user may have put a link there when the scratch directory is a shared one, or a FIFO,
-// which opening would wait for.
-constexpr int kSafely = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+// Another user may have put a FIFO there when the scratch directory is a shared one: opening must
+// not wait for its other end.
+constexpr int kSafely = O_CLOEXEC | O_NONBLOCK;
 
 // A file that has a second name may be any file of this user. Reading a directory fails by itself.
 bool may_be_a_lock(int fd) {
     struct stat status {};
     if (fstat(fd, &status) == -1) return false;
     return S_ISDIR(status.st_mode) || (S_ISREG(status.st_mode) && status.st_nlink <= 1);
-}
-
-// Below /tmp, anyone may have made a link in the place of the scratch directory.
-bool is_link_of_another_user(const std::string& path) {
-    struct stat status {};
-    return lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode) && status.st_uid != 0 &&
-           status.st_uid != geteuid();
 }
 
 LockState failure(const std::string& what) {
@@ -67,8 +64,8 @@ std::string command_line(const std::string& process) {
     return line;
 }
 
-LockState read_lock(const std::string& path) {
-    const kestrel::utilities::FileDescriptor file(open(path.c_str(), O_RDONLY | kSafely));
+LockState read_lock(const std::string& scratch, const std::string& name) {
+    const FileDescriptor file = open_below(scratch, name, O_RDONLY | kSafely);
     if (!file.is_open()) return errno == ENOENT ? LockState::kStale : LockState::kFailed;
     if (!may_be_a_lock(file.get())) return LockState::kFailed;
     const FileLock lock(file.get());
@@ -83,9 +80,8 @@ LockState read_lock(const std::string& path) {
                                                                        : LockState::kStale;
 }
 
-LockState take_lock(const std::string& path) {
-    const kestrel::utilities::FileDescriptor file(
-        open(path.c_str(), O_RDWR | O_CREAT | kSafely, 0700));
+LockState take_lock(const std::string& scratch, const std::string& name) {
+    const FileDescriptor file = open_below(scratch, name, O_RDWR | O_CREAT | kSafely, 0700);
     if (!file.is_open()) return failure("error opening write : ");
     if (!may_be_a_lock(file.get())) return LockState::kFailed;
     const FileLock lock(file.get());
@@ -102,15 +98,13 @@ LockState take_lock(const std::string& path) {
 bool LinuxCommonUtils::IsAnotherInstanceRunning(std::string name) {  // NOLINT
     const std::string program = name.substr(0, name.find('\0'));     // as every path
     const std::string scratch = getUserTmpDir();
-    const std::string path = scratch + "/." + program + ".lock";
+    const std::string file = "." + program + ".lock";
 
-    const bool stays_inside =
-        program.find('/') == std::string::npos && !is_link_of_another_user(scratch);
-    LockState state = stays_inside ? read_lock(path) : LockState::kFailed;
-    if (state == LockState::kStale) state = take_lock(path);
+    LockState state = read_lock(scratch, file);
+    if (state == LockState::kStale) state = take_lock(scratch, file);
     if (state == LockState::kFailed) {
         const std::string advice = "Failed to check if another Key Warden exist\nPlease remove" +
-                                   path + " file and kill any '" + program +
+                                   scratch + "/" + file + " file and kill any '" + program +
                                    "' which is running.\n";
         std::fputs(advice.c_str(), stderr);
     }

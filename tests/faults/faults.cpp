@@ -139,7 +139,6 @@ FAULTY(int, -1, poll, (pollfd * descriptors, nfds_t count, int timeout),
        (descriptors, count, timeout))
 FAULTY(int, -1, access, (const char* path, int mode), (path, mode))
 FAULTY(int, -1, fstat, (int fd, struct stat* status), (fd, status))
-FAULTY(int, -1, lstat, (const char* path, struct stat* status), (path, status))
 FAULTY(DIR*, nullptr, opendir, (const char* path), (path))
 FAULTY(dirent*, nullptr, readdir, (DIR * directory), (directory))
 FAULTY(FILE*, nullptr, fopen, (const char* path, const char* mode), (path, mode))
@@ -159,6 +158,16 @@ int __wrap_open(const char* path, int flags, ...) {
     const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
     va_end(rest);
     return __real_open(path, flags, mode);
+}
+
+int __real_openat(int directory, const char* path, int flags, mode_t mode);
+int __wrap_openat(int directory, const char* path, int flags, ...) {
+    if (fails_now("openat")) return -1;
+    std::va_list rest;
+    va_start(rest, flags);
+    const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
+    va_end(rest);
+    return __real_openat(directory, path, flags, mode);
 }
 
 // Commands with a number, or without anything.

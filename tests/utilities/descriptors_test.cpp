@@ -59,6 +59,8 @@ const std::vector<std::pair<const char*, std::function<void()>>> kMembers = {
     {"GetTarnLaunchSourceUserAgentString",
      [] { LinuxCommonUtils::GetTarnLaunchSourceUserAgentString("source"); }},
     {"IsAnotherInstanceRunning", [] { LinuxCommonUtils::IsAnotherInstanceRunning("name"); }},
+    {"IsAnotherInstanceRunning in a directory",
+     [] { LinuxCommonUtils::IsAnotherInstanceRunning("a/../name"); }},
     {"drop_capability", [] { LinuxCommonUtils::drop_capability(); }},
     {"GetTimeStringForLogger", [] { LinuxCommonUtils::GetTimeStringForLogger(); }},
     {"GetCurrentTimeString", [] { LinuxCommonUtils::GetCurrentTimeString("%c"); }},
@@ -74,7 +76,7 @@ struct Installation {
     std::string lock = home + "/.QUOClient/.tmp/.name.lock";
 
     Installation() {
-        fs::create_directories(fs::path(lock).parent_path());
+        fs::create_directories(fs::path(lock).parent_path() / ".a");
         fs::create_directories(root + "/util");
         fs::create_directories(root + "/pkginf");
         for (const char* marker :

@@ -1,4 +1,4 @@
-// A lock that cannot be read or taken, and names that would lead elsewhere.
+// A lock that cannot be read or taken.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
@@ -102,34 +102,6 @@ TEST_F(LockFailure, LockThatFailsLeavesNoFileOpen) {
         std::cout << open_files() - before;
     });
     EXPECT_EQ(output.out, "0");
-}
-
-TEST_F(LockFailure, SlashInTheNameIsAFailureAndTouchesNothing) {
-    for (const std::string name : {"a/b", "/", "/../../outside", "catalook/"}) {
-        EXPECT_EQ(in_child([&] { print_lock_state(name); }), (Output{"running", advice(name)}));
-    }
-    EXPECT_TRUE(fs::is_empty(scratch_));
-    EXPECT_FALSE(fs::exists(home_.path() + "/outside.lock"));
-}
-
-TEST_F(LockFailure, NameEndsAtItsFirstNul) {
-    using namespace std::string_literals;
-    EXPECT_FALSE(LinuxCommonUtils::IsAnotherInstanceRunning("catalook\0/../x"s));
-    EXPECT_EQ(file_content(lock_), lock_bytes(getpid()));
-    EXPECT_FALSE(LinuxCommonUtils::IsAnotherInstanceRunning(".\0"s));
-    EXPECT_TRUE(fs::exists(scratch_ + "/...lock"));
-}
-
-TEST_F(LockFailure, AnyOtherNameStaysInTheScratchDirectory) {
-    for (const std::string name : {"", ".", "..", "ein Name", "Schlüssel", "new\nline"}) {
-        EXPECT_FALSE(LinuxCommonUtils::IsAnotherInstanceRunning(name));
-        EXPECT_EQ(file_content(scratch_ + "/." + name + ".lock"), lock_bytes(getpid()));
-    }
-}
-
-TEST_F(LockFailure, NameTooLongForAFileIsAFailure) {
-    const std::string name(256, 'n');
-    EXPECT_EQ(in_child([&] { print_lock_state(name); }), (Output{"running", advice(name)}));
 }
 
 }  // namespace
