@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include "log/file_descriptor.h"
+#include "log/own_links.h"
 #include "log/sigbus_guard.h"
 #include "log/zynlog_paths.h"
 
@@ -18,11 +19,10 @@ namespace {
 constinit std::atomic<void*> mapping_place = nullptr;
 
 // Every user's processes and the daemon share the file, so its mode must not depend on the umask.
-// A link in its place is another file, which is not ours to cut and to write over.
 FileDescriptor open_config_file() {
     const char* const path = GetConfigFilePath();  // creates directories, under the caller's umask
     umask(0);
-    FileDescriptor file(open(path, O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666));
+    FileDescriptor file = open_through_own_links(path, O_RDWR | O_CREAT | O_CLOEXEC, 0666);
     umask(022);
     return file;
 }

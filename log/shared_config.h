@@ -58,10 +58,10 @@ void set_output_path(SharedLogConfig& shared, const char* path);
 extern constinit std::atomic<SharedLogConfig*> mapped_config;
 inline SharedLogConfig* config() { return mapped_config.load(std::memory_order_acquire); }
 
-// Maps the file, made anew with the defaults unless it carries the magic; leaves config() null on
-// failure, and where a symbolic link is in its place. What is mapped can be read and written for
-// good, whatever becomes of the file: see sigbus_guard.h. Sets the process's umask to 022, by
-// contract. One thread, as ZynLogInit.
+// Maps the file and writes the defaults to it unless it carries the magic; leaves config() null on
+// failure, and where the file is a symbolic link of another user. What is mapped can be read and
+// written for good, even when the file is cut short: see sigbus_guard.h. Sets the process's umask
+// to 022, by contract. One thread, as ZynLogInit.
 void map_shared_config();
 
 // config() becomes null. One thread.

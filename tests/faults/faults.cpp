@@ -129,6 +129,8 @@ FAULTY(int, -1, stat, (const char* path, struct stat* status), (path, status))
 FAULTY(int, -1, flock, (int fd, int operation), (fd, operation))
 FAULTY(int, -1, kill, (pid_t process, int number), (process, number))
 FAULTY(ssize_t, -1, readlink, (const char* path, char* target, size_t size), (path, target, size))
+FAULTY(ssize_t, -1, readlinkat, (int directory, const char* path, char* target, size_t size),
+       (directory, path, target, size))
 FAULTY(void*, nullptr, malloc, (size_t size), (size))
 FAULTY(void*, nullptr, calloc, (size_t count, size_t size), (count, size))
 FAULTY(char*, nullptr, strdup, (const char* text), (text))

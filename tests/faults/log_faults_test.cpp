@@ -53,6 +53,17 @@ int life_of_a_log() {
     return set == 1 ? kAllWell : kNoSettings;
 }
 
+// The settings file is a link of the user's.
+int life_with_a_link() {
+    {
+        const NoFaults linking;
+        const std::string client_directory = std::string(std::getenv("HOME")) + "/.QUOClient";
+        std::filesystem::create_directories(client_directory);
+        std::filesystem::create_symlink("settings", client_directory + "/.zynlogconf");
+    }
+    return life_of_a_log();
+}
+
 // The user's home is the one in the password database.
 int life_without_home() {
     const std::string home = std::getenv("HOME");
@@ -88,14 +99,22 @@ TEST(LogFaults, NoneHappens) {
     const Outcome outcome = run_with({"", 0, 0}, life_of_a_log);
     EXPECT_EQ(outcome.status, kAllWell);
     EXPECT_FALSE(outcome.leaks);
+    EXPECT_EQ(run_with({"", 0, 0}, life_with_a_link).status, kAllWell);
     EXPECT_EQ(run_with({"", 0, 0}, life_without_home).status, kAllWell);
     EXPECT_EQ(run_with({"", 0, 0}, look_for_the_version).status, kVersion);
 }
 
 TEST(LogFaults, OfTheSettingsLeaveNone) {
     for_each_fault({{"ftruncate", {EIO, EFBIG, EROFS, EINTR, EINVAL}},
-                    {"open", {EACCES, EROFS, ENOSPC, EDQUOT, EMFILE, ENFILE, ELOOP, EINTR, EIO}}},
+                    {"openat", {EACCES, EROFS, ENOSPC, EDQUOT, EMFILE, ENFILE, ELOOP, EINTR, EIO}}},
                    life_of_a_log, [](const Fault& fault, const Outcome& outcome) {
+                       EXPECT_EQ(outcome.status, kNoSettings) << fault;
+                       EXPECT_EQ(outcome.errors, "") << fault;
+                   });
+    for_each_fault({{"openat", {EACCES, EMFILE, ENFILE, ENOENT, EINTR, EIO}},
+                    {"fstat", {EIO, ENOMEM, EOVERFLOW}},
+                    {"readlinkat", {EACCES, EINVAL, EIO, ENOMEM}}},
+                   life_with_a_link, [](const Fault& fault, const Outcome& outcome) {
                        EXPECT_EQ(outcome.status, kNoSettings) << fault;
                        EXPECT_EQ(outcome.errors, "") << fault;
                    });

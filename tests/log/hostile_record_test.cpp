@@ -73,21 +73,6 @@ TEST(NeighboursRecord, MayBeCutShortWhileThreadsRead) {
     EXPECT_EQ(ZynLogGetWorkingLevel(kLogWebkit), 4U);
 }
 
-TEST(NeighboursRecord, MayBeALinkThatIsNotFollowed) {
-    const std::string target = home() + "/diary";
-    write_file(target, "dear diary");
-    std::filesystem::create_symlink(target, record_path());
-    EXPECT_EQ(ZynLogInitConfigOnly(), 0);
-    EXPECT_EQ(file_content(target), "dear diary");
-}
-
-TEST(NeighboursRecord, MayBeADanglingLinkThatIsNotFollowed) {
-    const std::string target = home() + "/nothing";
-    std::filesystem::create_symlink(target, record_path());
-    EXPECT_EQ(ZynLogInitConfigOnly(), 0);
-    EXPECT_FALSE(std::filesystem::exists(target));
-}
-
 TEST(NeighboursRecord, MayBeAnythingButAFile) {
     ASSERT_EQ(mkfifo(record_path().c_str(), 0600), 0);
     EXPECT_EQ(ZynLogInitConfigOnly(), 0);
