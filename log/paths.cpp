@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -43,7 +44,7 @@ bool system_daemon_answers() {
     return kestrel::logging::connect_to(kSocketFile.system_wide).is_open();
 }
 
-// Settled for all three files by the first of them that is asked for.
+// Decided for all three files by the first of them that is asked for.
 bool uses_system_log_directory() {
     static const bool result = owns_system_log_directory() || system_daemon_answers();
     return result;
@@ -62,9 +63,10 @@ const char* find_home() {
     return strdup(found->pw_dir);
 }
 
-// The home directory as it is when first asked for; null when there is none.
+// The first home directory that is found; null as long as there is none.
 const char* home_directory() {
-    static const char* const home = find_home();
+    static const char* home = nullptr;
+    if (home == nullptr) home = find_home();
     return home;
 }
 
@@ -89,29 +91,36 @@ bool has_log_directory(const char* home) {
 
 const char* per_user_path(const char* suffix) {
     const char* const home = home_directory();
-    if (home == nullptr || !has_log_directory(home)) return "";
+    if (home == nullptr || !has_log_directory(home)) return nullptr;
     char* path = nullptr;
-    return asprintf(&path, "%s/%s", home, suffix) == -1 ? "" : path;
+    return asprintf(&path, "%s/%s", home, suffix) == -1 ? nullptr : path;
 }
 
-const char* path_of(const FileLocation& file) {
+// A path is kept once it is known. Without one the answer is "", and the next call tries again:
+// HOME may be set by then.
+const char* path_of(const FileLocation& file, const char*& kept) {
+    static constinit std::mutex mutex;
     const ErrnoGuard errno_guard;
-    return uses_system_log_directory() ? file.system_wide : per_user_path(file.per_user_suffix);
+    const std::lock_guard lock(mutex);
+    if (kept == nullptr) {
+        kept = uses_system_log_directory() ? file.system_wide : per_user_path(file.per_user_suffix);
+    }
+    return kept == nullptr ? "" : kept;
 }
 
 }  // namespace
 
 const char* GetConfigFilePath() {
-    static const char* const path = path_of(kConfigFile);
-    return path;
+    static const char* path = nullptr;
+    return path_of(kConfigFile, path);
 }
 
 const char* GetLogFilePath() {
-    static const char* const path = path_of(kLogFile);
-    return path;
+    static const char* path = nullptr;
+    return path_of(kLogFile, path);
 }
 
 const char* GetSocketFilePath() {
-    static const char* const path = path_of(kSocketFile);
-    return path;
+    static const char* path = nullptr;
+    return path_of(kSocketFile, path);
 }

@@ -1,8 +1,9 @@
 // Where the logging client's files are, and where the client family is installed.
 //
-// Each answer is worked out by the first call and kept for the life of the process; the texts are
-// never null and never freed. Any thread, as long as none changes the environment during a first
-// call. errno stays as it was, and no signal's disposition is left changed.
+// Each answer is computed by the first call and kept for the life of the process; the texts are
+// never null and never freed. Only a missing home directory is not remembered: the next call looks
+// for it again. Any thread, as long as none changes the environment during a call that computes an
+// answer. errno stays as it was, and no signal's disposition is left changed.
 #pragma once
 
 extern "C" {
@@ -12,8 +13,8 @@ extern "C" {
 // The files of the shared settings, of the log and of the daemon's socket. They are all in
 // /var/log/veltrane if the calling user owns that directory or a daemon answers there, and
 // otherwise below HOME, or else the password entry's home directory, in ".QUOClient"; the first
-// call then creates ".QUOClient/logs" with its parents. "" when there is no home, or that directory
-// cannot be created.
+// call then creates ".QUOClient/logs" with its parents. "" while there is no home, and for good
+// when that directory could not be created.
 const char* GetConfigFilePath();
 const char* GetLogFilePath();
 const char* GetSocketFilePath();

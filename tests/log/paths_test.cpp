@@ -1,11 +1,16 @@
 #include <gtest/gtest.h>
 #include <pwd.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <barrier>
 #include <cstdlib>
 #include <filesystem>
+#include <set>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "log/zynlog.h"
 #include "log/zynlog_config.h"
@@ -54,6 +59,21 @@ TEST_P(AnyPath, IsKept) {
     setenv("HOME", "/nowhere", 1);
     EXPECT_EQ(GetParam()(), path);
     EXPECT_EQ(path, text);
+}
+
+TEST_P(AnyPath, IsTheSameForAllThreads) {
+    constexpr std::size_t kThreads = 8;
+    std::barrier start(static_cast<std::ptrdiff_t>(kThreads));
+    std::vector<const char*> paths(kThreads);
+    std::vector<std::thread> threads;
+    for (const char*& path : paths) {
+        threads.emplace_back([&] {
+            start.arrive_and_wait();
+            path = GetParam()();
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(std::set(paths.begin(), paths.end()).size(), 1U);
 }
 
 INSTANTIATE_TEST_SUITE_P(Paths, AnyPath,
@@ -107,6 +127,40 @@ TEST(PerUserPaths, LieInTheHomeOfThePasswordEntryWithoutHOME) {
     unsetenv("HOME");
     expect_per_user_paths(entry_home);
     EXPECT_TRUE(fs::is_directory(entry_home + "/.QUOClient/logs"));
+}
+
+bool make_empty(const char* file) {
+    return mount("/dev/null", file, nullptr, MS_BIND, nullptr) == 0;
+}
+
+// Without HOME, and without a password entry: in files, the only source if none is configured.
+class MissingHome : public testing::Test {
+  protected:
+    void SetUp() override {
+        const bool has_no_entry = kestrel::testing::has_private_machine() &&
+                                  make_empty("/etc/passwd") && make_empty("/etc/nsswitch.conf") &&
+                                  getpwuid(getuid()) == nullptr;
+        if (!has_no_entry) GTEST_SKIP() << "needs a user without a password entry";
+        unsetenv("HOME");
+    }
+};
+
+TEST_F(MissingHome, LeavesThePathsEmpty) { expect_no_paths(); }
+
+TEST_F(MissingHome, IsNotRememberedOnceHOMEIsSet) {
+    expect_no_paths();
+    setenv("HOME", home().c_str(), 1);
+    expect_per_user_paths(home());
+    unsetenv("HOME");
+    expect_per_user_paths(home());
+}
+
+TEST_F(MissingHome, LeavesTheSettingsToALaterStart) {
+    EXPECT_EQ(ZynLogInitConfigOnly(), 0);
+    ZynLogShutdown();
+    setenv("HOME", home().c_str(), 1);
+    EXPECT_EQ(ZynLogInitConfigOnly(), 1);
+    EXPECT_STREQ(ZynLogGetOutputPath(), (home() + "//.QUOClient/logs/QUOClient.log").c_str());
 }
 
 // The system-wide files are tried out on a /var/log that only this process sees.
