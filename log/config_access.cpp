@@ -5,6 +5,7 @@
 using kestrel::kLogClassCount;
 using kestrel::kLogFailure;
 using kestrel::kLogLevelCount;
+using kestrel::logging::change_config;
 using kestrel::logging::config;
 using kestrel::logging::kClassTable;
 using kestrel::logging::kDefaultConfig;
@@ -23,27 +24,27 @@ std::uint32_t number(std::uint32_t SharedLogConfig::*field) {
     return shared == nullptr ? kLogFailure : load(shared->*field);
 }
 
+template <typename Change>
+int set(const Change& change) {
+    return change_config(change) ? 1 : 0;
+}
+
 int set_number(std::uint32_t SharedLogConfig::*field, std::uint32_t value) {
-    SharedLogConfig* const shared = config();
-    if (shared == nullptr) return 0;
-    store(shared->*field, value);
-    return 1;
+    return set([=](SharedLogConfig& shared) { store(shared.*field, value); });
 }
 
 }  // namespace
 
 int ZynLogEnableFlags(std::uint32_t bits) {
-    SharedLogConfig* const shared = config();
-    if (shared == nullptr) return 0;
-    std::atomic_ref(shared->flags).fetch_or(bits, std::memory_order_relaxed);
-    return 1;
+    return set([=](SharedLogConfig& shared) {
+        std::atomic_ref(shared.flags).fetch_or(bits, std::memory_order_relaxed);
+    });
 }
 
 int ZynLogDisableFlags(std::uint32_t bits) {
-    SharedLogConfig* const shared = config();
-    if (shared == nullptr) return 0;
-    std::atomic_ref(shared->flags).fetch_and(~bits, std::memory_order_relaxed);
-    return 1;
+    return set([=](SharedLogConfig& shared) {
+        std::atomic_ref(shared.flags).fetch_and(~bits, std::memory_order_relaxed);
+    });
 }
 
 int ZynLogGetCurrentFlags(std::uint32_t* flags) {
@@ -60,10 +61,8 @@ int ZynLogGetDefaultFlags(std::uint32_t* flags) {
 }
 
 int ZynLogSetCurrentLevel(std::uint32_t log_class, std::uint32_t level) {
-    SharedLogConfig* const shared = config();
-    if (shared == nullptr || log_class >= kLogClassCount || level >= kLogLevelCount) return 0;
-    store(shared->levels[log_class], level);
-    return 1;
+    if (log_class >= kLogClassCount || level >= kLogLevelCount) return 0;
+    return set([=](SharedLogConfig& shared) { store(shared.levels[log_class], level); });
 }
 
 std::uint32_t ZynLogGetCurrentLevel(std::uint32_t log_class) {
@@ -102,10 +101,8 @@ const char* ZynLogGetLevelDisplayName(std::uint32_t level) {
 }
 
 int ZynLogSetOutputPath(const char* path) {
-    SharedLogConfig* const shared = config();
-    if (shared == nullptr || path == nullptr) return 0;
-    kestrel::logging::set_output_path(*shared, path);
-    return 1;
+    if (path == nullptr) return 0;
+    return set([=](SharedLogConfig& shared) { kestrel::logging::set_output_path(shared, path); });
 }
 
 const char* ZynLogGetOutputPath() {

@@ -46,7 +46,15 @@ const SharedLogConfig& default_config() {
     return defaults;
 }
 
-// The magic comes last: a process that sees it sees the rest.
+}  // namespace
+
+void set_output_path(SharedLogConfig& shared, const char* path) {
+    for (char& place : shared.output_path) {
+        std::atomic_ref(place).store(*path, std::memory_order_relaxed);
+        if (*path != '\0') ++path;
+    }
+}
+
 void write_defaults(SharedLogConfig& shared) {
     const SharedLogConfig& defaults = default_config();
     store(shared.flags, defaults.flags);
@@ -58,15 +66,6 @@ void write_defaults(SharedLogConfig& shared) {
     store(shared.rollover_count, defaults.rollover_count);
     store(shared.session_max, defaults.session_max);
     std::atomic_ref(shared.magic).store(defaults.magic, std::memory_order_release);
-}
-
-}  // namespace
-
-void set_output_path(SharedLogConfig& shared, const char* path) {
-    for (char& place : shared.output_path) {
-        std::atomic_ref(place).store(*path, std::memory_order_relaxed);
-        if (*path != '\0') ++path;
-    }
 }
 
 void map_shared_config() {

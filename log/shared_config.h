@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "log/levels_and_classes.h"
+#include "log/sigbus_guard.h"
 #include "log/zynlog_config.h"
 
 namespace kestrel::logging {
@@ -66,6 +67,21 @@ void map_shared_config();
 
 // config() becomes null. One thread.
 void unmap_shared_config();
+
+// The magic comes last: a process that sees it sees the rest.
+void write_defaults(SharedLogConfig& shared);
+
+// Calls `change` with the mapped settings. False when they cannot be changed: none are mapped, or
+// the process has lost the file, at the latest during the change, and has only the defaults.
+template <typename Change>
+bool change_config(const Change& change) {
+    SharedLogConfig* const shared = config();
+    if (shared == nullptr || has_substitute()) return false;
+    change(*shared);
+    if (!has_substitute()) return true;
+    write_defaults(*shared);
+    return false;
+}
 
 // The effective level of a class; kLogFailure when unmapped, unknown or inherited from nowhere.
 inline std::uint32_t working_level(std::uint32_t log_class) {

@@ -16,6 +16,7 @@ constinit std::atomic<char*> guarded = nullptr;
 constinit const void* substitute_bytes = nullptr;
 constinit std::size_t substitute_size = 0;
 constinit std::size_t page_size = 0;
+constinit std::atomic<bool> substituted = false;
 constinit struct sigaction previous {};
 // Whether on_sigbus is the handler, or one that a later handler passes on to.
 constinit bool is_in_chain = false;
@@ -26,12 +27,14 @@ bool is_guarded(const void* address) {
     return begin != 0 && at >= begin && at - begin < page_size;
 }
 
-// Moved over the lost page whole, so that other threads see the one or the other.
+// Moved over the lost page whole, so that other threads see the one or the other. The flag is set
+// before: a thread that has written to the substitute sees it.
 bool substitute_page() {
     void* const page =
         mmap(nullptr, page_size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (page == MAP_FAILED) return false;
     std::memcpy(page, substitute_bytes, substitute_size);
+    substituted = true;
     return mremap(page, page_size, page_size, MREMAP_MAYMOVE | MREMAP_FIXED, guarded.load()) !=
            MAP_FAILED;
 }
@@ -59,6 +62,7 @@ void set_sigbus_guard(void* page, const void* substitute, std::size_t size) {
     page_size = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
     substitute_bytes = substitute;
     substitute_size = size;
+    substituted = false;
     guarded = static_cast<char*>(page);
     struct sigaction current {};
     sigaction(SIGBUS, nullptr, &current);
@@ -70,6 +74,8 @@ void set_sigbus_guard(void* page, const void* substitute, std::size_t size) {
     sigaction(SIGBUS, &guard, &previous);
     is_in_chain = true;
 }
+
+bool has_substitute() { return substituted; }
 
 void lift_sigbus_guard() {
     guarded = nullptr;

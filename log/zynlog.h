@@ -11,8 +11,8 @@
 //
 // SIGBUS: the settings are a file mapped into every process of the family. When another process
 // cuts that file short, or its disk is full, the kernel raises SIGBUS in whoever looks at the
-// settings next. While they are mapped the library handles that signal: the process goes on with
-// the default settings, which are its own from then on, until it is shut down and initialised
+// settings next. While they are mapped the library handles that signal: the process uses the
+// default settings from then on, and cannot change them, until it is shut down and initialised
 // again. A SIGBUS with any other reason goes to the handler that was there before. A program that
 // installs one later has to pass on what is not its own, as is good custom.
 //

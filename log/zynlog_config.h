@@ -5,8 +5,11 @@
 // Failure values: 0 for the calls that return success, null for texts, kLogFailure for numbers. A
 // call that fails changes nothing.
 //
+// When another process has cut the settings file short, or its disk is full, the process has only
+// the default settings, as zynlog.h says. Until ZynLogShutdown and another init, calls that set
+// something fail, and the others give the defaults.
+//
 // Any thread: numbers are read and written whole. The output path is not; let one thread set it.
-// A settings file cut short by another process raises SIGBUS in whoever calls, as zynlog.h says.
 #pragma once
 
 #include <cstdint>

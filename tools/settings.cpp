@@ -32,6 +32,14 @@ void open_settings() {
                      : formatted(translate("cannot open the settings at %s"), path.c_str()));
 }
 
+// Takes what a call that sets something has returned.
+void expect_set(int result) {
+    if (result == 1) return;
+    throw std::runtime_error(formatted(translate("cannot change the settings at %s: the file was "
+                                                 "cut short, or its disk is full"),
+                                       GetConfigFilePath()));
+}
+
 std::uint32_t current_flags() {
     std::uint32_t flags = 0;
     ZynLogGetCurrentFlags(&flags);
@@ -142,15 +150,15 @@ void set_level(const std::string& class_name, const std::string& level_name) {
     const std::uint32_t log_class = class_by_name(class_name);
     const std::uint32_t level = level_by_name(level_name);
     open_settings();
-    ZynLogSetCurrentLevel(log_class, level);
+    expect_set(ZynLogSetCurrentLevel(log_class, level));
 }
 
 void change_flags(const std::string& enable, const std::string& disable) {
     const std::uint32_t enabled_bits = flag_bits(enable);
     const std::uint32_t disabled_bits = flag_bits(disable);
     open_settings();
-    ZynLogEnableFlags(enabled_bits);
-    ZynLogDisableFlags(disabled_bits);
+    expect_set(ZynLogEnableFlags(enabled_bits));
+    expect_set(ZynLogDisableFlags(disabled_bits));
 }
 
 void set_output_path(const std::string& path) {
@@ -163,33 +171,33 @@ void set_output_path(const std::string& path) {
                       path.size(), static_cast<std::size_t>(kLogOutputPathSize - 1)));
     }
     open_settings();
-    ZynLogSetOutputPath(path.c_str());
+    expect_set(ZynLogSetOutputPath(path.c_str()));
 }
 
 void set_rollover(std::optional<int> size, std::optional<std::uint32_t> count) {
     open_settings();
-    if (size) ZynLogSetRolloverSize(*size);
-    if (count) ZynLogSetRolloverCount(*count);
+    if (size) expect_set(ZynLogSetRolloverSize(*size));
+    if (count) expect_set(ZynLogSetRolloverCount(*count));
 }
 
 void set_session_max(std::uint32_t sessions) {
     open_settings();
-    ZynLogSetSessionMax(sessions);
+    expect_set(ZynLogSetSessionMax(sessions));
 }
 
 void reset_settings() {
     open_settings();
     std::uint32_t flags = 0;
     ZynLogGetDefaultFlags(&flags);
-    ZynLogEnableFlags(flags);
-    ZynLogDisableFlags(~flags);
+    expect_set(ZynLogEnableFlags(flags));
+    expect_set(ZynLogDisableFlags(~flags));
     for (std::uint32_t index = 0; index < kLogClassCount; ++index) {
-        ZynLogSetCurrentLevel(index, ZynLogGetDefaultLevel(index));
+        expect_set(ZynLogSetCurrentLevel(index, ZynLogGetDefaultLevel(index)));
     }
-    ZynLogSetOutputPath(GetLogFilePath());
-    ZynLogSetRolloverSize(kLogDefaultRolloverSize);
-    ZynLogSetRolloverCount(kLogDefaultRolloverCount);
-    ZynLogSetSessionMax(kLogDefaultSessions);
+    expect_set(ZynLogSetOutputPath(GetLogFilePath()));
+    expect_set(ZynLogSetRolloverSize(kLogDefaultRolloverSize));
+    expect_set(ZynLogSetRolloverCount(kLogDefaultRolloverCount));
+    expect_set(ZynLogSetSessionMax(kLogDefaultSessions));
 }
 
 }  // namespace kestrel::tools

@@ -121,24 +121,24 @@ TEST_F(FullHome, WithoutRoomForTheSettingsHasNone) {
     EXPECT_FALSE(fs::exists(record_));
 }
 
-// What is written to the record has no place on the disk.
-TEST_F(FullHome, KeepsTheSettingsInTheProcess) {
+// The record has no room on the disk.
+TEST_F(FullHome, HasTheDefaultsWhichCannotBeChanged) {
     mount_home("size=64k");
     fs::create_directories(client_ + "/logs");
     write_file(home() + "/ballast", std::string(1'000'000, 'x'));
     EXPECT_EQ(ZynLogInitConfigOnly(), 1);
     EXPECT_EQ(ZynLogGetWorkingLevel(kLogWebkit), 4U);
-    EXPECT_EQ(ZynLogSetSessionMax(10), 1);
-    EXPECT_EQ(ZynLogGetSessionMax(), 10U);
+    EXPECT_EQ(ZynLogSetSessionMax(10), 0);
+    EXPECT_EQ(ZynLogGetSessionMax(), 200U);
     EXPECT_EQ(file_content(record_), std::string(516, '\0'));
 }
 
-TEST_F(FullHome, ThatHasRoomAgainKeepsThemAtTheNextStart) {
+TEST_F(FullHome, ThatHasRoomAgainKeepsChangesAfterTheNextStart) {
     mount_home("size=64k");
     fs::create_directories(client_ + "/logs");
     write_file(home() + "/ballast", std::string(1'000'000, 'x'));
     ZynLogInitConfigOnly();
-    ZynLogSetSessionMax(10);
+    EXPECT_EQ(ZynLogSetSessionMax(10), 0);
     ZynLogShutdown();
     fs::remove(home() + "/ballast");
     EXPECT_EQ(ZynLogInitConfigOnly(), 1);

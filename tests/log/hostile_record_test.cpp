@@ -8,6 +8,7 @@
 #include <atomic>
 #include <csignal>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -30,23 +31,98 @@ using kestrel::testing::record_path;
 using kestrel::testing::u32_at;
 using kestrel::testing::write_file;
 
-TEST(NeighboursRecord, MayBeCutShortWhileItIsMapped) {
-    ZynLogInitConfigOnly();
-    ZynLogSetCurrentLevel(kLogWebkit, kVerbose);
-    ASSERT_EQ(truncate(record_path().c_str(), 0), 0);
+const std::vector<std::function<int()>> kSetters = {
+    [] { return ZynLogEnableFlags(0x8000'0000); },
+    [] { return ZynLogDisableFlags(1); },
+    [] { return ZynLogSetCurrentLevel(kLogWebkit, kVerbose); },
+    [] { return ZynLogSetOutputPath("/elsewhere"); },
+    [] { return ZynLogSetRolloverSize(3); },
+    [] { return ZynLogSetRolloverCount(5); },
+    [] { return ZynLogSetSessionMax(7); },
+};
+
+void expect_defaults() {
+    std::uint32_t flags = 0;
+    EXPECT_EQ(ZynLogGetCurrentFlags(&flags), 1);
+    EXPECT_EQ(flags, 0x62fU);
+    EXPECT_EQ(ZynLogGetCurrentLevel(kLogWebkit), 0U);
     EXPECT_EQ(ZynLogGetWorkingLevel(kLogWebkit), 4U);
     EXPECT_EQ(ZynLogGetOutputPath(), std::string(GetLogFilePath()));
-    EXPECT_EQ(ZynLogSetSessionMax(10), 1);
-    EXPECT_EQ(ZynLogGetSessionMax(), 10U);
+    EXPECT_EQ(ZynLogGetRolloverSize(), 200U);
+    EXPECT_EQ(ZynLogGetRolloverCount(), 2U);
+    EXPECT_EQ(ZynLogGetSessionMax(), 200U);
+}
+
+void cut_record_short() { ASSERT_EQ(truncate(record_path().c_str(), 0), 0); }
+
+TEST(NeighboursRecord, MayBeCutShortWhileItIsMapped) {
+    ZynLogInitConfigOnly();
+    for (const auto& set : kSetters) EXPECT_EQ(set(), 1);
+    cut_record_short();
+    expect_defaults();
     EXPECT_EQ(record_bytes(), "");
 }
 
-TEST(NeighboursRecord, MayBeCutShortAgainAndAgain) {
+TEST(NeighboursRecord, CannotBeChangedWhenItIsCutShort) {
+    ZynLogInitConfigOnly();
+    cut_record_short();
+    expect_defaults();
+    for (const auto& set : kSetters) EXPECT_EQ(set(), 0);
+    expect_defaults();
+    EXPECT_EQ(record_bytes(), "");
+}
+
+// The first access after the cut is that of a setter.
+TEST(NeighboursRecord, CannotBeChangedByWhoeverFindsItCutShort) {
+    for (const auto& set : kSetters) {
+        ASSERT_EQ(ZynLogInitConfigOnly(), 1);
+        cut_record_short();
+        EXPECT_EQ(set(), 0);
+        expect_defaults();
+        EXPECT_EQ(record_bytes(), "");
+        ZynLogShutdown();
+    }
+}
+
+TEST(NeighboursRecord, CannotBeChangedByAnyThreadWhenItIsCutShort) {
+    for (int i = 0; i < 100; ++i) {
+        ASSERT_EQ(ZynLogInitConfigOnly(), 1);
+        std::vector<std::thread> setters;
+        for (int thread = 0; thread < 4; ++thread) {
+            setters.emplace_back([] {
+                while (ZynLogSetSessionMax(7) == 1) {
+                }
+            });
+        }
+        cut_record_short();
+        for (std::thread& setter : setters) setter.join();
+        expect_defaults();
+        ZynLogShutdown();
+    }
+}
+
+TEST(NeighboursRecord, ShowsNoThreadAChangeThatFails) {
+    ZynLogInitConfigOnly();
+    cut_record_short();
+    EXPECT_EQ(ZynLogSetSessionMax(7), 0);
+    std::atomic<bool> done = false;
+    std::uint32_t seen = 200;
+    std::thread reader([&] {
+        while (!done && seen == 200) seen = ZynLogGetSessionMax();
+    });
+    for (int i = 0; i < 100'000; ++i) EXPECT_EQ(ZynLogSetSessionMax(7), 0);
+    done = true;
+    reader.join();
+    EXPECT_EQ(seen, 200U);
+}
+
+TEST(NeighboursRecord, CanBeChangedAgainAfterANewStart) {
     for (int i = 0; i < 3; ++i) {
         ZynLogInitConfigOnly();
-        ZynLogSetSessionMax(11);
-        ASSERT_EQ(truncate(record_path().c_str(), 0), 0);
-        EXPECT_EQ(ZynLogGetSessionMax(), 200U);
+        for (const auto& set : kSetters) EXPECT_EQ(set(), 1);
+        EXPECT_EQ(u32_at(record_bytes(), 508), 7U);
+        cut_record_short();
+        EXPECT_EQ(ZynLogSetSessionMax(8), 0);
         ZynLogShutdown();
     }
     ZynLogInitConfigOnly();

@@ -3,12 +3,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <sys/mount.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "tests/log/bytes.h"
 #include "tests/log/machine.h"
@@ -210,6 +212,32 @@ TEST_F(KestrelLog, SaysWhenThereAreNoSettings) {
     const Outcome outcome = kestrel_log({"show"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.error, HasSubstr("cannot open the settings"));
+}
+
+TEST(KestrelLogOnAFullDisk, SaysThatSettingsCannotBeChanged) {
+    if (!kestrel::testing::has_private_machine() ||
+        mount("none", home().c_str(), "tmpfs", 0, "size=64k") == -1) {
+        GTEST_SKIP() << "needs a mount namespace of its own";
+    }
+    std::filesystem::create_directories(home() + "/.QUOClient/logs");
+    kestrel::testing::write_file(home() + "/ballast", std::string(1'000'000, 'x'));
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"level", "WEBKIT", "VERBOSE"},
+          {"flags", "--enable", "1"},
+          {"flags", "--disable", "1"},
+          {"output", "/x"},
+          {"rollover", "--size", "1"},
+          {"rollover", "--count", "1"},
+          {"session", "1"},
+          {"reset"}}) {
+        const Outcome outcome = kestrel_log(arguments);
+        EXPECT_EQ(outcome.status, 1) << arguments.front();
+        EXPECT_EQ(outcome.error, "kestrel-log: cannot change the settings at " + home() +
+                                     "//.QUOClient/.zynlogconf: the file was cut short, or its "
+                                     "disk is full\n");
+    }
+    EXPECT_EQ(kestrel_log({"show"}).status, 0);
+    umount2(home().c_str(), MNT_DETACH);  // or the directory below could not be removed
 }
 
 TEST_F(KestrelLog, StopsQuietlyWhenNobodyReads) {
