@@ -1,13 +1,15 @@
-// The read loop. One header, one payload, one dispatch; the block that the payload is read into is
-// kept from frame to frame and grows to the largest frame seen.
+// The read loop. One header, one payload, one dispatch; payloads are read into one buffer, which is
+// as long as the longest.
 
 #include "ipc/reader.h"
 
+#include <poll.h>
 #include <pthread.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -23,20 +25,32 @@ using kestrel::error_line;
 
 namespace {
 
+using std::chrono::steady_clock;
+
 thread_local bool is_reader_thread = false;
 
-// A peer that closes shows as end of stream, or as a reset when it left bytes of ours unread.
-bool is_host_gone(ssize_t result, int error) {
-    return result == 0 || (result == -1 && error == ECONNRESET);
-}
+// How long the rest of a header may take. The kernel may split a host's write anywhere when the
+// socket is full, and the host writes the rest when it can.
+constexpr std::chrono::milliseconds kHeaderPatience{1'000};
 
-ssize_t read_uninterrupted(int fd, void* buffer, std::size_t size) {
+ssize_t read_uninterrupted(int fd, std::span<char> buffer) {
     ssize_t result = 0;
     do {
-        errno = 0;  // a short read is reported with it, too
-        result = read(fd, buffer, size);
+        errno = 0;  // the text of a short header is that of no error
+        result = read(fd, buffer.data(), buffer.size());
     } while (result == -1 && errno == EINTR);
     return result;
+}
+
+// Whether there is something to read before the deadline, be it an error or the end.
+bool is_readable_until(int fd, steady_clock::time_point deadline) {
+    for (;;) {
+        const auto left =
+            std::chrono::ceil<std::chrono::milliseconds>(deadline - steady_clock::now());
+        pollfd readable{fd, POLLIN, 0};
+        const int ready = poll(&readable, 1, static_cast<int>(std::max(left.count(), 0L)));
+        if (ready != -1 || errno != EINTR) return ready != 0;
+    }
 }
 
 void report_host_gone() {
@@ -44,16 +58,7 @@ void report_host_gone() {
                "Host closed the connection, exiting thread\n");
 }
 
-bool read_header(webkit_message& header) {
-    const int fd = kestrel::load_server_fd();
-    const ssize_t result = read_uninterrupted(fd, &header, sizeof header);
-    const int error = errno;
-    __ZynTrace(kestrel::kLogWebkit, kestrel::kVerbose, "", "", 0, "Value of server_fd %d", fd);
-    if (result == sizeof header) return true;
-    if (is_host_gone(result, error)) {
-        report_host_gone();
-        return false;
-    }
+void report_bad_header(int error) {
     const std::string reason = std::strerror(error);
     error_line(
         "webkit_client::recvMessage Error in reading first four ints in recvMessage"
@@ -61,15 +66,35 @@ bool read_header(webkit_message& header) {
         reason + "\n");
     __ZynTrace(kestrel::kLogWebkit, kestrel::kFatal, "", "", 0,
                "Error in reading first four ints: %s\n", reason.c_str());
+}
+
+bool read_header(webkit_message& header) {
+    const int fd = kestrel::load_server_fd();
+    std::span<char> missing(reinterpret_cast<char*>(&header), sizeof header);
+    ssize_t result = read_uninterrupted(fd, missing);
+    int error = errno;
+    __ZynTrace(kestrel::kLogWebkit, kestrel::kVerbose, "", "", 0, "Value of server_fd %d", fd);
+    if (result == 0) {
+        report_host_gone();
+        return false;
+    }
+    const auto deadline = steady_clock::now() + kHeaderPatience;
+    while (result > 0) {
+        missing = missing.subspan(static_cast<std::size_t>(result));
+        if (missing.empty()) return true;
+        if (!is_readable_until(fd, deadline)) break;
+        result = read_uninterrupted(fd, missing);
+        error = errno;
+    }
+    report_bad_header(error);
     return false;
 }
 
-// What has come of the payload is taken apart while the host writes the rest.
+// Items are decoded while the host writes the rest.
 bool read_payload(std::span<char> payload, kestrel::IncomingMessage& message) {
     while (!payload.empty()) {
-        const ssize_t result =
-            read_uninterrupted(kestrel::load_server_fd(), payload.data(), payload.size());
-        if (is_host_gone(result, errno)) {
+        const ssize_t result = read_uninterrupted(kestrel::load_server_fd(), payload);
+        if (result == 0) {
             report_host_gone();
             return false;
         }
@@ -90,28 +115,14 @@ bool read_payload(std::span<char> payload, kestrel::IncomingMessage& message) {
     return true;
 }
 
-// The block that frames are read into.
-class FrameBuffer {
-  public:
-    // Room for a frame with this payload, or null when memory is out. The content is lost.
-    webkit_message* with_room_for(std::size_t payload) {
-        if (!block_ || payload > capacity_) {
-            block_.reset();
-            capacity_ = std::max(payload, kSmallest);
-            block_.reset(
-                static_cast<webkit_message*>(std::malloc(sizeof(webkit_message) + capacity_)));
-        }
-        return block_.get();
-    }
-
-  private:
-    static constexpr std::size_t kSmallest = 4'096;
-    kestrel::Frame block_;
-    std::size_t capacity_ = 0;
-};
+// Room for the longest frame. The system gives it memory as far as it has been written to.
+kestrel::Frame make_buffer() {
+    return kestrel::Frame(static_cast<webkit_message*>(
+        std::malloc(sizeof(webkit_message) + kestrel::kMaxInboundPayload)));
+}
 
 // Reads and dispatches one frame; false when the thread has to end.
-bool receive_one(FrameBuffer& buffer) {
+bool receive_one(webkit_message& frame) {
     webkit_message header{};
     if (!read_header(header)) return false;
     if (header.total_len_of_string < 0 ||
@@ -123,23 +134,23 @@ bool receive_one(FrameBuffer& buffer) {
                    "thread \n");
         return false;
     }
-    const auto length = static_cast<std::size_t>(header.total_len_of_string);
-    webkit_message* const frame = buffer.with_room_for(length);
-    if (frame == nullptr) {
-        error_line("webkit_client::recvMessage could not malloc, failing\n");
-        __ZynTrace(kestrel::kLogWebkit, kestrel::kError, "", "", 0,
-                   "could not malloc %d, too less memory?", kestrel::kMaxInboundPayload);
-        return false;
-    }
-    *frame = header;
+    frame = header;
     kestrel::IncomingMessage message(header);
-    if (!read_payload({kestrel::payload_begin(*frame), length}, message)) return false;
-    kestrel::trace_frame(kestrel::Direction::to_page, *frame);
+    const auto length = static_cast<std::size_t>(header.total_len_of_string);
+    if (!read_payload({kestrel::payload_begin(frame), length}, message)) return false;
+    kestrel::trace_frame(kestrel::Direction::to_page, frame);
     message.dispatch();
     return true;
 }
 
 void receive_until_end() {
+    const kestrel::Frame buffer = make_buffer();
+    if (!buffer) {
+        error_line("webkit_client::recvMessage could not malloc, failing\n");
+        __ZynTrace(kestrel::kLogWebkit, kestrel::kError, "", "", 0,
+                   "could not malloc %d, too less memory?", kestrel::kMaxInboundPayload);
+        return;
+    }
     if (kestrel::load_server_fd() == -1) {
         error_line("webkit_client::recvMessage Error in server_fd\n");
         __ZynTrace(kestrel::kLogWebkit, kestrel::kError, "", "", 0,
@@ -147,8 +158,7 @@ void receive_until_end() {
         return;
     }
     is_reader_thread = true;
-    FrameBuffer buffer;
-    while (receive_one(buffer)) {
+    while (receive_one(*buffer)) {
     }
 }
 

@@ -24,11 +24,8 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::SizeIs;
-using ::testing::StartsWith;
 
 constexpr std::size_t kHeader = 16;
-
-const LogLine kTornHeader{kLogWebkit, kFatal, "Error in reading first four ints: Success\n"};
 
 // What comes whole before the frame that is cut, and that frame: cuts fall within items and
 // between.
@@ -99,11 +96,9 @@ class KilledHostTest : public ::testing::TestWithParam<Unread> {
             HostProcess host(end, bytes, then);
             ASSERT_TRUE(host.stands_still());
             ReaderThread reader;
-            if (is_torn_header(written)) {
-                EXPECT_TRUE(reader.ends());
-            } else {
-                EXPECT_TRUE(reader.waits_for_more());
-            }
+            const bool waits = is_torn_header(written) ? reader.waits_for_rest_of_header()
+                                                       : reader.waits_for_more();
+            EXPECT_TRUE(waits);
             EXPECT_THAT(handlers.dispatches(), SizeIs(written == kCut.size() ? 2 : 1));
             EXPECT_TRUE(host.dies());
             EXPECT_TRUE(reader.ends());
@@ -128,12 +123,18 @@ class KilledHostTest : public ::testing::TestWithParam<Unread> {
         } else {
             EXPECT_THAT(dispatches, ElementsAre(whole));
         }
-        if (is_torn_header(written)) {
-            EXPECT_THAT(logged(kInfo), ElementsAre(kTornHeader));
-            EXPECT_THAT(errors, StartsWith("webkit_client::recvMessage Error in reading first"));
-        } else {
+        const bool is_reset = GetParam() == Unread::a_message;
+        const char* const reason = is_reset ? "Connection reset by peer" : "Success";
+        const bool is_in_payload = written >= kHeader && written < kCut.size();
+        if (!is_reset && !is_torn_header(written)) {
             EXPECT_THAT(logged(kInfo), ElementsAre(kHostClosed));
             EXPECT_EQ(errors, "");
+        } else if (is_in_payload) {
+            EXPECT_THAT(logged(kInfo), ElementsAre(bad_payload_line(reason)));
+            EXPECT_EQ(errors, bad_payload_text(reason));
+        } else {
+            EXPECT_THAT(logged(kInfo), ElementsAre(bad_header_line(reason)));
+            EXPECT_EQ(errors, bad_header_text(reason));
         }
     }
 };

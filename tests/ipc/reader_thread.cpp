@@ -32,11 +32,21 @@ bool ReaderThread::ends() {
     return has_ended_;
 }
 
-bool ReaderThread::waits_for_more() const {
-    return comes_true([this] {
+bool ReaderThread::waits_for_more() const { return waits_in(SYS_read); }
+
+bool ReaderThread::waits_for_rest_of_header() const {
+#ifdef SYS_poll
+    return waits_in(SYS_poll);
+#else
+    return waits_in(SYS_ppoll);
+#endif
+}
+
+bool ReaderThread::waits_in(long system_call) const {
+    return comes_true([=, this] {
         int unread = 0;
         ioctl(webkit_client::server_fd, FIONREAD, &unread);
-        return unread == 0 && is_blocked_in(id_, SYS_read);
+        return unread == 0 && is_blocked_in(id_, system_call);
     });
 }
 

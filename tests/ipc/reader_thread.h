@@ -24,11 +24,15 @@ class ReaderThread {
     // within ten seconds.
     bool waits_for_more() const;
 
+    // The same for the rest of a header, which the thread does not wait for long.
+    bool waits_for_rest_of_header() const;
+
     // Interrupts the thread with a signal and waits until its handler has run there; false if it
     // does not within ten seconds.
     bool interrupt() const;
 
   private:
+    bool waits_in(long system_call) const;
     static void* run(void* self);
 
     pthread_t thread_{};

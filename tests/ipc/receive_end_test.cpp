@@ -6,6 +6,8 @@
 
 #include <climits>
 #include <cstdlib>
+#include <semaphore>
+#include <thread>
 
 #include "ipc/webkit_client.h"
 #include "ipc/webkit_util.h"
@@ -95,22 +97,31 @@ void leave_unread_bytes() {
     webkit_client::sendMessage(message);
 }
 
-TEST_F(ReceiveEndTest, AResetIsAHostThatHasGone) {
+TEST_F(ReceiveEndTest, AResetIsAReadErrorOfAHeader) {
     leave_unread_bytes();
     host.hang_up();
     run_reader();
-    EXPECT_THAT(troubles(), ElementsAre(kHostClosed));
-    EXPECT_EQ(errors.text(), "");
+    EXPECT_THAT(troubles(), ElementsAre(bad_header_line("Connection reset by peer")));
+    EXPECT_EQ(errors.text(), bad_header_text("Connection reset by peer"));
 }
 
-TEST_F(ReceiveEndTest, AResetWithinAPayloadIsAHostThatHasGone) {
+TEST_F(ReceiveEndTest, AResetWithinAHeaderIsAReadErrorOfIt) {
+    leave_unread_bytes();
+    host.write(header_bytes(1, 0, 0, 0).substr(0, 5));
+    host.hang_up();
+    run_reader();
+    EXPECT_THAT(troubles(), ElementsAre(bad_header_line("Connection reset by peer")));
+    EXPECT_EQ(errors.text(), bad_header_text("Connection reset by peer"));
+}
+
+TEST_F(ReceiveEndTest, AResetWithinAPayloadIsAReadErrorOfIt) {
     leave_unread_bytes();
     host.write(frame_bytes(1, {}, {"never whole"}).substr(0, 20));
     host.hang_up();
     run_reader();
     EXPECT_THAT(handlers.dispatches(), IsEmpty());
-    EXPECT_THAT(troubles(), ElementsAre(kHostClosed));
-    EXPECT_EQ(errors.text(), "");
+    EXPECT_THAT(troubles(), ElementsAre(bad_payload_line("Connection reset by peer")));
+    EXPECT_EQ(errors.text(), bad_payload_text("Connection reset by peer"));
 }
 
 TEST_F(ReceiveEndTest, AnOversizeMessageEndsTheThread) {
@@ -129,45 +140,38 @@ TEST_F(ReceiveEndTest, AnOversizeMessageEndsTheThread) {
     EXPECT_EQ(errors.text(), "");
 }
 
-TEST_F(ReceiveEndTest, AShortHeaderEndsTheThread) {
-    const std::string header = header_bytes(1, 0, 0, 0);
-    for (std::size_t size = 1; size < header.size(); ++size) {
-        clear_log();
-        const StderrCapture own_errors;
-        host.write(header.substr(0, size));
-        run_reader();
-        EXPECT_EQ(own_errors.text(),
-                  "webkit_client::recvMessage Error in reading first four ints in recvMessage"
-                  "                        in webkit_client Success\n")
-            << size;
-        EXPECT_THAT(troubles(), ElementsAre(LogLine{kLogWebkit, kFatal,
-                                                    "Error in reading first four ints: Success\n"}))
-            << size;
-    }
+TEST_F(ReceiveEndTest, AHeaderWhoseRestDoesNotComeEndsTheThread) {
+    host.write(header_bytes(1, 0, 0, 0).substr(0, 15));
+    run_reader();
+    EXPECT_EQ(errors.text(), bad_header_text("Success"));
+    EXPECT_THAT(troubles(), ElementsAre(bad_header_line("Success")));
 }
+
+class CutHeaderTest : public ReceiveEndTest, public ::testing::WithParamInterface<std::size_t> {};
+
+TEST_P(CutHeaderTest, EndOfStreamEndsTheThread) {
+    host.write(header_bytes(1, 0, 0, 0).substr(0, GetParam()));
+    host.hang_up();
+    run_reader();
+    EXPECT_EQ(errors.text(), bad_header_text("Success"));
+    EXPECT_THAT(troubles(), ElementsAre(bad_header_line("Success")));
+}
+
+INSTANTIATE_TEST_SUITE_P(BytesSent, CutHeaderTest, ::testing::Range<std::size_t>(1, 16));
 
 TEST_F(ReceiveEndTest, AFailedReadOfAHeaderEndsTheThread) {
     never_wait();
     run_reader();
-    EXPECT_EQ(errors.text(),
-              "webkit_client::recvMessage Error in reading first four ints in recvMessage"
-              "                        in webkit_client Resource temporarily unavailable\n");
-    EXPECT_THAT(troubles(), ElementsAre(LogLine{kLogWebkit, kFatal,
-                                                "Error in reading first four ints: "
-                                                "Resource temporarily unavailable\n"}));
+    EXPECT_EQ(errors.text(), bad_header_text("Resource temporarily unavailable"));
+    EXPECT_THAT(troubles(), ElementsAre(bad_header_line("Resource temporarily unavailable")));
 }
 
 TEST_F(ReceiveEndTest, AFailedReadOfAPayloadEndsTheThread) {
     never_wait();
     host.write(header_bytes(1, 0, 1, 3));
     run_reader();
-    EXPECT_EQ(errors.text(),
-              "webkit_client::recvMessage Error in"
-              "                                    reading in webkit_client: "
-              "Resource temporarily unavailable\n");
-    EXPECT_THAT(troubles(), ElementsAre(LogLine{kLogWebkit, kError,
-                                                "Error in reading in webkit_client, exiting thread "
-                                                "Resource temporarily unavailable"}));
+    EXPECT_EQ(errors.text(), bad_payload_text("Resource temporarily unavailable"));
+    EXPECT_THAT(troubles(), ElementsAre(bad_payload_line("Resource temporarily unavailable")));
 }
 
 TEST_F(ReceiveEndTest, WithoutDescriptorTheThreadEnds) {
@@ -180,23 +184,27 @@ TEST_F(ReceiveEndTest, WithoutDescriptorTheThreadEnds) {
                                     "server_fd = -1, haven't connected with server yet"}));
 }
 
-// In a process of its own: what other tests have freed would do for the message.
-TEST(ReceiveEndDeathTest, MemoryThatRunsOutEndsTheThread) {
+// In a process of its own: what other tests have freed would do for the buffer.
+TEST(ReceiveEndDeathTest, WithoutMemoryForTheBufferTheThreadEnds) {
     if (!kMemoryCanRunOut) GTEST_SKIP() << "the sanitizer's allocator does not fail";
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(
         {
             report_at_exit();
-            const RecordedHandlers handlers;
             const LinkPeer host;
-            ReaderThread reader;
-            // Gives the thread a reserve, from which it takes its log lines.
-            host.write(frame_bytes(1, {}, {"ab"}));
-            handlers.wait_for(1);
+            std::binary_semaphore has_reserve{0};
+            std::binary_semaphore has_limit{0};
+            std::thread reader([&] {
+                std::free(std::malloc(1'000));  // the thread's arena, for its log lines
+                has_reserve.release();
+                has_limit.acquire();
+                webkit_client::recvMessage();
+            });
+            has_reserve.acquire();
             {
                 const MemoryLimit limit;
-                host.write(header_bytes(1, 0, 1, 5'000'000));
-                if (!reader.ends()) std::exit(1);
+                has_limit.release();
+                reader.join();
             }
             std::exit(0);
         },

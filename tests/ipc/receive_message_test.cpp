@@ -76,6 +76,41 @@ TEST_F(ReceiveMessageTest, JoinsAPayloadThatArrivesByteByByte) {
                 ElementsAre(Dispatch{34, {}, {"url", "resources", "", "", "", ""}}));
 }
 
+// The kernel may split a host's write anywhere.
+TEST_F(ReceiveMessageTest, JoinsAHeaderThatArrivesInTwoPieces) {
+    const std::string bytes = frame_bytes(1, {}, {"text"});
+    for (std::size_t size = 1; size < 16; ++size) {
+        host.write(bytes.substr(0, size));
+        ASSERT_TRUE(reader.waits_for_rest_of_header()) << size;
+        host.write(bytes.substr(size));
+        ASSERT_TRUE(handlers.wait_for(size)) << size;
+    }
+    EXPECT_THAT(handlers.dispatches(), Each(with_text(1, "text")));
+    EXPECT_THAT(troubles(), IsEmpty());
+}
+
+TEST_F(ReceiveMessageTest, JoinsAHeaderThatArrivesByteByByte) {
+    const std::string bytes = frame_bytes(1, {}, {"text"});
+    for (const char byte : bytes.substr(0, 15)) {
+        host.write({&byte, 1});
+        ASSERT_TRUE(reader.waits_for_rest_of_header());
+    }
+    host.write(bytes.substr(15));
+    ASSERT_TRUE(handlers.wait_for(1));
+    EXPECT_THAT(handlers.dispatches(), ElementsAre(with_text(1, "text")));
+    EXPECT_THAT(troubles(), IsEmpty());
+}
+
+TEST_F(ReceiveMessageTest, WaitsForTheRestOfAHeaderAfterASignal) {
+    const std::string bytes = frame_bytes(1, {}, {"after the signal"});
+    host.write(bytes.substr(0, 7));
+    ASSERT_TRUE(reader.waits_for_rest_of_header());
+    ASSERT_TRUE(reader.interrupt());
+    host.write(bytes.substr(7));
+    ASSERT_TRUE(handlers.wait_for(1));
+    EXPECT_THAT(troubles(), IsEmpty());
+}
+
 TEST_F(ReceiveMessageTest, AcceptsAPayloadOfFiveMillionBytes) {
     std::string text;
     while (text.size() < 4'999'999) text += std::to_string(text.size()) + ' ';
