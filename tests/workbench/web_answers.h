@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "tests/workbench/web_server.h"
+#include "tests/support/web_server.h"
 #include "workbench/desktop/web_requests.h"
 
 namespace kestrel::testing {

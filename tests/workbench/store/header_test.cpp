@@ -7,7 +7,7 @@
 #include "tests/support/main_loop.h"
 #include "tests/support/temporary_directory.h"
 #include "tests/workbench/store/visit.h"
-#include "tests/workbench/web_server.h"
+#include "tests/support/web_server.h"
 #include "tests/workbench/widgets.h"
 
 namespace kestrel::testing {

@@ -1,4 +1,4 @@
-#include "tests/workbench/web_server.h"
+#include "tests/support/web_server.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
