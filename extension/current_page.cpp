@@ -1,16 +1,44 @@
 #include "extension/current_page.h"
 
+#include <algorithm>
+#include <atomic>
+#include <memory>
 #include <utility>
+#include <vector>
 
 #include "extension/callback_evaluation.h"
+#include "extension/microtasks.h"
 #include "extension/page_globals.h"
+#include "ipc/never_destroyed.h"
 #include "jsapi/argument_text.h"
 
 namespace kestrel {
 namespace {
 
-// Null once the page has been closed. A retained frame outlives its page and cannot tell.
-constinit WebKitWebPage* web_page = nullptr;
+struct ObjectDeleter {
+    void operator()(void* object) const { g_object_unref(object); }
+};
+
+template <typename T>
+std::unique_ptr<T, ObjectDeleter> retained(T* object) {
+    return std::unique_ptr<T, ObjectDeleter>(static_cast<T*>(g_object_ref(object)));
+}
+
+struct AttachedPage {
+    WebKitWebPage* page;
+    std::unique_ptr<WebKitFrame, ObjectDeleter> frame;
+    std::unique_ptr<WebKitScriptWorld, ObjectDeleter> world;
+    PageId id;
+};
+
+// The pages that live, the current one last. A failed send on the reader thread runs static
+// destructors while the main thread works on.
+std::vector<AttachedPage>& attached_pages() {
+    static NeverDestroyed<std::vector<AttachedPage>> pages;
+    return pages.object;
+}
+
+constinit std::atomic<PageId> current_id = 0;
 
 // The plain function interface of the API; its replacement returns a JSC object we have no use for.
 JSGlobalContextRef context_of(WebKitFrame* frame) {
@@ -23,22 +51,55 @@ void set_context(JSGlobalContextRef context) {
     if (context == jsContext) return;
     forget_named_callback();
     if (jsContext != nullptr) forget_kept_texts(jsContext);
-    const RetainedContext previous(std::exchange(jsContext, JSGlobalContextRetain(context)));
-    globalObject = JSContextGetGlobalObject(context);
+    const RetainedContext previous(jsContext);
+    jsContext = context == nullptr ? nullptr : JSGlobalContextRetain(context);
+    globalObject = context == nullptr ? nullptr : JSContextGetGlobalObject(context);
+    set_microtask_context(context);
+}
+
+void set_globals() {
+    const bool has_page = !attached_pages().empty();
+    const AttachedPage* const current = has_page ? &attached_pages().back() : nullptr;
+    current_id = has_page ? current->id : 0;
+    web_frame = has_page ? current->frame.get() : nullptr;
+    web_world = has_page ? current->world.get() : nullptr;
+    set_context(has_page ? context_of(web_frame) : nullptr);
+}
+
+void forget_page(void* /*data*/, GObject* page) {
+    // Released after the globals have changed.
+    std::vector<AttachedPage> closed;
+    std::vector<AttachedPage>& pages = attached_pages();
+    const auto found =
+        std::ranges::find(pages, reinterpret_cast<WebKitWebPage*>(page), &AttachedPage::page);
+    if (found == pages.end()) return;
+    closed.push_back(std::move(*found));
+    pages.erase(found);
+    if (closed.front().id == current_id) set_globals();
 }
 
 }  // namespace
 
 void attach_page(WebKitWebPage* page, WebKitFrame* frame, WebKitScriptWorld* world) {
-    g_set_weak_pointer(&web_page, page);
-    g_set_object(&web_frame, frame);
-    g_set_object(&web_world, world);
-    set_context(context_of(frame));
+    static PageId last_id = 0;
+    std::vector<AttachedPage>& pages = attached_pages();
+    const auto found = std::ranges::find(pages, page, &AttachedPage::page);
+    if (found == pages.end()) {
+        g_object_weak_ref(G_OBJECT(page), forget_page, nullptr);
+        pages.emplace_back();
+    } else {
+        std::rotate(found, found + 1, pages.end());
+    }
+    AttachedPage previous =
+        std::exchange(pages.back(), {page, retained(frame), retained(world), ++last_id});
+    set_globals();
 }
+
+PageId current_page() { return current_id; }
 
 RetainedContext current_page_context() {
     if (web_frame != nullptr) {
-        const JSGlobalContextRef shown = web_page == nullptr ? nullptr : context_of(web_frame);
+        const JSGlobalContextRef shown = context_of(web_frame);
         if (shown == nullptr) return nullptr;
         set_context(shown);
     }

@@ -1,14 +1,18 @@
-// What the host's messages do. Each handler starts on the link's reader thread; whatever touches
-// the page goes on in the main loop, in the order in which the messages came.
+// Handlers of the host's messages. Each is called on the link's reader thread; whatever touches the
+// page is queued for the main loop, in the order in which the messages came.
 #include <glib.h>
 
 #include <array>
+#include <atomic>
 #include <cstdlib>
 #include <list>
 #include <memory>
 #include <string>
+#include <utility>
 
+#include "extension/current_page.h"
 #include "extension/main_loop_queue.h"
+#include "extension/microtasks.h"
 #include "extension/page_delivery.h"
 #include "extension/resources.h"
 #include "ipc/never_destroyed.h"
@@ -23,6 +27,25 @@
     "_ZN10KsJS_proxy10preloadURLB5cxx11E");
 
 namespace {
+
+// Scripts, and resources behind them, that the main loop has not finished.
+constinit std::atomic<int> unfinished = 0;
+
+// Counted after queueing, which may throw: the thread that queued it sees the count either way.
+template <typename Task>
+void queue_in_order(Task task) {
+    kestrel::run_in_main_loop([task = std::move(task)] {
+        task();
+        --unfinished;
+    });
+    ++unfinished;
+}
+
+void take_over(const std::string& url, const std::string& resources) {
+    KsJS_proxy::preloadURL = url;
+    kestrel::set_resources(resources);
+    KsJS_proxy::readyToLoadURL(url);
+}
 
 struct FreeTexts {
     void operator()(std::list<char*>* texts) const {
@@ -49,15 +72,20 @@ void KsJS_proxy::insertJS(int* /*ints*/, std::string* strings) {
         kestrel::run_script(script);
         g_main_context_release(main_context);
     } else {
-        kestrel::run_in_main_loop([script = std::string(script)] { kestrel::run_script(script); });
+        queue_in_order([page = kestrel::current_page(), script] {
+            kestrel::run_script_in(page, script);
+            kestrel::run_microtasks();
+        });
     }
 }
 
 void KsJS_proxy::zyns_cb_wrapper(int* /*ints*/, std::string* strings) {
     const bool is_ajax = strings[0].find(kestrel::kAjaxCompletion) != std::string::npos;
     const std::size_t size = 1 + (is_ajax ? kestrel::kAjaxArguments : 0);
-    kestrel::run_in_main_loop(
-        [answer = kestrel::Answer(strings, strings + size)] { kestrel::deliver_answer(answer); });
+    kestrel::run_in_main_loop([answer = kestrel::Answer(strings, strings + size)] {
+        kestrel::deliver_answer(answer);
+        kestrel::run_microtasks();
+    });
 }
 
 int KsJS_proxy::szyns_cb_wrapper(std::list<char*>* answer) {
@@ -66,10 +94,15 @@ int KsJS_proxy::szyns_cb_wrapper(std::list<char*>* answer) {
     return G_SOURCE_REMOVE;
 }
 
+// The host loads the next page when it is told; scripts sent before must have run by then.
 void KsJS_proxy::sendResourcesAndURL(int* /*ints*/, std::string* strings) {
-    preloadURL = strings[0];
-    kestrel::set_resources(strings[1]);
-    readyToLoadURL(preloadURL);
+    const std::string& url = strings[0];
+    const std::string& resources = strings[1];
+    if (unfinished == 0) {
+        take_over(url, resources);
+    } else {
+        queue_in_order([url, resources] { take_over(url, resources); });
+    }
 }
 
 // The URL comes by value because the exported signature says so.

@@ -11,11 +11,64 @@
 namespace kestrel {
 namespace {
 
-using Work = std::function<void()>;
+using Task = std::function<void()>;
 
-struct Queue {
-    std::mutex lock;
-    std::list<Work> waiting;
+constexpr gint64 kSlice = 8 * G_TIME_SPAN_MILLISECOND;
+// How long tasks leave the loop to the rest of the page before they are due at its priority.
+constexpr gint64 kPatience = 4 * G_TIME_SPAN_MILLISECOND;
+constexpr gint64 kNever = -1;
+constexpr gint64 kAtOnce = 0;
+
+gboolean dispatch(GSource* source, GSourceFunc callback, void* data);
+
+// Attached on first use, never removed. It may recurse because a debugger that stops a task runs a
+// main loop of its own.
+GSource* attach_source(int priority) {
+    static GSourceFuncs functions{nullptr, nullptr, dispatch, nullptr, nullptr, nullptr};
+    GSource* const source = g_source_new(&functions, sizeof(GSource));
+    g_source_set_static_name(source, "kestrel messages for the page");
+    g_source_set_priority(source, priority);
+    g_source_set_can_recurse(source, TRUE);
+    g_source_attach(source, nullptr);
+    g_source_unref(source);  // the main context holds it
+    return source;
+}
+
+class Queue {
+  public:
+    void push(Task&& task) {
+        std::list<Task> one;
+        one.push_back(std::move(task));
+        const std::scoped_lock guard(lock_);
+        const bool was_empty = tasks_.empty();
+        tasks_.splice(tasks_.end(), one);
+        if (was_empty) schedule();
+    }
+
+    // One task, or none.
+    std::list<Task> pop() {
+        std::list<Task> task;
+        const std::scoped_lock guard(lock_);
+        if (!tasks_.empty()) task.splice(task.begin(), tasks_, tasks_.begin());
+        return task;
+    }
+
+    void schedule_rest() {
+        const std::scoped_lock guard(lock_);
+        schedule();
+    }
+
+  private:
+    void schedule() {
+        const bool is_empty = tasks_.empty();
+        g_source_set_ready_time(overdue_, is_empty ? kNever : g_get_monotonic_time() + kPatience);
+        g_source_set_ready_time(idle_, is_empty ? kNever : kAtOnce);
+    }
+
+    std::mutex lock_;
+    std::list<Task> tasks_;
+    GSource* const idle_ = attach_source(G_PRIORITY_DEFAULT_IDLE);
+    GSource* const overdue_ = attach_source(G_PRIORITY_DEFAULT);
 };
 
 // The reader outlives static destruction.
@@ -24,61 +77,19 @@ Queue& queue() {
     return queue.object;
 }
 
-// One work or none.
-std::list<Work> next_work() {
-    Queue& from = queue();
-    std::list<Work> work;
-    const std::scoped_lock guard(from.lock);
-    if (!from.waiting.empty()) work.splice(work.begin(), from.waiting, from.waiting.begin());
-    return work;
-}
-
-std::size_t count_waiting() {
-    const std::scoped_lock guard(queue().lock);
-    return queue().waiting.size();
-}
-
-gboolean check(GSource* /*source*/) { return static_cast<gboolean>(count_waiting() > 0); }
-
-gboolean prepare(GSource* source, int* timeout) {
-    *timeout = -1;
-    return check(source);
-}
-
-// What is handed over meanwhile waits for the main loop's next turn, so that the page stays alive.
-gboolean work_off(GSource* /*source*/, GSourceFunc /*callback*/, void* /*data*/) {
-    for (std::size_t left = count_waiting(); left > 0; --left) {
-        for (const Work& work : next_work()) work();
-    }
+gboolean dispatch(GSource* /*source*/, GSourceFunc /*callback*/, void* /*data*/) {
+    const gint64 end = g_get_monotonic_time() + kSlice;
+    do {
+        const std::list<Task> tasks = queue().pop();
+        if (tasks.empty()) break;
+        tasks.front()();
+    } while (g_get_monotonic_time() < end);
+    queue().schedule_rest();
     return G_SOURCE_CONTINUE;
-}
-
-// Part of the main loop from the first work on, for good. A debugger stops a callback in a main
-// loop of its own, which goes on with what waits.
-void attach_source() {
-    static GSourceFuncs functions{prepare, check, work_off, nullptr, nullptr, nullptr};
-    GSource* const source = g_source_new(&functions, sizeof(GSource));
-    g_source_set_static_name(source, "kestrel messages for the page");
-    g_source_set_priority(source, G_PRIORITY_DEFAULT_IDLE);
-    g_source_set_can_recurse(source, TRUE);
-    g_source_attach(source, nullptr);
-    g_source_unref(source);
 }
 
 }  // namespace
 
-void run_in_main_loop(Work work) {
-    std::list<Work> one;
-    one.push_back(std::move(work));
-    bool was_empty = false;
-    {
-        const std::scoped_lock guard(queue().lock);
-        was_empty = queue().waiting.empty();
-        queue().waiting.splice(queue().waiting.end(), one);
-    }
-    static std::once_flag has_source;
-    std::call_once(has_source, attach_source);
-    if (was_empty) g_main_context_wakeup(nullptr);
-}
+void run_in_main_loop(Task task) { queue().push(std::move(task)); }
 
 }  // namespace kestrel

@@ -6,7 +6,7 @@
 #include <span>
 
 #include "extension/callback_evaluation.h"
-#include "extension/current_page.h"
+#include "extension/script_function.h"
 #include "ipc/error_line.h"
 #include "ipc/send.h"
 #include "jsapi/KsJS_proxy.h"
@@ -72,9 +72,7 @@ void kestrel::run_script(const std::string& script) {
     }
     const JSContextRef context = page.get();
     JSValueRef exception = nullptr;
-    const JSObjectRef function =
-        JSObjectMakeFunction(context, nullptr, 0, nullptr, make_script_string(script.c_str()).get(),
-                             nullptr, 1, &exception);
+    const JSObjectRef function = make_function(context, script, exception);
     KsJS_proxy::traceExceptionJS(context, exception);
     const JSValueRef result =
         function == nullptr
@@ -82,6 +80,14 @@ void kestrel::run_script(const std::string& script) {
             : JSObjectCallAsFunction(context, function, nullptr, 0, nullptr, &exception);
     if (result == nullptr) error_line(kScriptFailed);
     KsJS_proxy::traceExceptionJS(context, exception);
+}
+
+void kestrel::run_script_in(PageId page, const std::string& script) {
+    if (page == current_page()) {
+        run_script(script);
+    } else {
+        error_line(kScriptFailed);
+    }
 }
 
 // The address sanitizer moves what is on the stack to where the collector does not look.

@@ -5,6 +5,7 @@
 #include "extension/resources.h"
 #include "ipc/webkit_client.h"
 #include "tests/extension/page_glue.h"
+#include "tests/support/log_recorder.h"
 
 namespace kestrel::testing {
 namespace {
@@ -13,6 +14,7 @@ namespace {
 class Inbound : public PageGlueWithPage {
   protected:
     Inbound() {
+        clear_log();
         webkit_client::func_array = table_.get();
         reader_ = std::thread([] { webkit_client::recvMessage(); });
     }
@@ -29,15 +31,17 @@ class Inbound : public PageGlueWithPage {
         host.write(frame_bytes(1, {}, {callback}));
     }
 
-    // Returns when the reader has handled all that was sent so far: only type 34 is answered at
-    // once.
-    void wait_for_reader() const {
-        host.write(frame_bytes(34, {}, {"url", ""}));
-        EXPECT_EQ(host.read_frame(), frame_bytes(35, {}, {"url"}));
+    // Returns when the reader has handled all that was sent so far: it logs a type that has no
+    // handler.
+    void wait_for_reader() {
+        const std::string type = std::to_string(++unknown_type_);
+        host.write(frame_bytes(unknown_type_, {}, {}));
+        EXPECT_TRUE(wait_for_log("Dropped a message of type " + type + ": no handler\n"));
     }
 
   private:
     std::unique_ptr<webkit_client::InboundHandler[]> table_{KsJS_proxy::getFunctionArray()};
+    int unknown_type_ = 100;
     std::thread reader_;
 };
 
@@ -122,6 +126,40 @@ TEST_F(Inbound, LastResourcesWin) {
     EXPECT_EQ(host.read_frame(), frame_bytes(35, {}, {"two"}));
     EXPECT_EQ(KsJS_proxy::preloadURL, "two");
     EXPECT_EQ(take_resources(), "{a: 2}");
+}
+
+TEST_F(Inbound, UrlIsNotConfirmedBeforeAScriptThatCameFirstHasRun) {
+    send_script("resources = 'still to come'");
+    host.write(frame_bytes(34, {}, {"url", "{a: 1}"}));
+    wait_for_reader();
+    EXPECT_TRUE(host.is_quiet());
+    EXPECT_EQ(take_resources(), "");
+    run_main_loop_until_idle();
+    EXPECT_EQ(host.read_frame(), frame_bytes(35, {}, {"url"}));
+    EXPECT_EQ(page.text_of("resources"), "still to come");
+    EXPECT_EQ(KsJS_proxy::preloadURL, "url");
+    EXPECT_EQ(take_resources(), "{a: 1}");
+}
+
+TEST_F(Inbound, UrlsAreConfirmedInOrderBehindAScript) {
+    send_script("ran = true");
+    host.write(frame_bytes(34, {}, {"one", "{a: 1}"}));
+    host.write(frame_bytes(34, {}, {"two", "{a: 2}"}));
+    wait_for_reader();
+    run_main_loop_until_idle();
+    EXPECT_EQ(host.read_frame(), frame_bytes(35, {}, {"one"}));
+    EXPECT_EQ(host.read_frame(), frame_bytes(35, {}, {"two"}));
+    EXPECT_EQ(take_resources(), "{a: 2}");
+    host.write(frame_bytes(34, {}, {"three", ""}));
+    EXPECT_EQ(host.read_frame(), frame_bytes(35, {}, {"three"}));
+}
+
+TEST_F(Inbound, UrlDoesNotWaitForAnswers) {
+    send_answer("() => 0");
+    host.write(frame_bytes(34, {}, {"url", ""}));
+    EXPECT_EQ(host.read_frame(), frame_bytes(35, {}, {"url"}));
+    run_main_loop_until_idle();
+    EXPECT_EQ(host.read_frame(), frame_bytes(33, {}, {}));
 }
 
 using ReadyToLoad = PageGlue;

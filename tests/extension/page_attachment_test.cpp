@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <fstream>
+#include <thread>
 
 #include "extension/resources.h"
 #include "log/zynlog.h"
@@ -32,12 +33,7 @@ class PageAttachment : public PageGlue {
             context->text_of("window = globalThis");
         }
     }
-    ~PageAttachment() override {
-        take_resources();
-        g_clear_object(&web_frame);
-        g_clear_object(&web_world);
-        if (jsContext != nullptr) JSGlobalContextRelease(jsContext);
-    }
+    ~PageAttachment() override { take_resources(); }
 
     void attach(const FakePage& page) const {
         on_window_object_cleared(world, page.page(), page.frame(), nullptr);
@@ -83,17 +79,90 @@ TEST_F(PageAttachment, GivesOtherFramesNothing) {
     EXPECT_TRUE(logged().empty());
 }
 
-TEST_F(PageAttachment, HoldsTheFrameWhileItIsTheCurrentOne) {
-    const FakePage old_page(main, first.get());
-    const FakePage new_page(main, second.get());
-    attach(old_page);
-    attach(old_page);
-    EXPECT_TRUE(old_page.is_frame_held());
-    attach(new_page);
-    EXPECT_FALSE(old_page.is_frame_held());
-    EXPECT_TRUE(new_page.is_frame_held());
+TEST_F(PageAttachment, HoldsTheFrameWhileThePageLives) {
+    FakePage page(main, first.get());
+    attach(page);
+    attach(page);
+    EXPECT_TRUE(page.is_frame_held());
+    page.close();
+    EXPECT_FALSE(page.is_frame_held());
+}
+
+TEST_F(PageAttachment, GivesTheGlobalsToThePageThatIsCurrent) {
+    FakePage opener(main, first.get());
+    FakePage popup(main, second.get());
+    attach(opener);
+    attach(popup);
+    EXPECT_EQ(web_frame, popup.frame());
     EXPECT_EQ(jsContext, second.get());
     EXPECT_EQ(globalObject, second.global());
+    popup.close();
+    EXPECT_EQ(web_frame, opener.frame());
+    EXPECT_EQ(web_world, world);
+    EXPECT_EQ(jsContext, first.get());
+    EXPECT_EQ(globalObject, first.global());
+    opener.close();
+    EXPECT_EQ(web_frame, nullptr);
+    EXPECT_EQ(web_world, nullptr);
+    EXPECT_EQ(jsContext, nullptr);
+    EXPECT_EQ(globalObject, nullptr);
+}
+
+TEST_F(PageAttachment, KeepsTheCurrentPageWhenAnotherCloses) {
+    FakePage opener(main, first.get());
+    const FakePage popup(main, second.get());
+    attach(opener);
+    attach(popup);
+    opener.close();
+    EXPECT_EQ(jsContext, second.get());
+}
+
+TEST_F(PageAttachment, MakesAPageThatNavigatesTheCurrentOne) {
+    FakePage opener(main, first.get());
+    FakePage popup(main, second.get());
+    attach(opener);
+    attach(popup);
+    attach(opener);
+    EXPECT_EQ(jsContext, first.get());
+    opener.close();
+    EXPECT_EQ(jsContext, second.get());
+}
+
+// The reader thread takes the script before the other page is attached.
+void insert_from_reader(const std::string& script) {
+    std::thread([&] {
+        HandlerStrings strings{script};
+        KsJS_proxy::insertJS(nullptr, strings.data());
+    }).join();
+}
+
+TEST_F(PageAttachment, RefusesScriptsOfThePageBefore) {
+    const FakePage page(main, first.get());
+    attach(page);
+    g_main_context_acquire(nullptr);
+    insert_from_reader("where = 'too late'");
+    page.show(second.get());
+    attach(page);
+    insert_from_reader("where = 'second'");
+    deliver({"() => { answered = true }"});
+    EXPECT_EQ(errors.text(), kScriptFailed);
+    EXPECT_EQ(first.text_of("typeof where + typeof answered"), "undefinedundefined");
+    EXPECT_EQ(second.text_of("where + answered"), "secondtrue");
+    g_main_context_release(nullptr);
+}
+
+TEST_F(PageAttachment, RefusesScriptsOfAPopupThatHasClosed) {
+    const FakePage opener(main, first.get());
+    FakePage popup(main, second.get());
+    attach(opener);
+    attach(popup);
+    g_main_context_acquire(nullptr);
+    insert_from_reader("where = 'popup'");
+    popup.close();
+    run_main_loop_until_idle();
+    EXPECT_EQ(errors.text(), kScriptFailed);
+    EXPECT_EQ(first.text_of("typeof where"), "undefined");
+    g_main_context_release(nullptr);
 }
 
 TEST_F(PageAttachment, LetsGoOfThePageWhoseCallbackItLookedUp) {

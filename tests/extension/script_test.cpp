@@ -51,6 +51,41 @@ TEST_F(Script, ThatIsNoUtf8DoesNothing) {
     EXPECT_EQ(errors.text(), "");
 }
 
+TEST_F(Script, ThatClosesItsFunctionIsALine) {
+    for (const char* script :
+         {"}), (done = 1), (function() {", "}, done() {", "}, function() {", "} + function() {",
+          "}}).anonymous, ({anonymous() {", "}; done = 1; {", "return 1 /*", "return `"}) {
+        const StderrCapture each;
+        insert(script);
+        EXPECT_EQ(each.text(), kScriptFailed) << script;
+    }
+    EXPECT_EQ(page.text_of("typeof done"), "undefined");
+}
+
+TEST_F(Script, MayEndInAComment) {
+    insert("done = 1 // text");
+    insert("done += 1 <!-- text");
+    EXPECT_EQ(page.text_of("done"), "2");
+}
+
+// As the body of a function that script makes with its own constructor.
+TEST_F(Script, MeansWhatItMeansInAFunctionMadeFromText) {
+    page.text_of("shown = []; show = value => { shown.push(String(value)) }");
+    for (const std::string script :
+         {"show(new Error().line)", "show(arguments.callee.name)", "show(typeof anonymous)",
+          "'use strict'; show((function() { return this === undefined })())",
+          "with ({a: 1}) show(a)", "show(010)", "show(new.target)", "yield = 1; show(yield)",
+          "await = 1; show(await)", "'use strict'; with ({}) {}", "show(super.a)", "let a; let a",
+          "import 'a'", "show(import.meta)"}) {
+        const StderrCapture quiet;
+        insert(script);
+        page.text_of("try { new Function(" + ("`" + script + "`") + ")() } catch {}");
+        EXPECT_EQ(page.text_of("shown.length % 2 === 0 && shown[0] === shown[1]"), "true")
+            << script << ": " << page.text_of("shown.join()");
+        page.text_of("shown = []");
+    }
+}
+
 TEST_F(Script, WithASyntaxErrorIsALine) {
     insert("done = 1; (");
     EXPECT_EQ(errors.text(), kScriptFailed);

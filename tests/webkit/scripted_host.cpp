@@ -62,19 +62,24 @@ bool ScriptedHost::read_client() {
     const ssize_t got = recv(client_, piece.data(), piece.size(), MSG_DONTWAIT);
     if (got <= 0) return false;
     unread_.append(piece.data(), static_cast<std::size_t>(got));
-    while (unread_.size() >= 16) {
+    std::size_t at = 0;
+    while (unread_.size() - at >= 16) {
         std::array<int, 4> header{};
-        std::memcpy(header.data(), unread_.data(), sizeof header);
+        std::memcpy(header.data(), unread_.data() + at, sizeof header);
         const std::size_t length = sizeof header + static_cast<std::size_t>(header[3]);
-        if (unread_.size() < length) break;
-        frames_.push_back({header[0], unread_.substr(sizeof header, length - sizeof header)});
-        unread_.erase(0, length);
+        if (unread_.size() - at < length) break;
+        frames_.push_back({header[0], unread_.substr(at + sizeof header, length - sizeof header)});
+        at += length;
     }
+    unread_.erase(0, at);
     return true;
 }
 
 bool ScriptedHost::wait_for(int type, std::size_t count) {
-    return run_main_loop_until([&] { return frames(type).size() >= count; });
+    return run_main_loop_until([&] {
+        return std::ranges::count(frames_, type, &ReceivedFrame::type) >=
+               static_cast<std::ptrdiff_t>(count);
+    });
 }
 
 bool ScriptedHost::wait_for_text(int type, const std::string& text) {

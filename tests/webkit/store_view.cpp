@@ -16,6 +16,14 @@ GVariant* strings_variant(const std::string& install_root, const std::string& re
 
 }  // namespace
 
+std::string page_uri(const std::string& html) {
+    static int pages = 0;
+    const std::string path =
+        std::string(g_get_home_dir()) + "/page" + std::to_string(++pages) + ".html";
+    std::ofstream(path) << "<!doctype html><meta charset=utf-8>" << html;
+    return "file://" + path;
+}
+
 StoreView::StoreView(const std::string& install_root, const std::string& resources)
     : StoreView(strings_variant(install_root, resources)) {}
 
@@ -36,8 +44,8 @@ StoreView::StoreView(GVariant* user_data)
     show();
 }
 
-StoreView::StoreView(const StoreView& opener)
-    : view_(WEBKIT_WEB_VIEW(webkit_web_view_new_with_related_view(opener.view_))) {
+StoreView::StoreView(WebKitWebView* opener)
+    : view_(WEBKIT_WEB_VIEW(webkit_web_view_new_with_related_view(opener))) {
     show();
 }
 
@@ -65,13 +73,11 @@ void StoreView::wait_for_load() {
     run_main_loop_until([this] { return loaded_ || process_has_gone_; });
 }
 
-void StoreView::load(const std::string& html) {
-    static int pages = 0;
-    const std::string path =
-        std::string(g_get_home_dir()) + "/page" + std::to_string(++pages) + ".html";
-    std::ofstream(path) << "<!doctype html><meta charset=utf-8>" << html;
+void StoreView::load(const std::string& html) { load_uri(page_uri(html)); }
+
+void StoreView::load_uri(const std::string& uri) {
     loaded_ = false;
-    webkit_web_view_load_uri(view_, ("file://" + path).c_str());
+    webkit_web_view_load_uri(view_, uri.c_str());
     wait_for_load();
 }
 

@@ -7,6 +7,9 @@
 
 namespace kestrel::testing {
 
+// The address of a new page with this content: a file in the home directory.
+std::string page_uri(const std::string& html);
+
 // A web view in a window, whose web process loads the extension.
 class StoreView {
   public:
@@ -15,13 +18,14 @@ class StoreView {
     // The same with any user data, or none.
     explicit StoreView(GVariant* user_data);
     // A view whose page shares the web process of `opener`.
-    explicit StoreView(const StoreView& opener);
+    explicit StoreView(WebKitWebView* opener);
+    StoreView(const StoreView&) = delete;
     ~StoreView();
     StoreView& operator=(const StoreView&) = delete;
 
-    // Each waits until the page has loaded, or its web process has gone. Every load is a page of
-    // its own, a new file in the home directory.
+    // Each waits until the page has loaded, or its web process has gone. Every load is a new page.
     void load(const std::string& html);
+    void load_uri(const std::string& uri);
     void reload();
     void go_back();
 

@@ -1,0 +1,133 @@
+// Popups in the web process of the page that opens them: while one is open it is the current page.
+#include <memory>
+#include <vector>
+
+#include "tests/support/stderr_capture.h"
+#include "tests/webkit/store_fixture.h"
+
+namespace kestrel::testing {
+namespace {
+
+// Views that pages open with window.open. Each shows its page in a window and is destroyed when the
+// page closes it.
+class Popups {
+  public:
+    explicit Popups(WebKitWebView* opener) { watch(opener); }
+
+    std::size_t open() const { return views_.size(); }
+
+  private:
+    void watch(WebKitWebView* opener) {
+        webkit_settings_set_javascript_can_open_windows_automatically(
+            webkit_web_view_get_settings(opener), TRUE);
+        g_signal_connect(opener, "create",
+                         G_CALLBACK(+[](WebKitWebView* view, WebKitNavigationAction*,
+                                        Popups* self) { return self->create(view); }),
+                         this);
+    }
+
+    GtkWidget* create(WebKitWebView* opener) {
+        views_.push_back(std::make_unique<StoreView>(opener));
+        WebKitWebView* const popup = views_.back()->view();
+        g_signal_connect(popup, "close", G_CALLBACK(+[](WebKitWebView* view, Popups* self) {
+                             std::erase_if(self->views_, [view](const auto& open) {
+                                 return open->view() == view;
+                             });
+                         }),
+                         this);
+        watch(popup);
+        return GTK_WIDGET(popup);
+    }
+
+    std::vector<std::unique_ptr<StoreView>> views_;
+};
+
+class Popup : public ConnectedStoreTest {
+  protected:
+    // Waits until the current page has this name, the opener has none; then it gets scripts, too.
+    // Nothing tells when the web process has closed a page.
+    void expect_current_page(const std::string& name) {
+        host.forget_frames();
+        EXPECT_TRUE(run_main_loop_until([&] {
+            const std::size_t asked = host.frames(5).size();
+            host.send(1, {"(() => external.sendAction(window.name))"});
+            return host.wait_for(5, asked + 1) && host.frames(5).back().payload == name + '\0';
+        }));
+        host.send(0, {"external.sendAction('script in ' + window.name)"});
+        EXPECT_TRUE(host.wait_for_text(5, "script in " + name));
+    }
+
+    void open(const std::string& script) {
+        const std::size_t before = popups.open();
+        store.evaluate(script);
+        ASSERT_TRUE(run_main_loop_until([&] { return popups.open() == before + 1; }));
+    }
+
+    void close(const std::string& script) {
+        const std::size_t before = popups.open();
+        store.evaluate(script);
+        ASSERT_TRUE(run_main_loop_until([&] { return popups.open() == before - 1; }));
+    }
+
+    void open_page() {
+        open("window.first = window.open('" +
+             page_uri("<script>external.sendAction('loaded')</script>") + "', 'first'); 0");
+        ASSERT_TRUE(host.wait_for_text(5, "loaded"));
+    }
+
+    Popups popups{store.view()};
+};
+
+constexpr const char* kOpenEmpty = "window.first = window.open('', 'first'); 0";
+constexpr const char* kCloseFirst = "first.close(); 0";
+
+TEST_F(Popup, GetsTheHostsScriptsWhileItIsOpen) {
+    open_page();
+    expect_current_page("first");
+}
+
+TEST_F(Popup, GivesThePageBackWhenItCloses) {
+    open_page();
+    close(kCloseFirst);
+    expect_current_page("");
+}
+
+TEST_F(Popup, ThatIsEmptyGivesThePageBackWhenItCloses) {
+    open(kOpenEmpty);
+    store.evaluate("first.document.title = 'empty'");
+    close(kCloseFirst);
+    expect_current_page("");
+}
+
+TEST_F(Popup, MayOpenAnother) {
+    open(kOpenEmpty);
+    store.evaluate("first.document.title = 'empty'");
+    open("first.second = first.open('', 'second'); 0");
+    store.evaluate("first.second.document.title = 'empty'");
+    expect_current_page("second");
+    close("first.second.close(); 0");
+    expect_current_page("first");
+    close(kCloseFirst);
+    expect_current_page("");
+}
+
+TEST_F(Popup, MayCloseBeforeTheOneThatItOpened) {
+    open(kOpenEmpty);
+    store.evaluate("first.document.title = 'empty'");
+    open("window.second = first.open('', 'second'); 0");
+    store.evaluate("second.document.title = 'empty'");
+    close(kCloseFirst);
+    expect_current_page("second");
+    close("second.close(); 0");
+    expect_current_page("");
+}
+
+TEST_F(Popup, IsNotTheCurrentPageOnceItsOpenerNavigates) {
+    open(kOpenEmpty);
+    store.evaluate("first.document.title = 'empty'");
+    store.load("<title>next</title>");
+    expect_current_page("");
+}
+
+}  // namespace
+}  // namespace kestrel::testing
