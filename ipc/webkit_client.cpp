@@ -37,8 +37,8 @@ constexpr int kFullQueueMilliseconds = 20;
 
 using SocketPath = std::unique_ptr<char, kestrel::FreeDeleter>;
 
-// The page runs on while its calls fit here: a thousand short ones take less than a megabyte, and a
-// value of a megabyte fits whole. The system may grant less (net.core.wmem_max), which is no harm.
+// The page does not wait while its calls fit here. The kernel grants no more than net.core.wmem_max,
+// on many systems room for some 550 short calls.
 void ask_for_send_buffer(int fd) {
     setsockopt(fd, SOL_SOCKET, SO_SNDBUF, &kestrel::kSendBuffer, sizeof kestrel::kSendBuffer);
 }

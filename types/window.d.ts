@@ -35,8 +35,7 @@ declare global {
 
     /**
      * Set by the page; the reference host calls it when it is ready. Until then a call of
-     * `external` may be lost or end the web process. Not called where the page's policy forbids
-     * `eval`.
+     * `external` may be lost or end the web process.
      */
     onHostReady?: () => void;
 

@@ -10,8 +10,6 @@
 namespace kestrel::bench {
 namespace {
 
-constexpr double kNanoseconds = 1e9;
-
 // Nanoseconds a call of `script`, which returns when it started, until the host has `bytes`.
 double until_read(const PageView& view, PageHost& host, const std::string& script, int calls,
                   std::size_t bytes) {

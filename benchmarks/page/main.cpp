@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "benchmarks/measurements.h"
+#include "benchmarks/page/busy_page.h"
 #include "benchmarks/page/host_figures.h"
 #include "benchmarks/page/page_host.h"
 #include "benchmarks/page/page_view.h"
@@ -25,12 +26,13 @@ struct Effort {
     int call_rounds = 31;  // of those of a call
     int calls = 100'000;   // of a burst
     int answers = 5'000;
+    int scripts = 60;  // to a busy page, with each load
     int attachments = 10'000;
     int largest = 10'000'000;  // payload
     int most = 1'000'000;      // calls
 };
 
-constexpr Effort kSmokeEffort{1, 1, 1, 1'000, 100, 100, 1'000, 100};
+constexpr Effort kSmokeEffort{1, 1, 1, 1'000, 100, 2, 100, 1'000, 100};
 
 // A host and a page, as long as they are needed.
 struct Meeting {
@@ -90,6 +92,7 @@ void measure_all(const std::string& directory, const Effort& effort, Measurement
     add(json_of("tripFigures(" + rounds + ")"), to);
     host.set_task(PageHost::Task::count);
     measure_answers(view, host, effort.answers, effort.rounds, to);
+    measure_busy_pages(view, host, effort.scripts, to);
     to["payload_growth"] = Measurements::parse(
         json_of("payloadGrowth(" + rounds + ", " + std::to_string(effort.largest) + ")"));
     to["count_growth"] =

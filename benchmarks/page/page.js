@@ -154,3 +154,49 @@ function burst(calls) {
 function numbered(calls) {
   for (let i = 0; i < calls; ++i) external.setItem('k', String(100000 + i), 'cb');
 }
+
+function spin(milliseconds) {
+  for (const end = performance.now() + milliseconds; performance.now() < end;);
+}
+
+let isBusy = false;
+
+function again(schedule, milliseconds) {
+  schedule(() => {
+    spin(milliseconds);
+    if (isBusy) again(schedule, milliseconds);
+  });
+}
+
+const frame = turn => requestAnimationFrame(turn);
+const timer = turn => setTimeout(turn, 0);
+
+function message(turn) {
+  window.onmessage = turn;
+  window.postMessage('', '*');
+}
+
+function channel(turn) {
+  const {port1, port2} = new MessageChannel();
+  port1.onmessage = turn;
+  port2.postMessage('');
+}
+
+const LOADS = {
+  frames8: () => { again(frame, 8); again(timer, 8); },
+  frames16: () => again(frame, 16),
+  frames30: () => { again(frame, 30); again(timer, 1); },
+  timers: () => { again(timer, 8); again(timer, 8); },
+  messages: () => again(message, 5),
+  channel: () => again(channel, 5),
+};
+
+// The main thread has no rest until calmDown.
+function keepBusy(load) {
+  isBusy = true;
+  LOADS[load]();
+}
+
+function calmDown() {
+  isBusy = false;
+}

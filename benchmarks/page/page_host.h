@@ -31,6 +31,9 @@ class PageHost {
     // Forgets what has come; finished_at tells when `bytes` more have.
     void expect(std::uint64_t bytes);
 
+    // Whether the expected bytes have come.
+    bool has_finished() const { return finished_at_ != 0; }
+
     // Waits until the expected bytes have come, a minute at most, and says when that was, in
     // seconds of the monotonic clock.
     double finished_at() const;
@@ -65,5 +68,7 @@ class PageHost {
 };
 
 double monotonic_seconds();
+
+inline constexpr double kNanoseconds = 1e9;  // a second
 
 }  // namespace kestrel::bench

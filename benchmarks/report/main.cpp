@@ -77,7 +77,7 @@ std::string shown_target(const Judged& judged) {
 
 // As a Markdown table, for the note.
 void print(const std::vector<Judged>& all) {
-    constexpr const char* kRow = "| %-34s | %9s | %-42s | %9s | %6s | %7s | %-8s |\n";
+    constexpr const char* kRow = "| %-37s | %9s | %-42s | %9s | %6s | %7s | %-8s |\n";
     std::printf(kRow, "figure", "", "against", "", "ratio", "target", "verdict");
     std::puts("|---|---|---|---|---|---|---|");
     for (const Judged& judged : all) {

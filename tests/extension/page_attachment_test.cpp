@@ -1,9 +1,6 @@
 // What a new page gets, and which page is the current one.
 #include "extension/page_attachment.h"
 
-#include <unistd.h>
-
-#include <fstream>
 #include <thread>
 
 #include "extension/resources.h"
@@ -12,18 +9,12 @@
 #include "tests/extension/page_glue.h"
 #include "tests/support/collector.h"
 #include "tests/support/log_recorder.h"
+#include "tests/support/process_state.h"
 
 namespace kestrel::testing {
 namespace {
 
 using enum FakePage::FrameKind;
-
-std::size_t resident_bytes() {
-    std::size_t size = 0;
-    std::size_t resident = 0;
-    std::ifstream("/proc/self/statm") >> size >> resident;
-    return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-}
 
 class PageAttachment : public PageGlue {
   protected:

@@ -3,15 +3,19 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstdio>
+#include <cstdlib>
 #include <future>
 
 #include "ipc/reader.h"
 #include "ipc/webkit_client.h"
 #include "log/zynlog.h"
+#include "tests/ipc/memory_limit.h"
 #include "tests/ipc/reader_thread.h"
 #include "tests/ipc/recorded_handlers.h"
 #include "tests/support/link_peer.h"
 #include "tests/support/log_recorder.h"
+#include "tests/support/process_state.h"
 
 namespace kestrel::testing {
 namespace {
@@ -119,6 +123,25 @@ TEST_F(ReceiveMessageTest, AcceptsAPayloadOfFiveMillionBytes) {
     ASSERT_TRUE(handlers.wait_for(1));
     EXPECT_TRUE(handlers.dispatches()[0] == with_text(1, text));
     EXPECT_THAT(troubles(), IsEmpty());
+}
+
+// The buffer for five million bytes is reserved, not filled.
+TEST(ReceiveMemory, IsUsedOnlyAsMessagesFillIt) {
+    if (!kMemoryCanRunOut) GTEST_SKIP() << "the sanitizer fills what it reserves";
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            const RecordedHandlers handlers;
+            const LinkPeer host;
+            const std::size_t before = resident_bytes();
+            const ReaderThread reader;
+            host.write(frame_bytes(1, {}, {"ab"}));
+            handlers.wait_for(1);
+            const std::size_t growth = resident_bytes() - before;
+            std::fprintf(stderr, "%zu bytes more are resident\n", growth);
+            std::_Exit(growth < 1'000'000 ? 0 : 1);
+        },
+        ::testing::ExitedWithCode(0), "");
 }
 
 TEST_F(ReceiveMessageTest, AShortMessageKeepsNothingOfALongOne) {

@@ -43,6 +43,13 @@ std::size_t thread_count() {
     return entries_of(kThreads);
 }
 
+std::size_t resident_bytes() {
+    std::size_t size = 0;
+    std::size_t resident = 0;
+    std::ifstream("/proc/self/statm") >> size >> resident;
+    return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
 // A running thread's file says "running"; a sleeping one's begins with the system call's number.
 bool is_blocked_in(pid_t thread, long system_call) {
     std::ifstream file("/proc/" + std::to_string(thread) + "/syscall");

@@ -10,6 +10,7 @@ namespace kestrel::testing {
 
 std::size_t open_descriptors();
 std::size_t thread_count();
+std::size_t resident_bytes();
 
 // Whether the thread sleeps inside the system call with this number.
 bool is_blocked_in(pid_t thread, long system_call);

@@ -1,6 +1,11 @@
 // A host in a process of its own: answering-host SOCKET RECORD. Serves web processes one after the
-// other. Appends each frame to the file RECORD, and answers each setItem by calling the page's
-// `answered` with the item's key.
+// other and appends each frame to the file RECORD. It answers setItem by calling the page's
+// `answered` with the item's key, and sendAction with many answers, which call `answered` with 0, 1
+// and so on: "flood COUNT" writes them as fast as the socket takes them, "split COUNT" pauses
+// within each header until the web process has read what there is.
+#include <linux/sockios.h>
+#include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -17,6 +22,8 @@
 namespace {
 
 constexpr int kSetItem = 19;
+constexpr int kSendAction = 5;
+constexpr std::size_t kHeader = 16;
 
 // Being stopped cuts reads and writes short, as a signal does.
 bool read_whole(int fd, char* to, std::size_t size) {
@@ -40,6 +47,55 @@ bool write_whole(int fd, std::string_view bytes) {
     return true;
 }
 
+std::string answer_with(const std::string& key) {
+    return kestrel::testing::frame_bytes(1, {}, {"(() => answered(" + key + "))"});
+}
+
+// As a host with a main loop: never waits in a write, and goes on with what the socket did not take
+// and what has been queued meanwhile.
+bool flood(int fd, int count) {
+    std::string queue;
+    for (int key = 0; key < count || !queue.empty();) {
+        if (key < count) queue += answer_with(std::to_string(key++));
+        const ssize_t sent = send(fd, queue.data(), queue.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+        if (sent > 0) queue.erase(0, static_cast<std::size_t>(sent));
+        if (sent == -1 && errno == EAGAIN && (queue.size() > 100'000 || key == count)) {
+            pollfd writable{fd, POLLOUT, 0};
+            poll(&writable, 1, -1);
+        } else if (sent == -1 && errno != EAGAIN && errno != EINTR) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// The kernel announces nothing when the peer has read.
+void wait_until_read(int fd) {
+    constexpr int kMillisecond = 1;
+    int unread = 1;
+    while (ioctl(fd, SIOCOUTQ, &unread) == 0 && unread > 0) poll(nullptr, 0, kMillisecond);
+}
+
+bool split(int fd, int count) {
+    for (int key = 0; key < count; ++key) {
+        const std::string answer = answer_with(std::to_string(key));
+        const std::size_t size = static_cast<std::size_t>(key) % (kHeader - 1) + 1;
+        if (!write_whole(fd, answer.substr(0, size))) return false;
+        wait_until_read(fd);
+        if (!write_whole(fd, answer.substr(size))) return false;
+    }
+    return true;
+}
+
+bool answer(int fd, int type, const std::string& text) {
+    if (type == kSetItem) return write_whole(fd, answer_with(text));
+    if (type == kSendAction && text.starts_with("flood "))
+        return flood(fd, std::stoi(text.substr(6)));
+    if (type == kSendAction && text.starts_with("split "))
+        return split(fd, std::stoi(text.substr(6)));
+    return true;
+}
+
 void serve(int fd, std::FILE* record) {
     std::array<int, 4> header{};
     std::string frame;
@@ -50,11 +106,7 @@ void serve(int fd, std::FILE* record) {
         if (!read_whole(fd, frame.data() + sizeof header, frame.size() - sizeof header)) return;
         std::fwrite(frame.data(), 1, frame.size(), record);
         std::fflush(record);
-        if (header[0] != kSetItem) continue;
-        const std::string key = frame.c_str() + sizeof header;
-        if (!write_whole(fd,
-                         kestrel::testing::frame_bytes(1, {}, {"(() => answered(" + key + "))"})))
-            return;
+        if (!answer(fd, header[0], frame.c_str() + sizeof header)) return;
     }
 }
 

@@ -1,6 +1,7 @@
 // A host in a process of its own that is stopped and resumed, or killed, while a page calls it.
 #include "tests/webkit/host_process.h"
 
+#include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -47,6 +48,23 @@ class HostProcessTest : public ::testing::Test {
         ASSERT_TRUE(page_waits_for_host(announced(*host)));
     }
 
+    // The page checks the order of the host's answers and tells of every ten thousandth.
+    void expect_answers(const std::string& action, std::size_t count) {
+        constexpr std::size_t kStep = 10'000;
+        const std::string all = std::to_string(count);
+        store.evaluate(
+            "window.next = 0; window.answered = key => { if (key === next) ++next;"
+            "  if (next % 10000 === 0 || next === " +
+            all +
+            ") external.refresh() };"
+            "external.sendAction('" +
+            action + " " + all + "')");
+        for (std::size_t told = 1; told <= (count + kStep - 1) / kStep; ++told) {
+            ASSERT_TRUE(host->wait_for(7, told)) << store.evaluate("next");
+        }
+        EXPECT_FALSE(store.process_has_gone());
+    }
+
     const std::string directory = std::string(g_get_home_dir()) + "/.QUOClient";
     const StderrCapture captured;  // before the web process starts, which inherits it
     StoreView store;
@@ -76,6 +94,18 @@ TEST_F(HostProcessTest, LosesNothingAndKeepsTheOrderWhenItIsStoppedAndResumedAmi
               std::to_string(kRounds * kCalls) + " true");
     EXPECT_FALSE(store.process_has_gone());
 }
+
+// KESTREL_FLOOD sets the number of answers: a million take a minute.
+std::size_t flood_size() {
+    const char* const wanted = std::getenv("KESTREL_FLOOD");
+    return wanted == nullptr ? 30'000 : std::stoul(wanted);
+}
+
+TEST_F(HostProcessTest, KeepsTheLinkWhenTheKernelSplitsTheWritesOfAFlood) {
+    expect_answers("flood", flood_size());
+}
+
+TEST_F(HostProcessTest, KeepsTheLinkWhenHeadersComeInTwoPieces) { expect_answers("split", 300); }
 
 TEST_F(HostProcessTest, EndsTheWebProcessWhoseCallItLeavesHalfTakenAndServesTheNextOne) {
     ASSERT_NO_FATAL_FAILURE(call_and_wait(0));

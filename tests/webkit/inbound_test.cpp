@@ -35,6 +35,19 @@ TEST_F(ConnectedStoreTest, KeepsScriptsAndAnswersInOrder) {
     EXPECT_EQ(store.evaluate("order === 'sa'.repeat(50)"), "true");
 }
 
+TEST_F(ConnectedStoreTest, RunsScriptsBeforeItTellsTheHostToLoad) {
+    for (int i = 0; i < 20; ++i) {
+        host.send(0, {"external.sendAction(document.title)"});
+        host.send(34, {"next", "{}"});
+    }
+    ASSERT_TRUE(host.wait_for(35, 20));
+    const auto& frames = host.frames();
+    for (std::size_t i = 1; i < frames.size(); i += 2) {
+        EXPECT_EQ(frames[i].payload, std::string("store") + '\0');
+        EXPECT_EQ(frames[i + 1].type, 35);
+    }
+}
+
 TEST_F(ConnectedStoreTest, SurvivesScriptsThatChangeAnAnimatedPage) {
     store.load(
         "<body><div id=list></div><script>"
@@ -67,7 +80,7 @@ TEST_F(ConnectedStoreTest, IgnoresAnAnswerWhosePageHasBeenLeft) {
 
 TEST_F(ConnectedStoreTest, GoesBackToThePageBeforeWhenAPageIsClosed) {
     {
-        StoreView second(store.view());
+        StoreView second(StoreView::RelatedTo{store.view()});
         second.load("<title>second</title>");
         host.send(0, {"document.title = 'reached'"});
         ASSERT_TRUE(second.wait_for("document.title === 'reached'"));

@@ -25,6 +25,23 @@ TEST_F(ConnectedStoreTest, ShowsThePageOnWhenTheHostHasGone) {
     EXPECT_EQ(store.evaluate("6 * 7"), "42");
 }
 
+TEST_F(StoreTest, ReportsAHostThatResetsTheConnectionAsAReadError) {
+    const StderrCapture captured;  // before the web process starts, which inherits it
+    host.listen();
+    StoreView store;
+    store.load("");
+    ASSERT_TRUE(host.wait_for(61));
+    host.pause();
+    store.evaluate("external.refresh()");
+    host.hang_up();  // with the call unread
+    EXPECT_TRUE(run_main_loop_until([&] {
+        return captured.text().find(
+                   "                        in webkit_client Connection reset by "
+                   "peer\n") != std::string::npos;
+    }));
+    EXPECT_EQ(store.evaluate("6 * 7"), "42");
+}
+
 TEST_F(ConnectedStoreTest, EndsTheProcessWhenAPageCallFindsNoHost) {
     const StderrCapture captured;
     host.hang_up();

@@ -27,7 +27,7 @@ class Popups {
     }
 
     GtkWidget* create(WebKitWebView* opener) {
-        views_.push_back(std::make_unique<StoreView>(opener));
+        views_.push_back(std::make_unique<StoreView>(StoreView::RelatedTo{opener}));
         WebKitWebView* const popup = views_.back()->view();
         g_signal_connect(popup, "close", G_CALLBACK(+[](WebKitWebView* view, Popups* self) {
                              std::erase_if(self->views_, [view](const auto& open) {

@@ -44,8 +44,8 @@ StoreView::StoreView(GVariant* user_data)
     show();
 }
 
-StoreView::StoreView(WebKitWebView* opener)
-    : view_(WEBKIT_WEB_VIEW(webkit_web_view_new_with_related_view(opener))) {
+StoreView::StoreView(RelatedTo opener)
+    : view_(WEBKIT_WEB_VIEW(webkit_web_view_new_with_related_view(opener.view))) {
     show();
 }
 

@@ -17,8 +17,11 @@ class StoreView {
     explicit StoreView(const std::string& install_root = "", const std::string& resources = "{}");
     // The same with any user data, or none.
     explicit StoreView(GVariant* user_data);
-    // A view whose page shares the web process of `opener`.
-    explicit StoreView(WebKitWebView* opener);
+    // A view whose page shares the web process of another one's.
+    struct RelatedTo {
+        WebKitWebView* view;
+    };
+    explicit StoreView(RelatedTo opener);
     StoreView(const StoreView&) = delete;
     ~StoreView();
     StoreView& operator=(const StoreView&) = delete;
