@@ -1,5 +1,4 @@
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <array>
 #include <cstdio>
@@ -7,8 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "base/executable_path.h"
+#include "base/password_entry.h"
 #include "common/LinuxCommonUtils.h"
-#include "common/password_entry.h"
 #include "common/platform.h"
 
 namespace {
@@ -16,8 +16,6 @@ namespace {
 // Programs of the client family that every complete installation holds, in the order tested.
 constexpr std::array kRootMarkers = {"KeyWardenDaemon", "ServiceLedger", "PrimaryKeyWarden",
                                      "util/catalook"};
-
-constexpr std::size_t kMaxLinkTarget = 4'095;
 
 // The executable's directory and, if that is called "util", its parent.
 std::vector<std::string> roots_by_executable(const std::string& executable) {
@@ -47,14 +45,12 @@ std::vector<std::string> root_candidates() {
 
 std::string LinuxCommonUtils::getHomeDir() {
     if (const char* home = std::getenv("HOME")) return home;
-    return kestrel::utilities::password_entry_of_caller().home;
+    return kestrel::password_entry_of_caller().home;
 }
 
 std::string LinuxCommonUtils::GetModulePath() {
-    std::array<char, kMaxLinkTarget> target{};
-    const ssize_t length = readlink("/proc/self/exe", target.data(), target.size());
-    if (length < 0) return "<unknown>";
-    return {target.data(), static_cast<std::size_t>(length)};
+    const std::string path = kestrel::executable_path();
+    return path.empty() ? "<unknown>" : path;
 }
 
 bool LinuxCommonUtils::ifFileExists(std::string& path) {

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "common/file_descriptor.h"
+#include "base/file_descriptor.h"
 
 namespace kestrel::utilities {
 

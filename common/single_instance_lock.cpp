@@ -11,13 +11,13 @@
 #include <fstream>
 #include <string>
 
+#include "base/file_descriptor.h"
 #include "common/LinuxCommonUtils.h"
-#include "common/file_descriptor.h"
 #include "common/open_below.h"
 
 namespace {
 
-using kestrel::utilities::FileDescriptor;
+using kestrel::FileDescriptor;
 using kestrel::utilities::open_below;
 
 enum class LockState { kFailed, kStale, kRunning, kOwned };

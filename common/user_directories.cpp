@@ -6,8 +6,8 @@
 #include <cstring>
 #include <string>
 
+#include "base/password_entry.h"
 #include "common/LinuxCommonUtils.h"
-#include "common/password_entry.h"
 
 namespace {
 
@@ -26,7 +26,7 @@ bool make_directory(const std::string& path, const std::string& what) {
 
 std::string LinuxCommonUtils::getUserName() {
     if (const char* user = std::getenv("USER")) return user;
-    return kestrel::utilities::password_entry_of_caller().name;
+    return kestrel::password_entry_of_caller().name;
 }
 
 std::string LinuxCommonUtils::getUserTmpDir() {

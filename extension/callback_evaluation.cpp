@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/never_destroyed.h"
 #include "extension/retained_context.h"
-#include "ipc/never_destroyed.h"
 #include "jsapi/KsJS_proxy.h"
 #include "jsapi/script_text.h"
 

@@ -6,10 +6,10 @@
 #include <utility>
 #include <vector>
 
+#include "base/never_destroyed.h"
 #include "extension/callback_evaluation.h"
 #include "extension/microtasks.h"
 #include "extension/page_globals.h"
-#include "ipc/never_destroyed.h"
 #include "jsapi/argument_text.h"
 
 namespace kestrel {

@@ -9,14 +9,15 @@
 #include <cstring>
 #include <string>
 
+#include "base/error_line.h"
 #include "common/LinuxCommonUtils.h"
 #include "extension/page_attachment.h"
 #include "extension/page_globals.h"
 #include "extension/resources.h"
-#include "ipc/error_line.h"
 #include "ipc/webkit_client.h"
 #include "jsapi/KsJS_proxy.h"
 #include "log/zynlog.h"
+#include "trace/frame_trace.h"
 
 namespace {
 
@@ -75,6 +76,7 @@ extern "C" [[gnu::visibility("default")]] void webkit_web_extension_initialize_w
         kestrel::error_line(".QUOClient not created, anomoly use case, exiting\n");
         std::exit(0);
     }
+    kestrel::start_frame_trace();
     const std::string socket_path = client_directory + "/webkit_socket2";
     webkit_client::initComm(KsJS_proxy::getFunctionArray(), strdup(socket_path.c_str()));
 }

@@ -10,12 +10,12 @@
 #include <string>
 #include <utility>
 
+#include "base/never_destroyed.h"
 #include "extension/current_page.h"
 #include "extension/main_loop_queue.h"
 #include "extension/microtasks.h"
 #include "extension/page_delivery.h"
 #include "extension/resources.h"
-#include "ipc/never_destroyed.h"
 #include "ipc/protocol.h"
 #include "ipc/reader.h"
 #include "ipc/send.h"

@@ -6,7 +6,7 @@
 #include <mutex>
 #include <utility>
 
-#include "ipc/never_destroyed.h"
+#include "base/never_destroyed.h"
 
 namespace kestrel {
 namespace {

@@ -1,7 +1,7 @@
 #include "extension/microtasks.h"
 
+#include "base/never_destroyed.h"
 #include "extension/retained_context.h"
-#include "ipc/never_destroyed.h"
 #include "jsapi/script_text.h"
 
 namespace kestrel {

@@ -5,9 +5,9 @@
 #include <array>
 #include <span>
 
+#include "base/error_line.h"
 #include "extension/callback_evaluation.h"
 #include "extension/script_function.h"
-#include "ipc/error_line.h"
 #include "ipc/send.h"
 #include "jsapi/KsJS_proxy.h"
 #include "jsapi/script_text.h"

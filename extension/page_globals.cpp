@@ -4,7 +4,7 @@
 
 #include <cstdarg>
 
-#include "ipc/never_destroyed.h"
+#include "base/never_destroyed.h"
 
 constinit WebKitFrame* web_frame = nullptr;
 constinit WebKitScriptWorld* web_world = nullptr;

@@ -8,7 +8,7 @@
 #include <system_error>
 #include <utility>
 
-#include "ipc/error_line.h"
+#include "base/error_line.h"
 
 namespace kestrel {
 namespace {

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "ipc/error_line.h"
+#include "base/error_line.h"
 #include "ipc/webkit_client.h"
 
 namespace kestrel {

@@ -14,11 +14,11 @@
 #include <cstring>
 #include <string>
 
-#include "ipc/error_line.h"
+#include "base/error_line.h"
 #include "ipc/frame.h"
+#include "ipc/frame_observer.h"
 #include "ipc/incoming_message.h"
 #include "ipc/link.h"
-#include "ipc/wire_trace.h"
 #include "log/zynlog.h"
 
 using kestrel::error_line;
@@ -138,7 +138,7 @@ bool receive_one(webkit_message& frame) {
     kestrel::IncomingMessage message(header);
     const auto length = static_cast<std::size_t>(header.total_len_of_string);
     if (!read_payload({kestrel::payload_begin(frame), length}, message)) return false;
-    kestrel::trace_frame(kestrel::Direction::to_page, frame);
+    kestrel::show_to_observer(kestrel::Direction::to_page, frame);
     message.dispatch();
     return true;
 }

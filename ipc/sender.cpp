@@ -5,13 +5,13 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "ipc/error_line.h"
+#include "base/error_line.h"
+#include "base/signals_blocked.h"
 #include "ipc/frame.h"
+#include "ipc/frame_observer.h"
 #include "ipc/link.h"
 #include "ipc/outgoing_frame.h"
 #include "ipc/send.h"
-#include "ipc/signals_blocked.h"
-#include "ipc/wire_trace.h"
 #include "log/zynlog.h"
 
 namespace {
@@ -42,7 +42,7 @@ ssize_t write_whole(int fd, std::span<const char> bytes) {
 
 void kestrel::write_frame(const webkit_message& frame) {
     // Before the write, or the host's answer could be traced first.
-    trace_frame(Direction::from_page, frame);
+    show_to_observer(Direction::from_page, frame);
     const std::span<const char> bytes = bytes_of(frame);
     const ssize_t written = write_whole(load_server_fd(), bytes);
     if (written == static_cast<ssize_t>(bytes.size())) return;

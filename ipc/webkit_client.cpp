@@ -13,11 +13,10 @@
 #include <memory>
 #include <string>
 
-#include "ipc/error_line.h"
+#include "base/error_line.h"
+#include "base/never_destroyed.h"
 #include "ipc/frame.h"
 #include "ipc/link.h"
-#include "ipc/never_destroyed.h"
-#include "ipc/wire_trace.h"
 #include "log/zynlog.h"
 
 using kestrel::error_line;
@@ -37,8 +36,8 @@ constexpr int kFullQueueMilliseconds = 20;
 
 using SocketPath = std::unique_ptr<char, kestrel::FreeDeleter>;
 
-// The page does not wait while its calls fit here. The kernel grants no more than net.core.wmem_max,
-// on many systems room for some 550 short calls.
+// The page does not wait while its calls fit here. The kernel grants no more than
+// net.core.wmem_max, on many systems room for some 550 short calls.
 void ask_for_send_buffer(int fd) {
     setsockopt(fd, SOL_SOCKET, SO_SNDBUF, &kestrel::kSendBuffer, sizeof kestrel::kSendBuffer);
 }
@@ -110,8 +109,6 @@ void webkit_client::initComm(InboundHandler* handlers, char* socket_path) {
                    static_cast<int>(kestrel::kMaxSocketPath), path.get());
         return;
     }
-    kestrel::start_wire_trace();
-
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
     pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);

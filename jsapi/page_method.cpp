@@ -5,7 +5,7 @@
 #include <limits>
 #include <string>
 
-#include "ipc/error_line.h"
+#include "base/error_line.h"
 #include "ipc/outgoing_frame.h"
 #include "jsapi/argument_text.h"
 #include "jsapi/utf16_to_utf8.h"

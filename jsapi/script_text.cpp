@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "ipc/error_line.h"
+#include "base/error_line.h"
 #include "jsapi/KsJS_proxy.h"
 #include "jsapi/ascii_to_utf16.h"
 #include "jsapi/utf16_to_utf8.h"

@@ -2,7 +2,7 @@
 
 #include <ctime>
 
-#include "log/errno_guard.h"
+#include "base/errno_guard.h"
 #include "log/zynlog_paths.h"
 
 namespace {
@@ -12,7 +12,7 @@ constexpr std::time_t kFreshSeconds = 86'399;
 }  // namespace
 
 bool check_heartbeat_file_age(const char* path) {
-    const kestrel::logging::ErrnoGuard errno_guard;
+    const kestrel::ErrnoGuard errno_guard;
     struct stat status {};
     if (path == nullptr || stat(path, &status) == -1) return false;
     return std::time(nullptr) - status.st_mtime <= kFreshSeconds;

@@ -6,7 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "log/errno_guard.h"
+#include "base/errno_guard.h"
+#include "base/executable_path.h"
 #include "log/zynlog_paths.h"
 
 namespace {
@@ -24,13 +25,9 @@ bool is_usable(const std::string& directory) {
     });
 }
 
-// "" when it cannot be read.
 std::string executable_directory() {
-    std::array<char, 4'095> target;
-    const ssize_t length = readlink("/proc/self/exe", target.data(), target.size());
-    if (length <= 0) return "";
-    const std::string_view path(target.data(), static_cast<std::size_t>(length));
-    return std::string(path.substr(0, path.rfind('/')));
+    const std::string path = kestrel::executable_path();
+    return path.substr(0, path.rfind('/'));
 }
 
 std::string find_root() {
@@ -51,7 +48,7 @@ std::string find_root() {
 }
 
 RootBuffer search() {
-    const kestrel::logging::ErrnoGuard errno_guard;
+    const kestrel::ErrnoGuard errno_guard;
     RootBuffer buffer{};
     const std::string root = find_root();
     root.copy(buffer.data(), buffer.size() - 1);

@@ -6,15 +6,15 @@
 #include <cerrno>
 #include <cstdio>
 
+#include "base/errno_guard.h"
 #include "log/daemon_link.h"
 #include "log/daemon_protocol.h"
-#include "log/errno_guard.h"
 #include "log/shared_config.h"
 #include "log/syslog_fallback.h"
 #include "log/zynlog.h"
 
+using kestrel::ErrnoGuard;
 using kestrel::logging::daemon_connected;
-using kestrel::logging::ErrnoGuard;
 using kestrel::logging::initialised;
 using kestrel::logging::syslog_open;
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "log/file_descriptor.h"
+#include "base/file_descriptor.h"
 
 namespace kestrel::logging {
 

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "log/errno_guard.h"
+#include "base/errno_guard.h"
 #include "log/version_file.h"
 #include "log/zynlog_paths.h"
 
@@ -37,7 +37,7 @@ File open_version_file() {
 }
 
 VersionBuffer read_version() {
-    const kestrel::logging::ErrnoGuard errno_guard;
+    const kestrel::ErrnoGuard errno_guard;
     const File file = open_version_file();
     const std::string version =
         file == nullptr ? "unknown" : kestrel::logging::version_in(file.get());

@@ -1,4 +1,3 @@
-#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -8,14 +7,14 @@
 #include <cstring>
 #include <mutex>
 #include <string>
-#include <vector>
 
-#include "log/errno_guard.h"
+#include "base/errno_guard.h"
+#include "base/password_entry.h"
 #include "log/local_socket.h"
 #include "log/sigpipe_ignored.h"
 #include "log/zynlog_paths.h"
 
-using kestrel::logging::ErrnoGuard;
+using kestrel::ErrnoGuard;
 
 namespace {
 
@@ -30,9 +29,6 @@ constexpr FileLocation kConfigFile{"/var/log/veltrane/.zynlogconf", "/.QUOClient
 constexpr FileLocation kLogFile{"/var/log/veltrane/QUOClient.log",
                                 "/.QUOClient/logs/QUOClient.log"};
 constexpr FileLocation kSocketFile{"/var/log/veltrane/.zynlogsocket", "/.QUOClient/.zynlogsocket"};
-
-constexpr std::size_t kFirstPasswordBuffer = 1'024;
-constexpr std::size_t kLargestPasswordBuffer = 1'048'576;
 
 bool owns_system_log_directory() {
     struct stat status {};
@@ -50,17 +46,11 @@ bool uses_system_log_directory() {
     return result;
 }
 
+// Null when there is none.
 const char* find_home() {
     if (const char* home = std::getenv("HOME")) return strdup(home);
-    std::vector<char> buffer(kFirstPasswordBuffer);
-    passwd entry{};
-    passwd* found = nullptr;
-    while (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found) == ERANGE &&
-           buffer.size() < kLargestPasswordBuffer) {
-        buffer.resize(buffer.size() * 2);
-    }
-    if (found == nullptr || found->pw_dir == nullptr) return nullptr;
-    return strdup(found->pw_dir);
+    const std::string home = kestrel::password_entry_of_caller().home;
+    return home.empty() ? nullptr : strdup(home.c_str());
 }
 
 // The first home directory that is found; null as long as there is none.

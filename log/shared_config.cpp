@@ -4,7 +4,7 @@
 #include <sys/mman.h>
 #include <sys/stat.h>
 
-#include "log/file_descriptor.h"
+#include "base/file_descriptor.h"
 #include "log/own_links.h"
 #include "log/sigbus_guard.h"
 #include "log/zynlog_paths.h"

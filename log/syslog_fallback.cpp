@@ -4,7 +4,7 @@
 
 #include <array>
 
-#include "log/errno_guard.h"
+#include "base/errno_guard.h"
 #include "log/zynlog.h"
 
 namespace kestrel::logging {

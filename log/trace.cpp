@@ -1,5 +1,5 @@
+#include "base/errno_guard.h"
 #include "log/daemon_link.h"
-#include "log/errno_guard.h"
 #include "log/lifecycle.h"
 #include "log/shared_config.h"
 #include "log/syslog_fallback.h"
@@ -33,7 +33,7 @@ bool is_valid(int level, int highest_level, const char* aux1, const char* aux2,
 
 [[gnu::format(printf, 3, 0)]] void send_trace_record(std::uint32_t log_class, int level,
                                                      const char* format, std::va_list arguments) {
-    const kestrel::logging::ErrnoGuard errno_guard;
+    const kestrel::ErrnoGuard errno_guard;
     const kestrel::logging::TraceMessage message(log_class, level, format, arguments);
     kestrel::logging::send_to_daemon(message.bytes());
 }

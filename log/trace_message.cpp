@@ -9,7 +9,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "log/errno_guard.h"
+#include "base/errno_guard.h"
 #include "log/shared_config.h"
 
 namespace kestrel::logging {

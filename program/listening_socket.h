@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "log/file_descriptor.h"
+#include "base/file_descriptor.h"
 
 namespace kestrel {
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <exception>
-#include <string>
 #include <string_view>
 
 namespace kestrel::tools {
@@ -11,10 +10,6 @@ class OutputClosed : public std::exception {};
 
 // Writes to standard output at once. Throws OutputClosed, or std::system_error when it cannot.
 void print(std::string_view text);
-
-// Text of unknown origin for a terminal: control characters and bytes that are not UTF-8 become
-// \n, \t or \xNN.
-std::string printable(std::string_view text);
 
 // Whether colours are welcome on standard output.
 bool wants_colours();

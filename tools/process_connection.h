@@ -3,7 +3,7 @@
 #include <functional>
 #include <string>
 
-#include "log/file_descriptor.h"
+#include "base/file_descriptor.h"
 #include "tools/trace_line.h"
 
 namespace kestrel::tools {

@@ -10,6 +10,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "base/terminal_text.h"
 #include "log/zynlog.h"
 #include "log/zynlog_config.h"
 #include "log/zynlog_paths.h"

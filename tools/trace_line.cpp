@@ -8,9 +8,9 @@
 #include <ctime>
 #include <string_view>
 
+#include "base/terminal_text.h"
 #include "log/zynlog.h"
 #include "tools/class_and_level_names.h"
-#include "tools/console.h"
 
 namespace kestrel::tools {
 namespace {

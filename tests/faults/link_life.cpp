@@ -16,7 +16,6 @@
 #include "ipc/link.h"
 #include "ipc/send.h"
 #include "ipc/webkit_client.h"
-#include "ipc/wire_trace.h"
 #include "tests/faults/faults.h"
 #include "tests/support/frame_bytes.h"
 #include "tests/support/listening_host.h"
@@ -31,13 +30,11 @@ constexpr std::string_view kDocumented[] = {
     "webkit_util::wrapMessage could not malloc, message not sent\n",
     "webkit_client::recvMessage could not malloc, failing\n",
     "Error writing into the socket\n",
-    "Could not start the thread that writes the wire's trace\n",
 };
 
 std::atomic<int> dispatched = 0;
 
-// A trace has a thread of its own, which goes on.
-bool reader_has_ended() { return running_threads() <= (wire_is_traced ? 1 : 0); }
+bool reader_has_ended() { return running_threads() == 0; }
 
 bool has_announced() {
     if (load_server_fd() == -1 || !webkit_client::mu.try_lock()) return false;
@@ -90,7 +87,7 @@ bool is_documented(std::string_view text) {
             line.starts_with("webkit_client::recvMessage Error in reading first four ints") ||
             line.starts_with("webkit_client::recvMessage Error in                      ") ||
             line.starts_with("Could not close webkit_client::server_fd, error: ") ||
-            line.starts_with("Could not write the wire's trace to ");
+            line.starts_with("Could not write the trace file ");
         if (!is_known) return false;
         text.remove_prefix(line.size());
     }

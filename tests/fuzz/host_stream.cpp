@@ -5,12 +5,12 @@
 #include <chrono>
 #include <span>
 
+#include "base/utf8.h"
 #include "ipc/frame_assembler.h"
-#include "ipc/message_json.h"
-#include "ipc/message_text.h"
-#include "ipc/utf8.h"
 #include "tests/fuzz/check.h"
 #include "tests/fuzz/input.h"
+#include "trace/frame_json.h"
+#include "trace/frame_text.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using kestrel::fuzz::check;
@@ -22,10 +22,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         while (const kestrel::Frame frame = assembler.next(bytes)) {
             for (const auto direction :
                  {kestrel::Direction::from_page, kestrel::Direction::to_page}) {
-                const std::string line = message_text(direction, 1, *frame);
+                const std::string line = frame_text(direction, 1, *frame);
                 check(kestrel::is_utf8(line) && line.find('\n') == std::string::npos);
                 const auto time = std::chrono::system_clock::time_point{};
-                check(nlohmann::json::accept(message_json(time, direction, 1, *frame)));
+                check(nlohmann::json::accept(frame_json(time, direction, 1, *frame)));
             }
         }
         check(bytes.empty() || !assembler.fault().empty());

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "log/file_descriptor.h"
+#include "base/file_descriptor.h"
 #include "tests/log/program.h"
 
 namespace kestrel::testing {

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "log/file_descriptor.h"
+#include "base/file_descriptor.h"
 
 namespace kestrel::testing {
 

@@ -13,8 +13,8 @@
 #include <iostream>
 #include <iterator>
 
+#include "base/file_descriptor.h"
 #include "common/LinuxCommonUtils.h"
-#include "common/file_descriptor.h"
 #include "tests/utilities/child_process.h"
 #include "tests/utilities/lock_fixture.h"
 

@@ -12,7 +12,7 @@
 #include <cstring>
 #include <string>
 
-#include "common/file_descriptor.h"
+#include "base/file_descriptor.h"
 
 namespace {
 
@@ -44,7 +44,7 @@ std::uintptr_t use_secret() {
 
 TEST(SecureMemory, IsWipedThoughNobodyReadsItAgain) {
     const std::uintptr_t address = use_secret();
-    const kestrel::utilities::FileDescriptor memory(open("/proc/self/mem", O_RDONLY | O_CLOEXEC));
+    const kestrel::FileDescriptor memory(open("/proc/self/mem", O_RDONLY | O_CLOEXEC));
     // The first bytes of a released block are the allocator's.
     constexpr std::size_t kFirst = 16;
     std::array<char, 48> bytes{};

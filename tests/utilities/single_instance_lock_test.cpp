@@ -17,8 +17,8 @@
 #include <sstream>
 #include <vector>
 
+#include "base/file_descriptor.h"
 #include "common/LinuxCommonUtils.h"
-#include "common/file_descriptor.h"
 #include "tests/utilities/child_process.h"
 #include "tests/utilities/lock_fixture.h"
 

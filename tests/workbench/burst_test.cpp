@@ -7,12 +7,12 @@
 #include <ostream>
 #include <string>
 
-#include "ipc/message_text.h"
 #include "tests/support/frame_bytes.h"
 #include "tests/support/main_loop.h"
 #include "tests/support/temporary_directory.h"
 #include "tests/workbench/fake_services.h"
 #include "tests/workbench/fake_web_process.h"
+#include "trace/frame_text.h"
 #include "workbench/session.h"
 #include "workbench/wire/message_server.h"
 

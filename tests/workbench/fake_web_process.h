@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "log/file_descriptor.h"
+#include "base/file_descriptor.h"
 
 namespace kestrel::testing {
 

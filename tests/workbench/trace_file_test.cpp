@@ -8,10 +8,10 @@
 #include <system_error>
 
 #include "ipc/frame.h"
-#include "ipc/message_json.h"
 #include "tests/support/frame_bytes.h"
 #include "tests/support/temporary_directory.h"
 #include "tests/workbench/message_records.h"
+#include "trace/frame_json.h"
 
 namespace kestrel::testing {
 namespace {
@@ -41,7 +41,7 @@ class TraceFileTest : public ::testing::Test {
         return all;
     }
     static std::string line(Direction direction, int pid, const webkit_message& message) {
-        return message_json(kRecordTime, direction, pid, message) + '\n';
+        return frame_json(kRecordTime, direction, pid, message) + '\n';
     }
 
     TemporaryDirectory directory;

@@ -5,11 +5,11 @@
 #include <fstream>
 #include <system_error>
 
-#include "ipc/message_json.h"
 #include "tests/support/main_loop.h"
 #include "tests/support/temporary_directory.h"
 #include "tests/workbench/message_records.h"
 #include "tests/workbench/widgets.h"
+#include "trace/frame_json.h"
 
 namespace kestrel::testing {
 namespace {
@@ -18,7 +18,7 @@ class TraceWindowTest : public ::testing::Test {
   protected:
     void write(const MessageRecord& record) const {
         std::ofstream(path, std::ios::app)
-            << message_json(record.time, record.direction, record.pid, *record.frame) << '\n';
+            << frame_json(record.time, record.direction, record.pid, *record.frame) << '\n';
     }
 
     TemporaryDirectory directory;

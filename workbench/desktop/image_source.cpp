@@ -9,7 +9,7 @@
 #include <string_view>
 #include <utility>
 
-#include "log/file_descriptor.h"
+#include "base/file_descriptor.h"
 #include "workbench/desktop/glib_handles.h"
 
 namespace kestrel {

@@ -1,7 +1,7 @@
 #include "workbench/window/message_columns.h"
 
-#include "ipc/message_text.h"
 #include "program/translation.h"
+#include "trace/frame_text.h"
 #include "workbench/desktop/glib_handles.h"
 
 namespace kestrel {

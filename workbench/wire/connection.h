@@ -11,8 +11,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/file_descriptor.h"
 #include "ipc/frame_assembler.h"
-#include "log/file_descriptor.h"
 #include "workbench/wire/event_source.h"
 
 namespace kestrel {

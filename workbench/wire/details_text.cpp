@@ -2,9 +2,10 @@
 
 #include <algorithm>
 
+#include "base/terminal_text.h"
 #include "ipc/frame.h"
-#include "ipc/message_text.h"
 #include "program/translation.h"
+#include "trace/frame_text.h"
 #include "workbench/wire/hex_dump.h"
 #include "workbench/wire/row_text.h"
 
@@ -58,7 +59,7 @@ std::string item_lines(const webkit_message& frame) {
         text += "int " + numbered(i, std::to_string(items.ints[i]));
     }
     for (std::size_t i = 0; i < std::min(items.strings.size(), kMaxItems); ++i) {
-        text += "string " + numbered(i, quoted_text(items.strings[i], kMaxCharacters));
+        text += "string " + numbered(i, quoted(items.strings[i], kMaxCharacters));
     }
     const std::size_t more = items.ints.size() - std::min(items.ints.size(), kMaxItems) +
                              items.strings.size() - std::min(items.strings.size(), kMaxItems);

@@ -1,7 +1,7 @@
 #include "workbench/wire/message_record.h"
 
 #include "ipc/frame.h"
-#include "ipc/message_text.h"
+#include "trace/frame_text.h"
 #include "workbench/desktop/glib_handles.h"
 
 namespace kestrel {

@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <string_view>
 
-#include "ipc/trace_time.h"
+#include "trace/time_text.h"
 
 namespace kestrel {
 

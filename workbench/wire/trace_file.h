@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "log/file_descriptor.h"
+#include "base/file_descriptor.h"
 #include "workbench/wire/message_record.h"
 
 namespace kestrel {

@@ -5,8 +5,8 @@
 #include <ostream>
 #include <utility>
 
-#include "ipc/message_json.h"
-#include "ipc/trace_time.h"
+#include "trace/frame_json.h"
+#include "trace/time_text.h"
 #include "workbench/wire/row_text.h"
 
 namespace kestrel {
@@ -29,8 +29,8 @@ bool Transcript::copy_to(const std::string& path) {
 
 std::uint64_t Transcript::message(Direction direction, int pid, const webkit_message& message,
                                   std::uint64_t answer_to) {
-    if (copy_.is_open()) copy(message_json(system_clock::now(), direction, pid, message));
-    write(message_text(direction, pid, message));
+    if (copy_.is_open()) copy(frame_json(system_clock::now(), direction, pid, message));
+    write(frame_text(direction, pid, message));
     if (log_ == nullptr) return 0;
     MessageRecord record = record_of(direction, pid, message);
     record.answer_to = answer_to;

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "ipc/message_text.h"
+#include "trace/frame_text.h"
 #include "workbench/wire/event_source.h"
 #include "workbench/wire/message_log.h"
 

@@ -2,9 +2,9 @@
 
 #include <cerrno>
 
-namespace kestrel::logging {
+namespace kestrel {
 
-// Gives the caller's errno back at the end of a scope.
+// Restores errno at the end of a scope.
 class ErrnoGuard {
   public:
     ErrnoGuard() = default;
@@ -16,4 +16,4 @@ class ErrnoGuard {
     int saved_ = errno;
 };
 
-}  // namespace kestrel::logging
+}  // namespace kestrel

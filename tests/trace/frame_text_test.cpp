@@ -1,4 +1,4 @@
-#include "ipc/message_text.h"
+#include "trace/frame_text.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@ namespace {
 std::string text_of(int type, std::span<const int> ints,
                     std::initializer_list<std::string_view> strings,
                     Direction direction = Direction::from_page, int pid = 42) {
-    return message_text(direction, pid, *build_frame(type, ints, std::vector(strings)));
+    return frame_text(direction, pid, *build_frame(type, ints, std::vector(strings)));
 }
 
 TEST(MessageText, ShowsDirectionProcessTypeNameAndItems) {
@@ -34,7 +34,7 @@ TEST(MessageText, NamesATypeByItsDirection) {
 TEST(MessageText, SaysThatItemsDoNotFit) {
     const Frame frame = build_frame(5, {}, std::array<std::string_view, 1>{"ab"});
     payload_begin(*frame)[2] = 'c';  // the item's NUL
-    EXPECT_EQ(message_text(Direction::from_page, 42, *frame),
+    EXPECT_EQ(frame_text(Direction::from_page, 42, *frame),
               "<-      42   5 sendAction (items do not fit the header)");
 }
 
@@ -43,8 +43,8 @@ TEST(MessageText, ShowsSixteenItemsAndCountsTheRest) {
     std::string all = "<-      42   5 sendAction 1 2";
     for (int i = 0; i < 14; ++i) all += " \"x\"";
     const auto with_strings = [&](std::size_t count) {
-        return message_text(Direction::from_page, 42,
-                            *build_frame(5, ints, std::vector<std::string_view>(count, "x")));
+        return frame_text(Direction::from_page, 42,
+                          *build_frame(5, ints, std::vector<std::string_view>(count, "x")));
     };
     EXPECT_EQ(with_strings(14), all);
     EXPECT_EQ(with_strings(15), all + " ... 1 more items");
@@ -52,32 +52,6 @@ TEST(MessageText, ShowsSixteenItemsAndCountsTheRest) {
 }
 
 TEST(MessageText, ANoteHasNoDirection) { EXPECT_EQ(note_text(42, "a note"), "--      42 a note"); }
-
-TEST(QuotedText, EscapesWhatDoesNotPrint) {
-    EXPECT_EQ(quoted_text("a\n\r\t\"\\b"), R"("a\n\r\t\"\\b")");
-    EXPECT_EQ(quoted_text("\x01\x1b[31m\x1f\x7f"), R"("\u{1}\u{1b}[31m\u{1f}\u{7f}")");
-    EXPECT_EQ(quoted_text("\xc2\x80\xc2\x9f"), R"("\u{80}\u{9f}")");
-    EXPECT_EQ(quoted_text("\xe2\x80\x8b\xe2\x80\xae\xef\xbb\xbf"), R"("\u{200b}\u{202e}\u{feff}")");
-    EXPECT_EQ(quoted_text("\xe2\x80\xa8\xe2\x80\xa9"), R"("\u{2028}\u{2029}")");
-    EXPECT_EQ(quoted_text("\xf3\xa0\x81\x81"), R"("\u{e0041}")");
-}
-
-TEST(QuotedText, ShowsWhatPrintsAsItIs) {
-    const std::string text = " ~'\xc2\xa0Gr\xc3\xbc\xc3\x9f\xe2\x82\xac\xf0\x9f\x98\x80";
-    EXPECT_EQ(quoted_text(text), '"' + text + '"');
-}
-
-TEST(QuotedText, ShowsBytesThatAreNoCharacter) {
-    EXPECT_EQ(quoted_text("a\xff\xc3"), R"("a\xff\xc3")");
-    EXPECT_EQ(quoted_text("\xc3("), R"("\xc3(")");
-}
-
-TEST(QuotedText, ShortensLongTextsBetweenCharacters) {
-    EXPECT_EQ(quoted_text(std::string(80, 'x')), '"' + std::string(80, 'x') + '"');
-    EXPECT_EQ(quoted_text(std::string(81, 'x')), '"' + std::string(80, 'x') + "\"... 1 more bytes");
-    EXPECT_EQ(quoted_text(std::string(79, 'x') + "\xc3\xbc\xc3\xbc"),
-              '"' + std::string(79, 'x') + "\xc3\xbc\"... 2 more bytes");
-}
 
 }  // namespace
 }  // namespace kestrel::testing

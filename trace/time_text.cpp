@@ -1,4 +1,4 @@
-#include "ipc/trace_time.h"
+#include "trace/time_text.h"
 
 #include <array>
 #include <cstdio>

@@ -1,4 +1,4 @@
-#include "ipc/error_line.h"
+#include "base/error_line.h"
 
 #include <gtest/gtest.h>
 

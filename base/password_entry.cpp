@@ -1,4 +1,4 @@
-#include "common/password_entry.h"
+#include "base/password_entry.h"
 
 #include <pwd.h>
 #include <unistd.h>
@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <vector>
 
-namespace kestrel::utilities {
+namespace kestrel {
 namespace {
 
 // Entries grow with what directory services put into them: start small, and give up only where a
@@ -30,4 +30,4 @@ PasswordEntry password_entry_of_caller() {
     return {text_or_empty(found->pw_name), text_or_empty(found->pw_dir)};
 }
 
-}  // namespace kestrel::utilities
+}  // namespace kestrel

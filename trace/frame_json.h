@@ -12,8 +12,8 @@
 namespace kestrel {
 
 // One line without newline. The payload must be as long as the header says. Throws std::bad_alloc.
-std::string message_json(std::chrono::system_clock::time_point time, Direction direction, int pid,
-                         const webkit_message& message);
+std::string frame_json(std::chrono::system_clock::time_point time, Direction direction, int pid,
+                       const webkit_message& message);
 
 // The line that says that `count` messages are missing before the next one.
 std::string dropped_json(std::chrono::system_clock::time_point time, int pid, std::size_t count);

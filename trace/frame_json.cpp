@@ -1,12 +1,12 @@
-#include "ipc/message_json.h"
+#include "trace/frame_json.h"
 
 #include <span>
 #include <string_view>
 #include <vector>
 
+#include "base/utf8.h"
 #include "ipc/frame.h"
-#include "ipc/trace_time.h"
-#include "ipc/utf8.h"
+#include "trace/time_text.h"
 
 namespace kestrel {
 namespace {
@@ -72,8 +72,8 @@ std::string opening(std::chrono::system_clock::time_point time, int pid) {
 
 }  // namespace
 
-std::string message_json(std::chrono::system_clock::time_point time, Direction direction, int pid,
-                         const webkit_message& message) {
+std::string frame_json(std::chrono::system_clock::time_point time, Direction direction, int pid,
+                       const webkit_message& message) {
     std::string json = opening(time, pid);
     json += direction == Direction::from_page ? ",\"direction\":\"to-host\""
                                               : ",\"direction\":\"to-page\"";

@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace kestrel::utilities {
+namespace kestrel {
 
 // What the password database says of a user; empty texts for one that it does not know.
 struct PasswordEntry {
@@ -13,4 +13,4 @@ struct PasswordEntry {
 // The entry of the calling process's real user. Any thread.
 PasswordEntry password_entry_of_caller();
 
-}  // namespace kestrel::utilities
+}  // namespace kestrel

@@ -1,4 +1,4 @@
-#include "tests/ipc-trace/json_object.h"
+#include "tests/trace/json_object.h"
 
 #include <string_view>
 

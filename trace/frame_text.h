@@ -16,7 +16,7 @@ inline constexpr std::string_view kUnknownType = "(unknown)";
 // One line without time and newline: "<-" for a message from the page, "->" for one to it, process
 // id ("?" while it is 0), type, name of the type, items. 16 items are shown, 80 characters of each.
 // The payload must be as long as the header says. Throws std::bad_alloc.
-std::string message_text(Direction direction, int pid, const webkit_message& message);
+std::string frame_text(Direction direction, int pid, const webkit_message& message);
 
 // The items of a message as message_text shows them, parted by blanks; "" for none.
 std::string items_text(const webkit_message& message);
@@ -25,10 +25,5 @@ std::string items_text(const webkit_message& message);
 std::string note_text(int pid, std::string_view note);
 
 inline constexpr std::size_t kMaxShownCharacters = 80;
-
-// A string item as message_text shows it: between quotes, shortened, and whatever would not print,
-// or would disturb a terminal, escaped: \" \\ \n \r \t, \u{1b} a character, \xff a byte that
-// belongs to none.
-std::string quoted_text(std::string_view text, std::size_t max_characters = kMaxShownCharacters);
 
 }  // namespace kestrel

@@ -4,14 +4,18 @@
 
 #include <utility>
 
+#include "base/errno_guard.h"
+
 namespace kestrel {
 
-// An open file, closed at the end of its scope; -1 when opening failed.
+// An open file, closed at the end of its scope; -1 when opening failed. Closing keeps errno, so
+// that the error of an earlier call can still be read.
 class FileDescriptor {
   public:
     FileDescriptor() = default;
     explicit FileDescriptor(int fd) : fd_(fd) {}
     ~FileDescriptor() {
+        const ErrnoGuard errno_guard;
         if (is_open()) close(fd_);
     }
     FileDescriptor(FileDescriptor&& other) noexcept : fd_(other.release()) {}

@@ -1,4 +1,4 @@
-#include "tests/ipc-trace/traced_link.h"
+#include "tests/trace/traced_link.h"
 
 #include <fcntl.h>
 
@@ -10,6 +10,7 @@
 #include "ipc/webkit_client.h"
 #include "tests/support/listening_host.h"
 #include "tests/support/temporary_directory.h"
+#include "trace/frame_trace.h"
 
 namespace kestrel::testing {
 namespace {
@@ -30,6 +31,7 @@ int connect_link(const char* trace) {
     const std::string path = directory.path() + "/webkit_socket2";
     const ListeningHost listening(path);
     handlers[1] = answer;
+    start_frame_trace();
     webkit_client::initComm(handlers.data(), strdup(path.c_str()));
     const HostEnd host = listening.accept();
     host.read_frame();

@@ -1,4 +1,4 @@
-#include "ipc/message_json.h"
+#include "trace/frame_json.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,8 +8,8 @@
 #include <ctime>
 
 #include "ipc/frame.h"
-#include "ipc/trace_time.h"
-#include "tests/ipc-trace/json_object.h"
+#include "tests/trace/json_object.h"
+#include "trace/time_text.h"
 
 namespace kestrel::testing {
 namespace {
@@ -22,7 +22,7 @@ constexpr std::chrono::system_clock::time_point kTime{
 
 std::string json_of(int type, std::span<const int> ints, std::span<const std::string_view> strings,
                     Direction direction = Direction::from_page) {
-    return message_json(kTime, direction, 42, *build_frame(type, ints, strings));
+    return frame_json(kTime, direction, 42, *build_frame(type, ints, strings));
 }
 
 TEST(MessageJson, IsOneObjectWithFieldsInThisOrder) {
@@ -60,7 +60,7 @@ TEST(MessageJson, GivesEveryByteOfEveryItemBack) {
 TEST(MessageJson, KeepsAPayloadThatDoesNotDecode) {
     const Frame frame = build_frame(5, std::array{7}, std::array<std::string_view, 1>{"ab"});
     payload_begin(*frame)[4] = 'c';  // the last item's NUL
-    const std::string text = message_json(kTime, Direction::from_page, 42, *frame);
+    const std::string text = frame_json(kTime, Direction::from_page, 42, *frame);
     const JsonObjectText json(text);
     EXPECT_FALSE(json.has("ints"));
     EXPECT_FALSE(json.has("strings"));
