@@ -61,24 +61,6 @@ JSValueRef prepare(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /
     return JSValueMakeUndefined(context);
 }
 
-// One write of the prepared bytes, whatever the arguments.
-JSValueRef write_prepared(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
-                          size_t /*count*/, const JSValueRef /*arguments*/[],
-                          JSValueRef* /*exception*/) {
-    write_whole(frame.data(), frame.size());
-    return JSValueMakeUndefined(context);
-}
-
-// writeMany(count): so many bare writes in a loop. Returns when it started.
-JSValueRef write_many(JSContextRef context, JSObjectRef function, JSObjectRef self,
-                      size_t /*count*/, const JSValueRef arguments[], JSValueRef* exception) {
-    const JSValueRef start = now(context, function, self, 0, nullptr, exception);
-    for (int left = static_cast<int>(number_of(context, arguments[0])); left > 0; --left) {
-        write_whole(frame.data(), frame.size());
-    }
-    return start;
-}
-
 // What no library can do without: each argument's text, a look at all of its characters, which have
 // two bytes each, and a copy of half as many bytes; then one write of the prepared bytes.
 JSValueRef read_texts(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
@@ -177,8 +159,6 @@ constexpr JSPropertyAttributes kReadOnly = kJSPropertyAttributeReadOnly;
 constexpr JSStaticFunction kFunctions[] = {
     {"now", now, kReadOnly},
     {"prepare", prepare, kReadOnly},
-    {"write", write_prepared, kReadOnly},
-    {"writeMany", write_many, kReadOnly},
     {"readTexts", read_texts, kReadOnly},
     {"convert", convert, kReadOnly},
     {"ask", ask, kReadOnly},

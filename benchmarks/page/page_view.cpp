@@ -108,16 +108,16 @@ std::string PageView::run(const std::string& body) const {
     return result.text;
 }
 
-void PageView::evaluate(const char* script, int times) const {
-    int left = times;
-    for (int i = 0; i < times; ++i) {
+void PageView::evaluate(const std::vector<std::string>& scripts) const {
+    std::size_t left = scripts.size();
+    for (const std::string& script : scripts) {
         webkit_web_view_evaluate_javascript(
-            view_, script, -1, nullptr, nullptr, nullptr,
+            view_, script.c_str(), -1, nullptr, nullptr, nullptr,
             [](GObject* view, GAsyncResult* result, void* data) {
                 JSCValue* value = webkit_web_view_evaluate_javascript_finish(WEBKIT_WEB_VIEW(view),
                                                                              result, nullptr);
                 g_clear_object(&value);
-                --*static_cast<int*>(data);
+                --*static_cast<std::size_t*>(data);
             },
             &left);
     }

@@ -3,8 +3,8 @@
 #include <gtk/gtk.h>
 #include <webkit2/webkit2.h>
 
-#include <functional>
 #include <string>
+#include <vector>
 
 namespace kestrel::bench {
 
@@ -21,8 +21,8 @@ class PageView {
     std::string run(const std::string& body) const;
     double number(const std::string& body) const { return std::stod(run(body)); }
 
-    // Has the page evaluate `script` that often, and waits until all are done.
-    void evaluate(const char* script, int times) const;
+    // Evaluates the scripts in the page and waits until all have run.
+    void evaluate(const std::vector<std::string>& scripts) const;
 
   private:
     WebKitWebView* view_;

@@ -109,9 +109,9 @@ Measurements json_of(const std::vector<Judged>& all) {
 void write_growth(const std::filesystem::path& file, const Measurements& growth) {
     std::ofstream out(file);
     const Measurements& calls = growth["call"];
-    const Measurements& writes = growth["write"];
+    const Measurements& floors = growth["texts"];
     for (std::size_t i = 0; i < calls.size(); ++i) {
-        out << calls[i][0] << ' ' << calls[i][1] << ' ' << writes[i][1] << '\n';
+        out << calls[i][0] << ' ' << calls[i][1] << ' ' << floors[i][1] << '\n';
     }
     out.close();
     kestrel::bench::require(!out.fail(), file);

@@ -17,7 +17,7 @@ set style data linespoints
 set style line 1 linewidth 2 pointtype 7 pointsize 0.5 linecolor rgb "#1f5fa8"
 set style line 2 linewidth 2 pointtype 7 pointsize 0.5 linecolor rgb "#b35c00"
 call = "page call"
-floor = "empty native function with one write"
+floor = "JavaScriptCore's texts, one write"
 
 set output plots . "/performance-payload.svg"
 set title "Time per call by the size of the value"
