@@ -38,6 +38,7 @@ async function interleaved(subjects, rounds, measure) {
 }
 
 const CALLS = {
+  nothing: value => bench.now('k', value, 'cb'),
   call: value => external.setItem('k', value, 'cb'),
   texts: value => bench.readTexts('k', value, 'cb'),
   convert: value => bench.convert('k', value, 'cb'),
@@ -76,6 +77,17 @@ async function callFigures(rounds) {
     for (const subject in times) figures[`page_${subject}_${name}`] = times[subject];
   }
   return figures;
+}
+
+// Private memory that the extension, its connection and its first calls add.
+function memoryAdded(call) {
+  const CALL_COUNT = 100;
+  const repeat = each => { for (let i = 0; i < CALL_COUNT; ++i) each('v'); };
+  repeat(CALLS.nothing);  // memory that any script needs
+  const before = bench.privateMemory();
+  bench.load();
+  repeat(call);
+  return bench.privateMemory() - before;
 }
 
 // Page call, host's answer, the page's callback; one after the other.

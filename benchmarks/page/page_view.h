@@ -11,8 +11,8 @@ namespace kestrel::bench {
 // A web view that shows the benchmarks' page. Ends the program when its web process ends.
 class PageView {
   public:
-    // Returns when the page has loaded.
-    PageView();
+    // Returns when the page has loaded; its bench.load() loads `library`.
+    explicit PageView(const char* library);
     ~PageView();
     PageView(const PageView&) = delete;
     PageView& operator=(const PageView&) = delete;

@@ -44,7 +44,7 @@ constexpr auto kFigures = std::to_array<Figure>({
     {"constructors",                       "constructors",               "",                       {},                   none, number},
     {"attaching to a page",                "attachment",                 "",                       {},                   none},
     {"memory growth by 10,000 attachments", "attachments_bytes",         "",                       {},                   512.0 * 1024, bytes},
-    {"memory added by the extension",      "resident_bytes",             "",                       {},                   512.0 * 1024, bytes},
+    {"memory added by the extension",      "private_bytes",              "",                       {},                   512.0 * 1024, bytes},
     {"calls queued while the host pauses", "paused_calls",               "",                       {},                   none, number},
     {"of these, lost or out of order",     "paused_lost",                "",                       {},                   0.0, number},
 });

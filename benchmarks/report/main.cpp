@@ -34,7 +34,7 @@ Arguments parse(int argc, char** argv) {
 
 Measurements read_all(const std::filesystem::path& results) {
     Measurements all;
-    for (const char* subject : {"log", "frame", "page"}) {
+    for (const char* subject : {"log", "frame", "loading", "page"}) {
         std::ifstream file(results / (std::string(subject) + ".json"));
         all.update(Measurements::parse(file));
     }
