@@ -28,7 +28,7 @@ constexpr auto kFigures = std::to_array<Figure>({
     {"round trip, 4 KB",                   "trip_link_4KB",              kReply,   {"trip_script_4KB", "trip_view_4KB"}, 0.5},
     {"round trip, 1 MB",                   "trip_link_1MB",              kReply,   {"trip_script_1MB", "trip_view_1MB"}, 0.5},
     {"answers in a row, each",             "answers",                    kEvaluate, {"evaluate_javascript"},        0.7},
-    {"answers in a row, each",             "answers",                    "JSEvaluateScript and a call", {"evaluate_callback"}, 2.0},
+    {"answers in a row, each",             "answers",                    "JSEvaluateScript and a call", {"evaluate_callback"}, 2.2},
     {"script on a busy page, sent to effect", "script_busy",             "",       {},                              50e6},
     {"the same",                           "script_busy",                "the same script on a quiet page", {"script_quiet"}, none},
     {"the same, longest of all",           "script_busy_longest",        "",       {},                              500e6},
