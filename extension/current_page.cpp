@@ -7,10 +7,8 @@
 #include <vector>
 
 #include "base/never_destroyed.h"
-#include "extension/callback_evaluation.h"
 #include "extension/microtasks.h"
 #include "extension/page_globals.h"
-#include "jsapi/argument_text.h"
 
 namespace kestrel {
 namespace {
@@ -49,8 +47,6 @@ JSGlobalContextRef context_of(WebKitFrame* frame) {
 
 void set_context(JSGlobalContextRef context) {
     if (context == jsContext) return;
-    forget_named_callback();
-    if (jsContext != nullptr) forget_kept_texts(jsContext);
     const RetainedContext previous(jsContext);
     jsContext = context == nullptr ? nullptr : JSGlobalContextRetain(context);
     globalObject = context == nullptr ? nullptr : JSContextGetGlobalObject(context);

@@ -11,11 +11,11 @@
 
 #include "base/error_line.h"
 #include "common/LinuxCommonUtils.h"
+#include "extension/KsJS_proxy.h"
 #include "extension/page_attachment.h"
 #include "extension/page_globals.h"
 #include "extension/resources.h"
 #include "ipc/webkit_client.h"
-#include "jsapi/KsJS_proxy.h"
 #include "log/zynlog.h"
 #include "trace/frame_trace.h"
 

@@ -5,10 +5,10 @@
 #include <string>
 #include <string_view>
 
+#include "extension/KsJS_proxy.h"
 #include "extension/current_page.h"
 #include "extension/page_globals.h"
 #include "extension/resources.h"
-#include "jsapi/KsJS_proxy.h"
 #include "log/zynlog.h"
 
 namespace {

@@ -4,7 +4,6 @@
 #include "ipc/reader.h"
 
 #include <poll.h>
-#include <pthread.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -15,9 +14,9 @@
 #include <string>
 
 #include "base/error_line.h"
+#include "ipc/dispatch.h"
 #include "ipc/frame.h"
 #include "ipc/frame_observer.h"
-#include "ipc/incoming_message.h"
 #include "ipc/link.h"
 #include "log/zynlog.h"
 
@@ -68,6 +67,16 @@ void report_bad_header(int error) {
                "Error in reading first four ints: %s\n", reason.c_str());
 }
 
+void report_bad_payload(int error) {
+    const std::string reason = std::strerror(error);
+    error_line(
+        "webkit_client::recvMessage Error in"
+        "                                    reading in webkit_client: " +
+        reason + "\n");
+    __ZynTrace(kestrel::kLogWebkit, kestrel::kError, "", "", 0,
+               "Error in reading in webkit_client, exiting thread %s", reason.c_str());
+}
+
 bool read_header(webkit_message& header) {
     const int fd = kestrel::load_server_fd();
     std::span<char> missing(reinterpret_cast<char*>(&header), sizeof header);
@@ -90,8 +99,7 @@ bool read_header(webkit_message& header) {
     return false;
 }
 
-// Items are decoded while the host writes the rest.
-bool read_payload(std::span<char> payload, kestrel::IncomingMessage& message) {
+bool read_payload(std::span<char> payload) {
     while (!payload.empty()) {
         const ssize_t result = read_uninterrupted(kestrel::load_server_fd(), payload);
         if (result == 0) {
@@ -99,18 +107,10 @@ bool read_payload(std::span<char> payload, kestrel::IncomingMessage& message) {
             return false;
         }
         if (result < 0) {
-            const std::string reason = std::strerror(errno);
-            error_line(
-                "webkit_client::recvMessage Error in"
-                "                                    reading in webkit_client: " +
-                reason + "\n");
-            __ZynTrace(kestrel::kLogWebkit, kestrel::kError, "", "", 0,
-                       "Error in reading in webkit_client, exiting thread %s", reason.c_str());
+            report_bad_payload(errno);
             return false;
         }
-        const auto length = static_cast<std::size_t>(result);
-        message.take(payload.first(length));
-        payload = payload.subspan(length);
+        payload = payload.subspan(static_cast<std::size_t>(result));
     }
     return true;
 }
@@ -135,15 +135,18 @@ bool receive_one(webkit_message& frame) {
         return false;
     }
     frame = header;
-    kestrel::IncomingMessage message(header);
     const auto length = static_cast<std::size_t>(header.total_len_of_string);
-    if (!read_payload({kestrel::payload_begin(frame), length}, message)) return false;
+    if (!read_payload({kestrel::payload_begin(frame), length})) return false;
     kestrel::show_to_observer(kestrel::Direction::to_page, frame);
-    message.dispatch();
+    kestrel::dispatch_message(frame);
     return true;
 }
 
-void receive_until_end() {
+}  // namespace
+
+bool kestrel::on_reader_thread() { return is_reader_thread; }
+
+void kestrel::receive_until_end() {
     const kestrel::Frame buffer = make_buffer();
     if (!buffer) {
         error_line("webkit_client::recvMessage could not malloc, failing\n");
@@ -160,19 +163,4 @@ void receive_until_end() {
     is_reader_thread = true;
     while (receive_one(*buffer)) {
     }
-}
-
-}  // namespace
-
-bool kestrel::on_reader_thread() { return is_reader_thread; }
-
-void webkit_client::recvMessage() {
-    receive_until_end();
-    pthread_exit(nullptr);
-}
-
-void webkit_client::processMessage(webkit_message*& message) {
-    kestrel::IncomingMessage incoming(*message);
-    incoming.take(kestrel::payload_of(*message));
-    incoming.dispatch();
 }

@@ -15,8 +15,11 @@
 
 #include "base/error_line.h"
 #include "base/never_destroyed.h"
-#include "ipc/frame.h"
+#include "ipc/dispatch.h"
+#include "ipc/frame_builder.h"
 #include "ipc/link.h"
+#include "ipc/reader.h"
+#include "ipc/send.h"
 #include "log/zynlog.h"
 
 using kestrel::error_line;
@@ -148,6 +151,19 @@ void* webkit_client::sinitComm(void* socket_path) {
     lock.unlock();
     signal.notify_one();
     recvMessage();
+}
+
+void webkit_client::recvMessage() {
+    kestrel::receive_until_end();
+    pthread_exit(nullptr);
+}
+
+void webkit_client::processMessage(webkit_message*& message) {
+    kestrel::dispatch_message(*message);
+}
+
+void webkit_client::sendMessage(webkit_message*& message) {
+    if (message != nullptr) kestrel::send(*message);  // wrapMessage has said why it is null
 }
 
 void webkit_client::deinitComm() {

@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "base/error_line.h"
-#include "jsapi/KsJS_proxy.h"
 #include "jsapi/ascii_to_utf16.h"
 #include "jsapi/utf16_to_utf8.h"
 
@@ -52,11 +51,14 @@ ScriptString text_of(JSContextRef context, JSValueRef value) {
     return text;
 }
 
-std::size_t utf8_room(JSStringRef text) { return JSStringGetLength(text) * kMaxBytesOfUnit; }
+std::size_t utf8_room(JSStringRef text) {
+    return text == nullptr ? 0 : JSStringGetLength(text) * kMaxBytesOfUnit;
+}
 
-std::size_t utf8_size(JSStringRef text) { return utf8_size(units_of(text)); }
+std::size_t utf8_size(JSStringRef text) { return text == nullptr ? 0 : utf8_size(units_of(text)); }
 
 char* write_utf8(JSStringRef text, char* to) {
+    if (text == nullptr) return to;
     const std::size_t units = JSStringGetLength(text);
     if (units > kUnitsNotWorthACopy) return write_utf8(units_of(text), to);
     *to = '\0';  // for a text that cannot be converted at all
@@ -64,17 +66,16 @@ char* write_utf8(JSStringRef text, char* to) {
     return to + std::strlen(to);
 }
 
-}  // namespace kestrel
-
-void KsJS_proxy::getStringFromJavascriptRef(JSContextRef context, JSValueRef value,
-                                            std::string& text) {
-    const kestrel::ScriptString source = kestrel::text_of(context, value);
+void read_text(JSContextRef context, JSValueRef value, std::string& text) {
+    const ScriptString source = text_of(context, value);
     if (!source) return;
-    text.resize(kestrel::utf8_room(source.get()) + 1);
-    text.resize(
-        static_cast<std::size_t>(kestrel::write_utf8(source.get(), text.data()) - text.data()));
+    text.resize(utf8_room(source.get()) + 1);
+    const char* const end = write_utf8(source.get(), text.data());
+    text.resize(static_cast<std::size_t>(end - text.data()));
 }
 
-void KsJS_proxy::traceExceptionJS(JSContextRef context, JSValueRef exception) {
-    if (exception != nullptr) kestrel::text_of(context, exception);
+void check_exception(JSContextRef context, JSValueRef exception) {
+    if (exception != nullptr) text_of(context, exception);
 }
+
+}  // namespace kestrel

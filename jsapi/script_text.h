@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <string>
 #include <type_traits>
 
 namespace kestrel {
@@ -22,8 +23,15 @@ ScriptString make_script_string(const char* utf8);
 // script of the page's.
 ScriptString text_of(JSContextRef context, JSValueRef value);
 
-// How many bytes `text` takes as UTF-8, up to its first U+0000 or unpaired surrogate: no more than
-// that many, known at once, and exactly, which takes a look at all of it.
+// The same as UTF-8, cut at its first U+0000 or unpaired surrogate. `text` stays as it was when the
+// conversion throws.
+void read_text(JSContextRef context, JSValueRef value, std::string& text);
+
+// Writes an error line if `exception`, null for none, has no text; otherwise nothing.
+void check_exception(JSContextRef context, JSValueRef exception);
+
+// How many bytes `text`, null for "", takes as UTF-8 up to its first U+0000 or unpaired surrogate:
+// an upper bound that is known at once, and the exact number, which needs a pass over the text.
 std::size_t utf8_room(JSStringRef text);
 std::size_t utf8_size(JSStringRef text);
 

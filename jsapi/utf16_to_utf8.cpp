@@ -48,7 +48,7 @@ struct Character {
 };
 
 // What `text`, which is not empty, begins with.
-Character first_character(std::span<const char16_t> text) {
+Character decode_front(std::span<const char16_t> text) {
     const char16_t unit = text[0];
     if (unit == 0) return {0, 0, 0};
     if (unit < 0x80) return {1, 1, unit};
@@ -89,7 +89,7 @@ template <typename Take>
 bool for_each_of_block(std::span<const char16_t>& text, Take take) {
     const std::size_t rest = text.size() > kBlock ? text.size() - kBlock : 0;
     while (text.size() > rest) {
-        const Character character = first_character(text);
+        const Character character = decode_front(text);
         if (character.units == 0) return false;
         take(character);
         text = text.subspan(character.units);

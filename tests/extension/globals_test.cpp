@@ -7,8 +7,8 @@
 #include <cstdio>
 #include <string>
 
+#include "extension/KsJS_proxy.h"
 #include "extension/page_globals.h"
-#include "jsapi/KsJS_proxy.h"
 #include "tests/support/script_context.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <map>
 #include <memory>
 
-#include "jsapi/KsJS_proxy.h"
+#include "extension/KsJS_proxy.h"
 
 namespace kestrel::testing {
 namespace {

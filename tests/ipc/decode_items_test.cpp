@@ -5,6 +5,8 @@
 #include <climits>
 
 #include "ipc/frame.h"
+#include "ipc/frame_builder.h"
+#include "ipc/items.h"
 #include "tests/ipc/message_block.h"
 #include "tests/support/frame_bytes.h"
 

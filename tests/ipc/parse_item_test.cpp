@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <utility>
 
-#include "ipc/frame.h"
+#include "ipc/items.h"
 #include "ipc/webkit_util.h"
 
 namespace kestrel::testing {

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "ipc/frame.h"
+#include "ipc/frame_builder.h"
 #include "ipc/webkit_util.h"
 #include "tests/ipc/memory_limit.h"
 #include "tests/support/frame_bytes.h"

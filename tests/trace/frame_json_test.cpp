@@ -8,6 +8,7 @@
 #include <ctime>
 
 #include "ipc/frame.h"
+#include "ipc/frame_builder.h"
 #include "tests/trace/json_object.h"
 #include "trace/time_text.h"
 

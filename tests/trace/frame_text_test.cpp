@@ -5,6 +5,7 @@
 #include <array>
 
 #include "ipc/frame.h"
+#include "ipc/frame_builder.h"
 
 namespace kestrel::testing {
 namespace {
