@@ -1,5 +1,4 @@
-// The exported members behind the functions of `external`. A page function is complete with its
-// row in the method table; these exist for programs that call them by name.
+// The exported members behind the functions of `external`, for programs that call them by name.
 #include "extension/KsJS_proxy.h"
 #include "jsapi/page_method.h"
 

@@ -38,7 +38,7 @@ std::vector<AttachedPage>& attached_pages() {
 
 constinit std::atomic<PageId> current_id = 0;
 
-// The plain function interface of the API; its replacement returns a JSC object we have no use for.
+// Deprecated for a function that returns a JSC object, which we do not need.
 JSGlobalContextRef context_of(WebKitFrame* frame) {
     G_GNUC_BEGIN_IGNORE_DEPRECATIONS
     return webkit_frame_get_javascript_global_context(frame);

@@ -34,8 +34,9 @@ JSValueRef evaluate(JSContextRef context, const std::string& text) {
     return result;
 }
 
-// Script values of an answer's arguments. On the stack, where this object has to be, the collector
-// finds them by itself; on the heap they are protected, which takes more time than to make them.
+// Script values of an answer's arguments. A few are kept in this object, which must be on the
+// stack, where the collector finds them; more are kept on the heap and protected, which costs more
+// than creating them.
 class ScriptStrings {
   public:
     ScriptStrings(JSContextRef context, std::span<const std::string> texts) : context_(context) {
@@ -97,7 +98,7 @@ void kestrel::run_script_in(PageId page, const std::string& script) {
     }
 }
 
-// The address sanitizer moves what is on the stack to where the collector does not look.
+// The address sanitizer moves locals to where the collector does not look.
 [[gnu::no_sanitize_address]] void kestrel::deliver_answer(const Answer& answer) {
     const RetainedContext page = current_page_context();
     const JSGlobalContextRef context = page.get();

@@ -17,11 +17,10 @@
 namespace {
 
 // Up to this size the kernel queues a frame whole or not at all; beyond it, a signal handler could
-// cut the write short half-way.
+// cut the write short.
 constexpr std::size_t kIndivisibleWrite = 32'768;
 
-// One write. MSG_NOSIGNAL turns a peer that has gone into EPIPE without touching the process's
-// SIGPIPE disposition.
+// MSG_NOSIGNAL: EPIPE instead of SIGPIPE, whose disposition belongs to the process.
 ssize_t write_once(int fd, std::span<const char> bytes) {
     ssize_t written = 0;
     do {

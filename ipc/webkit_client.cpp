@@ -45,7 +45,7 @@ void ask_for_send_buffer(int fd) {
     setsockopt(fd, SOL_SOCKET, SO_SNDBUF, &kestrel::kSendBuffer, sizeof kestrel::kSendBuffer);
 }
 
-// The kernel knows Unix addresses of up to 110 bytes; `path` has been checked to fit.
+// `path` has been checked to fit.
 sockaddr_un address_of(const char* path) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
@@ -53,8 +53,8 @@ sockaddr_un address_of(const char* path) {
     return address;
 }
 
-// The socket does not block yet: a host whose queue is full would make connect wait, and a page
-// call with it for the lock. So this waits without the lock until there is room.
+// The socket is still non-blocking: with a full queue of the host, connect would block, and page
+// calls would wait for the lock. This waits for room without the lock.
 bool connect_once(int fd, const sockaddr_un& address, std::unique_lock<std::mutex>& sending) {
     while (connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == -1) {
         if (errno == EAGAIN) {
@@ -69,8 +69,8 @@ bool connect_once(int fd, const sockaddr_un& address, std::unique_lock<std::mute
     return true;
 }
 
-// Takes the lock for each attempt and keeps it on success, so that no other sender's frame can
-// reach the host before the announcement does.
+// Takes the lock for each attempt and keeps it on success, so that no other frame is sent before
+// the announcement.
 bool connect_with_retries(int fd, const sockaddr_un& address,
                           std::unique_lock<std::mutex>& sending) {
     sending.lock();

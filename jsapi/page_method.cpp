@@ -52,7 +52,7 @@ ReadArguments read_arguments(const PageMethod& method, JSContextRef context,
     return read;
 }
 
-// Wraps around, as 32-bit registers do.
+// Wraps around.
 std::int32_t difference(std::int32_t minuend, std::int32_t subtrahend) {
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(minuend) -
                                      static_cast<std::uint32_t>(subtrahend));

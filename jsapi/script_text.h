@@ -13,14 +13,14 @@ struct ScriptStringDeleter {
     void operator()(JSStringRef string) const { JSStringRelease(string); }
 };
 
-// A script string of ours.
+// An owned script string.
 using ScriptString = std::unique_ptr<std::remove_pointer_t<JSStringRef>, ScriptStringDeleter>;
 
-// Of a text that ends with its NUL.
+// From NUL-terminated UTF-8.
 ScriptString make_script_string(const char* utf8);
 
-// The text of `value` as script would show it; null, after an error line, if that throws. May run
-// script of the page's.
+// `value` converted to a string by script's rules; null, after an error line, if that throws. May
+// run the page's script.
 ScriptString text_of(JSContextRef context, JSValueRef value);
 
 // The same as UTF-8, cut at its first U+0000 or unpaired surrogate. `text` stays as it was when the
@@ -35,8 +35,8 @@ void check_exception(JSContextRef context, JSValueRef exception);
 std::size_t utf8_room(JSStringRef text);
 std::size_t utf8_size(JSStringRef text);
 
-// Writes those bytes to `to`; returns their end. There must be utf8_room and one byte more, or
-// utf8_size and kUtf8Slack.
+// Writes those bytes to `to` and returns their end. Needs utf8_room and one byte more, or utf8_size
+// and kUtf8Slack.
 char* write_utf8(JSStringRef text, char* to);
 
 }  // namespace kestrel

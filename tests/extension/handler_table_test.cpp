@@ -8,7 +8,7 @@
 namespace kestrel::testing {
 namespace {
 
-TEST(HandlerTable, HoldsTheThreeHandlersAtTheirTypes) {
+TEST(HandlerTable, HoldsThreeHandlersByType) {
     const std::map<std::size_t, webkit_client::InboundHandler> handlers{
         {0, KsJS_proxy::insertJS},
         {1, KsJS_proxy::zyns_cb_wrapper},

@@ -33,7 +33,7 @@ class PageAttachment : public PageGlue {
     WebKitScriptWorld* world = webkit_script_world_get_default();
 };
 
-TEST_F(PageAttachment, GivesTheMainFrameTheApi) {
+TEST_F(PageAttachment, AddsTheApiToTheMainFrame) {
     const FakePage page(main, first.get());
     attach(page);
     EXPECT_EQ(web_frame, page.frame());
@@ -54,7 +54,7 @@ TEST_F(PageAttachment, LogsTheVersionOfWebKit) {
     EXPECT_EQ(logged(), std::vector<LogLine>({{29, kInfo, line}}));
 }
 
-TEST_F(PageAttachment, GivesOtherFramesNothing) {
+TEST_F(PageAttachment, IgnoresSubframes) {
     const FakePage page(main, first.get());
     const FakePage framed(other, second.get());
     attach(page);
@@ -77,7 +77,7 @@ TEST_F(PageAttachment, HoldsTheFrameWhileThePageLives) {
     EXPECT_FALSE(page.is_frame_held());
 }
 
-TEST_F(PageAttachment, GivesTheGlobalsToThePageThatIsCurrent) {
+TEST_F(PageAttachment, SetsTheGlobalsToTheCurrentPage) {
     FakePage opener(main, first.get());
     FakePage popup(main, second.get());
     attach(opener);
@@ -174,7 +174,7 @@ TEST_F(PageAttachment, ReleasesAPageThatHasClosed) {
     EXPECT_TRUE(was_collected);
 }
 
-TEST_F(PageAttachment, HandsWaitingResourcesToTheNextPageOnly) {
+TEST_F(PageAttachment, ConsumesTheResources) {
     const FakePage page(main, first.get());
     set_resources("{title: 'h\u00e9'}");
     attach(page);
@@ -188,7 +188,7 @@ TEST_F(PageAttachment, HandsWaitingResourcesToTheNextPageOnly) {
     EXPECT_EQ(second.text_of("typeof external + typeof ZYNS"), "objectundefined");
 }
 
-TEST_F(PageAttachment, TakesTheResourcesAsAnExpression) {
+TEST_F(PageAttachment, EvaluatesTheResourcesAsAnExpression) {
     set_resources("[ZYNS === window.ZYNS, typeof external].join()");
     attach(FakePage(main, first.get()));
     EXPECT_EQ(first.text_of("ZYNS.getResources()"), "true,object");
@@ -196,14 +196,14 @@ TEST_F(PageAttachment, TakesTheResourcesAsAnExpression) {
     EXPECT_EQ(errors.text(), "");
 }
 
-TEST_F(PageAttachment, KeepsANamespaceThatIsThere) {
+TEST_F(PageAttachment, KeepsAnExistingNamespace) {
     first.text_of("ZYNS = {own: 1}");
     set_resources("{}");
     attach(FakePage(main, first.get()));
     EXPECT_EQ(first.text_of("Object.keys(ZYNS).join()"), "own,getLocale,getResources");
 }
 
-TEST_F(PageAttachment, ReportsResourcesThatAreNoExpression) {
+TEST_F(PageAttachment, ReportsResourcesWithASyntaxError) {
     set_resources("{title:");
     attach(FakePage(main, first.get()));
     EXPECT_EQ(errors.text(), kScriptFailed);
@@ -211,7 +211,7 @@ TEST_F(PageAttachment, ReportsResourcesThatAreNoExpression) {
     EXPECT_STREQ(g_resources, "");
 }
 
-TEST_F(PageAttachment, IsFollowedByScriptsAndAnswers) {
+TEST_F(PageAttachment, LetsScriptsAndAnswersRun) {
     const FakePage page(main, first.get());
     attach(page);
     insert("where = 'first'");
@@ -221,7 +221,7 @@ TEST_F(PageAttachment, IsFollowedByScriptsAndAnswers) {
 }
 
 // No new window object is announced when a page comes back from WebKit's cache.
-TEST_F(PageAttachment, HoldsForWhateverTheFrameShows) {
+TEST_F(PageAttachment, FollowsTheFrameToAnotherContext) {
     const FakePage page(main, first.get());
     attach(page);
     page.show(second.get());
@@ -232,7 +232,7 @@ TEST_F(PageAttachment, HoldsForWhateverTheFrameShows) {
     EXPECT_EQ(globalObject, second.global());
 }
 
-TEST_F(PageAttachment, EndsWhenTheFrameShowsNothing) {
+TEST_F(PageAttachment, EndsWhenTheFrameHasNoContext) {
     const FakePage page(main, first.get());
     attach(page);
     page.show(nullptr);
