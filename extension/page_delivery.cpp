@@ -72,7 +72,7 @@ void kestrel::run_script(const std::string& script) {
     }
     const JSContextRef context = page.get();
     JSValueRef exception = nullptr;
-    const JSObjectRef function = make_function(context, script, exception);
+    const JSObjectRef function = make_function(context, script.c_str(), exception);
     KsJS_proxy::traceExceptionJS(context, exception);
     const JSValueRef result =
         function == nullptr
