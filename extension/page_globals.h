@@ -11,7 +11,7 @@
 
 #pragma GCC visibility push(default)
 
-// The main frame last attached. Retained while they are the current ones.
+// The current page's, see current_page.h; null while there is none.
 extern WebKitFrame* web_frame;
 extern WebKitScriptWorld* web_world;
 extern JSGlobalContextRef jsContext;
@@ -33,7 +33,7 @@ extern "C" {
 
 extern std::string fileURL;
 
-// jsContext: null until a page is attached. Main thread.
+// jsContext. Main thread.
 JSGlobalContextRef getJsContext();
 
 // Passes a printf format and its arguments on to syslog at LOG_DEBUG. Any thread.
