@@ -51,8 +51,8 @@ std::string answer_with(const std::string& key) {
     return kestrel::testing::frame_bytes(1, {}, {"(() => answered(" + key + "))"});
 }
 
-// As a host with a main loop: never waits in a write, and goes on with what the socket did not take
-// and what has been queued meanwhile.
+// As a host with a main loop: never waits in a write, and writes the bytes that the socket did not
+// take together with answers queued since.
 bool flood(int fd, int count) {
     std::string queue;
     for (int key = 0; key < count || !queue.empty();) {
