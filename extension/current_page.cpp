@@ -50,7 +50,7 @@ void set_context(JSGlobalContextRef context) {
     const RetainedContext previous(jsContext);
     jsContext = context == nullptr ? nullptr : JSGlobalContextRetain(context);
     globalObject = context == nullptr ? nullptr : JSContextGetGlobalObject(context);
-    set_microtask_context(context);
+    forget_microtask_context();
 }
 
 void set_globals() {

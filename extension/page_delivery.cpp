@@ -80,7 +80,7 @@ void kestrel::run_script(const std::string& script) {
     }
     const JSContextRef context = page.get();
     JSValueRef exception = nullptr;
-    const JSObjectRef function = make_function(context, script, exception);
+    const JSObjectRef function = make_function(context, script.c_str(), exception);
     check_exception(context, exception);
     const JSValueRef result =
         function == nullptr

@@ -32,7 +32,7 @@ extern "C" {
 
 extern std::string fileURL;
 
-// jsContext: null until a page is attached. Main thread.
+// jsContext. Main thread.
 JSGlobalContextRef getJsContext();
 
 // Writes a line to syslog at LOG_DEBUG, as printf. Any thread.

@@ -44,10 +44,10 @@ ssize_t read_uninterrupted(int fd, std::span<char> buffer) {
 // Whether there is something to read before the deadline, be it an error or the end.
 bool is_readable_until(int fd, steady_clock::time_point deadline) {
     for (;;) {
-        const auto left =
-            std::chrono::ceil<std::chrono::milliseconds>(deadline - steady_clock::now());
+        const auto left = std::max(deadline - steady_clock::now(), steady_clock::duration::zero());
+        const auto milliseconds = std::chrono::ceil<std::chrono::milliseconds>(left).count();
         pollfd readable{fd, POLLIN, 0};
-        const int ready = poll(&readable, 1, static_cast<int>(std::max(left.count(), 0L)));
+        const int ready = poll(&readable, 1, static_cast<int>(milliseconds));
         if (ready != -1 || errno != EINTR) return ready != 0;
     }
 }

@@ -51,6 +51,13 @@ TEST_F(Script, IgnoresInvalidUtf8) {
     EXPECT_EQ(errors.text(), "");
 }
 
+TEST_F(Script, EndsAtItsFirstNul) {
+    using namespace std::string_literals;
+    insert("done = 1\0 + 1"s);
+    EXPECT_EQ(page.text_of("done"), "1");
+    EXPECT_EQ(errors.text(), "");
+}
+
 TEST_F(Script, ReportsTextThatClosesItsFunction) {
     for (const char* script :
          {"}), (done = 1), (function() {", "}, done() {", "}, function() {", "} + function() {",
