@@ -2,16 +2,15 @@
 // wire.
 #include <gtk/gtk.h>
 
-#include <clocale>
 #include <csignal>
 #include <cstdlib>
 #include <iostream>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "log/zynlog.h"
+#include "program/language.h"
 #include "program/translation.h"
 #include "workbench/restart.h"
 #include "workbench/workbench.h"
@@ -24,12 +23,8 @@ constexpr int kUsageStatus = 2;
 // thread yet.
 void set_up_environment(const kestrel::Options& options, const kestrel::PrivateHome& home) {
     setenv("HOME", home.path().c_str(), 1);
-    if (options.locale.empty()) return;
-    setenv("LANGUAGE", options.locale.c_str(), 1);
-    // The C locale has no catalogues, whatever the language.
-    if (std::string_view(std::setlocale(LC_MESSAGES, nullptr)) == "C") {
-        setenv("LC_ALL", "C.UTF-8", 1);
-    }
+    // The client's directory is open to web processes in their sandbox.
+    if (!options.locale.empty()) kestrel::use_language(options.locale, home.client_directory());
 }
 
 struct Outcome {

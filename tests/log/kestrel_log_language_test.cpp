@@ -3,13 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <ostream>
 #include <string>
 #include <vector>
 
+#include "program/language.h"
 #include "tests/log/machine.h"
 #include "tests/log/program.h"
 
@@ -22,8 +22,7 @@ using testing::HasSubstr;
 using testing::Not;
 
 void speak(const std::string& language) {
-    setenv("LC_ALL", "C.UTF-8", 1);
-    setenv("LANGUAGE", language.c_str(), 1);
+    kestrel::use_language(language, kestrel::testing::home());
 }
 
 struct Refusal {

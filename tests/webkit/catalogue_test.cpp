@@ -2,6 +2,7 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "program/language.h"
 #include "tests/support/temporary_directory.h"
 #include "tests/webkit/store_fixture.h"
 
@@ -21,7 +22,7 @@ TEST_F(StoreTest, TakesTheLocaleFromACompiledCatalogue) {
     const TemporaryDirectory root;
     compile_catalogue(root.path(), "de");
     compile_catalogue(root.path(), "fr");
-    setenv("LANGUAGE", "fr:de", 1);
+    use_language("fr:de", client_directory());
     host.listen();
     StoreView store(root.path(), "{}");
     store.load("");
@@ -31,7 +32,7 @@ TEST_F(StoreTest, TakesTheLocaleFromACompiledCatalogue) {
 TEST_F(StoreTest, FallsBackToEnglishForALanguageWithoutACatalogue) {
     const TemporaryDirectory root;
     compile_catalogue(root.path(), "de");
-    setenv("LANGUAGE", "fr", 1);
+    use_language("fr", client_directory());
     host.listen();
     StoreView store(root.path(), "{}");
     store.load("");
