@@ -1,12 +1,16 @@
 // A host in which store pages are developed: shows one, answers it, and shows what goes over the
 // wire.
 #include <gtk/gtk.h>
+#include <pwd.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "log/zynlog.h"
@@ -25,6 +29,17 @@ void set_up_environment(const kestrel::Options& options, const kestrel::PrivateH
     setenv("HOME", home.path().c_str(), 1);
     // The client's directory is open to web processes in their sandbox.
     if (!options.locale.empty()) kestrel::use_language(options.locale, home.client_directory());
+}
+
+// GLib keeps the first home directory that it sees, and WebKit crashes when that is missing.
+void ensure_home_directory() {
+    const auto is_usable = [](const char* path) {
+        std::error_code error;
+        return path != nullptr && *path == '/' && std::filesystem::is_directory(path, error);
+    };
+    if (is_usable(std::getenv("HOME"))) return;
+    const passwd* const user = getpwuid(getuid());
+    setenv("HOME", user != nullptr && is_usable(user->pw_dir) ? user->pw_dir : "/", 1);
 }
 
 struct Outcome {
@@ -61,6 +76,7 @@ int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);  // whoever reads the transcript may leave before us
     const std::vector<std::string> arguments(argv, argv + argc);
     const std::vector<std::string> environment = kestrel::copy_of_environment();
+    ensure_home_directory();
     try {
         const kestrel::Options options = kestrel::parse_options(argc, argv);
         if (options.show_version) {

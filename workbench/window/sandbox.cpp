@@ -2,7 +2,9 @@
 
 #include <glib.h>
 
+#include <algorithm>
 #include <array>
+#include <string_view>
 
 namespace kestrel {
 
@@ -16,6 +18,12 @@ bool can_make_sandbox() {
     return g_spawn_sync(nullptr, argv.data(), nullptr, flags, nullptr, nullptr, nullptr, nullptr,
                         &status, nullptr) != FALSE &&
            g_spawn_check_wait_status(status, nullptr) != FALSE;
+}
+
+bool sandbox_hides(const std::string& path) {
+    constexpr std::array<std::string_view, 5> kOwn = {"/dev/", "/proc/", "/sys/", "/var/run/",
+                                                      "/var/tmp/"};
+    return std::ranges::any_of(kOwn, [&](std::string_view own) { return path.starts_with(own); });
 }
 
 }  // namespace kestrel
