@@ -84,14 +84,10 @@ Workbench::~Workbench() {
 
 bool Workbench::has_sandbox(const std::string& home) const {
     if (!options_.has_sandbox) return false;
-    for (const std::string& path : {options_.extension_directory, install_root_, home}) {
-        if (!sandbox_hides(path)) continue;
-        transcript_.note("no sandbox: it would hide " + path);
-        return false;
-    }
-    const bool can = can_make_sandbox();
-    if (!can) transcript_.note("no sandbox: this machine does not let us make one");
-    return can;
+    const std::string obstacle =
+        sandbox_obstacle(home, {options_.extension_directory, install_root_, home});
+    if (!obstacle.empty()) transcript_.note("no sandbox: " + obstacle);
+    return obstacle.empty();
 }
 
 PageView::Events Workbench::view_events() {
