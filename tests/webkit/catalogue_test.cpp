@@ -13,8 +13,8 @@ namespace {
 void compile_catalogue(const std::string& root, const std::string& language) {
     const std::string directory = root + "/nls/" + language + "/LC_MESSAGES";
     std::filesystem::create_directories(directory);
-    const std::string command = "msgfmt --check --output-file=" + directory +
-                                "/kestrel.mo " EXAMPLE_CATALOGUES "/" + language + ".po";
+    const std::string command = "msgfmt --check --output-file='" + directory +
+                                "/kestrel.mo' '" EXAMPLE_CATALOGUES "/" + language + ".po'";
     ASSERT_EQ(std::system(command.c_str()), 0);
 }
 
