@@ -27,6 +27,8 @@ constexpr int kUsageStatus = 2;
 // thread yet.
 void set_up_environment(const kestrel::Options& options, const kestrel::PrivateHome& home) {
     setenv("HOME", home.path().c_str(), 1);
+    // Mesa's threads would write there while it is being removed.
+    setenv("MESA_SHADER_CACHE_DISABLE", "true", 0);
     // The client's directory is open to web processes in their sandbox.
     if (!options.locale.empty()) kestrel::use_language(options.locale, home.client_directory());
 }
