@@ -58,7 +58,7 @@ Workbench::Workbench(const Options& options, const PrivateHome& home, Transcript
              .install_root = install_root_,
              .home = home.path(),
              .resources = options.resources,
-             .has_sandbox = has_sandbox()},
+             .has_sandbox = has_sandbox(home.path())},
             view_events()),
       desktop_(make_desktop()),
       services_{options.page_uri, database_, apps_, requests_, *desktop_, icon_uri},
@@ -82,11 +82,12 @@ Workbench::~Workbench() {
     transcript_.log_to(nullptr);
 }
 
-bool Workbench::has_sandbox() const {
+bool Workbench::has_sandbox(const std::string& home) const {
     if (!options_.has_sandbox) return false;
-    const bool can = can_make_sandbox();
-    if (!can) transcript_.note("no sandbox: this machine does not let us make one");
-    return can;
+    const std::string obstacle =
+        sandbox_obstacle(home, {options_.extension_directory, install_root_, home});
+    if (!obstacle.empty()) transcript_.note("no sandbox: " + obstacle);
+    return obstacle.empty();
 }
 
 PageView::Events Workbench::view_events() {

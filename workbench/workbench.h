@@ -43,7 +43,7 @@ class Workbench {
         void operator()(GtkWidget* widget) const { gtk_widget_destroy(widget); }
     };
 
-    bool has_sandbox() const;
+    bool has_sandbox(const std::string& home) const;
     PageView::Events view_events();
     std::unique_ptr<Desktop> make_desktop();
     std::unique_ptr<PageCheck> make_check() const;

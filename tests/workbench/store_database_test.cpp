@@ -1,5 +1,6 @@
 #include "workbench/desktop/store_database.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <spawn.h>
 #include <sys/resource.h>
@@ -11,6 +12,7 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 
 #include "tests/support/file_content.h"
 #include "tests/support/temporary_directory.h"
@@ -148,6 +150,38 @@ TEST_F(StoreDatabaseTest, KeepsOneOrderWhileTwoProcessesCreateAndChangeIt) {
         const std::string number = std::to_string(kCount - 1 - index);
         EXPECT_EQ(ids[static_cast<std::size_t>(index)], "one" + number);
         EXPECT_EQ(ids[static_cast<std::size_t>(kCount + index)], "two" + number);
+    }
+}
+
+// A process that opens the database when the pipe's writing end is closed.
+pid_t open_when_closed(const std::array<int, 2>& pipe, const std::string& path) {
+    const pid_t pid = fork();
+    if (pid != 0) return pid;
+    close(pipe[1]);
+    char byte = 0;
+    if (read(pipe[0], &byte, 1) != 0) _exit(EXIT_FAILURE);
+    try {
+        const StoreDatabase database(path);
+    } catch (const DatabaseError& error) {
+        std::cerr << error.what() << '\n';
+        _exit(EXIT_FAILURE);
+    }
+    _exit(EXIT_SUCCESS);
+}
+
+TEST_F(StoreDatabaseTest, IsCreatedBySeveralProcessesAtOnce) {
+    constexpr int kRounds = 50;
+    for (int round = 0; round < kRounds; ++round) {
+        path = directory.path() + "/" + std::to_string(round);
+        std::array<int, 2> start{};
+        ASSERT_EQ(pipe2(start.data(), O_CLOEXEC), 0);
+        std::array<pid_t, 4> processes{};
+        for (pid_t& process : processes) {
+            process = open_when_closed(start, path);
+        }
+        close(start[1]);
+        close(start[0]);
+        for (const pid_t process : processes) EXPECT_TRUE(ends_well(process));
     }
 }
 

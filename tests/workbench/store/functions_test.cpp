@@ -10,6 +10,7 @@
 #include "tests/workbench/program.h"
 #include "tests/workbench/store/store_file.h"
 #include "workbench/desktop/desktop.h"
+#include "workbench/desktop/glib_handles.h"
 
 namespace kestrel::testing {
 namespace {
@@ -38,7 +39,8 @@ std::string without(std::string text, const std::string& start, const std::strin
 // Without what is another on each computer.
 std::string normalised(std::string text) {
     const Account account = local_account();
-    text = replaced(text, "file://" STORE, "file:///store");
+    text =
+        replaced(text, GlibText(g_filename_to_uri(STORE, nullptr, nullptr)).get(), "file:///store");
     text = replaced(text, R"("version":")" WORKBENCH_VERSION "\"", R"("version":"0")");
     text = replaced(text, R"("user":")" + account.user + "\"", R"("user":"robin")");
     text = replaced(text, "\"" + account.name + "\"", R"("Robin Example")");
