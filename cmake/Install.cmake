@@ -7,7 +7,6 @@ set(public_headers
   ipc/protocol.h
   ipc/webkit_client.h
   ipc/webkit_util.h
-  jsapi/KsJS_proxy.h
   log/zynlog.h
   log/zynlog_config.h
   log/zynlog_paths.h)
@@ -16,6 +15,9 @@ foreach(header IN LISTS public_headers)
   install(FILES ${header}
           DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${PROJECT_NAME}/${folder})
 endforeach()
+# Its installed path does not follow the source folder.
+install(FILES extension/KsJS_proxy.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${PROJECT_NAME}/jsapi)
 
 # Alone in its directory: WebKit loads every library that it finds there. It stays a module, without
 # soname: programs that link it name the file and its directory, as the pkg-config file does.

@@ -13,8 +13,8 @@ namespace kestrel::logging {
 // `page` begins a page; `size` bytes at `substitute`, a page at most, must stay as they are.
 void set_sigbus_guard(void* page, const void* substitute, std::size_t size);
 
-// Whether the substitute has taken the page's place since the guard was set. What a thread writes
-// to the page before it gets false has not gone to the substitute. Any thread.
+// Whether the substitute has replaced the page since the guard was set. Bytes that a thread wrote
+// to the page before it gets false have not gone to the substitute. Any thread.
 bool has_substitute();
 
 // Gives the signal back, unless somebody else has taken it since.

@@ -33,7 +33,7 @@ void open_settings() {
                      : formatted(translate("cannot open the settings at %s"), path.c_str()));
 }
 
-// Takes what a call that sets something has returned.
+// Throws unless a call that sets something has returned success.
 void expect_set(int result) {
     if (result == 1) return;
     throw std::runtime_error(formatted(translate("cannot change the settings at %s: the file was "

@@ -6,6 +6,8 @@
 #include <memory>
 #include <utility>
 
+#include "ipc/frame_builder.h"
+#include "ipc/items.h"
 #include "workbench/answers/answer.h"
 #include "workbench/answers/request.h"
 

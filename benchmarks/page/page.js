@@ -191,7 +191,7 @@ const LOADS = {
   channel: () => again(channel, 5),
 };
 
-// The main thread has no rest until calmDown.
+// Keeps the main thread busy until calmDown.
 function keepBusy(load) {
   isBusy = true;
   LOADS[load]();

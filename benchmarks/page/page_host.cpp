@@ -9,6 +9,7 @@
 
 #include "benchmarks/unix_socket.h"
 #include "ipc/frame.h"
+#include "ipc/frame_builder.h"
 
 namespace kestrel::bench {
 namespace {

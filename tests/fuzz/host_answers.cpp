@@ -15,6 +15,7 @@
 #include <string_view>
 #include <utility>
 
+#include "ipc/items.h"
 #include "tests/fuzz/check.h"
 #include "tests/fuzz/fake_machine.h"
 #include "tests/fuzz/input.h"

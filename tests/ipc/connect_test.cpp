@@ -94,7 +94,7 @@ TEST_F(ConnectTest, SendsFromAnyThreadOnceConnected) {
 }
 
 // Sends as soon as the connection stands, so that the announcement would be overtaken if it could.
-TEST_F(ConnectTest, NoFrameComesBeforeTheAnnouncement) {
+TEST_F(ConnectTest, SendsNothingBeforeTheAnnouncement) {
     const ListeningHost host(path);
     for (int round = 0; round < 50; ++round) {
         std::promise<void> watching;
@@ -136,7 +136,7 @@ TEST_F(ConnectTest, NotifiesAWaiterOnceTheAnnouncementIsSent) {
     connection.read_frame();
 }
 
-TEST_F(ConnectTest, KeepsItsSocketFromProgramsThatItStarts) {
+TEST_F(ConnectTest, ClosesItsSocketOnExec) {
     const ListeningHost host(path);
     start_link();
     const HostEnd connection = host.accept();
@@ -146,7 +146,7 @@ TEST_F(ConnectTest, KeepsItsSocketFromProgramsThatItStarts) {
 }
 
 // The kernel doubles what it grants, for its own records.
-TEST_F(ConnectTest, HasAsLargeASendBufferAsItWantsAndTheSystemAllows) {
+TEST_F(ConnectTest, GetsTheRequestedSendBufferUpToTheSystemLimit) {
     const ListeningHost host(path);
     start_link();
     const HostEnd connection = host.accept();
@@ -187,7 +187,7 @@ TEST_F(ConnectTest, AHostThatHasGoneEndsTheReaderAndLeavesTheDescriptor) {
     EXPECT_EQ(errors.text(), "");
 }
 
-TEST_F(ConnectTest, ConnectsToAPathOfTheGreatestLength) {
+TEST_F(ConnectTest, AcceptsTheLongestPath) {
     const std::string longest = path_of_length(107);
     const ListeningHost host(longest);
     start_link(longest);

@@ -42,7 +42,7 @@ class InterruptedSendTest : public ::testing::Test {
     LinkPeer host;
 };
 
-TEST_F(InterruptedSendTest, ALargeFrameIsNotCutShort) {
+TEST_F(InterruptedSendTest, SendsALargeFrameWhole) {
     const std::string text(5'000'000, 'x');
     std::thread sender = start_sending(text);
     interrupt(sender.native_handle());
@@ -51,7 +51,7 @@ TEST_F(InterruptedSendTest, ALargeFrameIsNotCutShort) {
     EXPECT_THAT(logged(), IsEmpty());
 }
 
-TEST_F(InterruptedSendTest, ASmallFrameIsSentAgain) {
+TEST_F(InterruptedSendTest, RepeatsASmallFrame) {
     // Fills the socket, so that the next frame waits with none of its bytes taken.
     std::string filling;
     const std::string block(1'000, 'f');

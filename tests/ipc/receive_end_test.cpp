@@ -140,7 +140,7 @@ TEST_F(ReceiveEndTest, AnOversizeMessageEndsTheThread) {
     EXPECT_EQ(errors.text(), "");
 }
 
-TEST_F(ReceiveEndTest, AHeaderWhoseRestDoesNotComeEndsTheThread) {
+TEST_F(ReceiveEndTest, AnIncompleteHeaderEndsTheThread) {
     host.write(header_bytes(1, 0, 0, 0).substr(0, 15));
     run_reader();
     EXPECT_EQ(errors.text(), bad_header_text("Success"));

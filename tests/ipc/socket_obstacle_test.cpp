@@ -77,7 +77,7 @@ class SocketObstacle : public LinkTest, public ::testing::WithParamInterface<Obs
     std::string beside = directory.path() + "/beside";
 };
 
-TEST_P(SocketObstacle, IsLeftAloneUntilTheLinkGivesUp) {
+TEST_P(SocketObstacle, IsNotTouched) {
     GetParam().put(path, beside);
     const std::string before = state_of(path) + state_of(beside);
     const FakeSleep sleeps;
@@ -89,7 +89,7 @@ TEST_P(SocketObstacle, IsLeftAloneUntilTheLinkGivesUp) {
     EXPECT_EQ(state_of(path) + state_of(beside), before);
 }
 
-TEST_P(SocketObstacle, MayGiveWayToAHost) {
+TEST_P(SocketObstacle, MayBeReplacedByAHost) {
     GetParam().put(path, beside);
     std::optional<ListeningHost> host;
     const FakeSleep sleeps([&](int call) {

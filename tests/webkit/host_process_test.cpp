@@ -48,7 +48,7 @@ class HostProcessTest : public ::testing::Test {
         ASSERT_TRUE(page_waits_for_host(announced(*host)));
     }
 
-    // The page checks the order of the host's answers and tells of every ten thousandth.
+    // The page checks the order of the host's answers and reports every ten thousandth.
     void expect_answers(const std::string& action, std::size_t count) {
         constexpr std::size_t kStep = 10'000;
         const std::string all = std::to_string(count);

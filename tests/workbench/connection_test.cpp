@@ -5,6 +5,7 @@
 #include <csignal>
 #include <memory>
 
+#include "ipc/frame_builder.h"
 #include "tests/support/frame_bytes.h"
 #include "tests/support/main_loop.h"
 #include "tests/workbench/fake_web_process.h"

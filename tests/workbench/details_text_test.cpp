@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <ctime>
 
-#include "ipc/frame.h"
+#include "ipc/frame_builder.h"
 #include "tests/workbench/message_records.h"
 #include "workbench/wire/row_text.h"
 

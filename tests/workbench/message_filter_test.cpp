@@ -4,7 +4,7 @@
 
 #include <array>
 
-#include "ipc/frame.h"
+#include "ipc/frame_builder.h"
 #include "tests/workbench/message_records.h"
 
 namespace kestrel::testing {

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "ipc/frame.h"
 #include "tests/support/main_loop.h"
 #include "tests/workbench/message_records.h"
 #include "tests/workbench/widgets.h"

@@ -1,6 +1,6 @@
 #include "tests/workbench/message_records.h"
 
-#include "ipc/frame.h"
+#include "ipc/frame_builder.h"
 
 namespace kestrel::testing {
 namespace {

@@ -8,6 +8,8 @@
 #include <list>
 #include <optional>
 
+#include "ipc/frame_builder.h"
+#include "ipc/items.h"
 #include "tests/support/frame_bytes.h"
 #include "tests/support/listening_host.h"
 #include "tests/support/main_loop.h"

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "ipc/frame_builder.h"
 #include "tests/support/frame_bytes.h"
 
 namespace kestrel::testing {

@@ -4,6 +4,7 @@
 
 #include <array>
 
+#include "ipc/frame_builder.h"
 #include "tests/workbench/session_fixture.h"
 
 namespace kestrel::testing {

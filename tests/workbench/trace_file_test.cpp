@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "ipc/frame.h"
+#include "ipc/frame_builder.h"
 #include "tests/support/frame_bytes.h"
 #include "tests/support/temporary_directory.h"
 #include "tests/workbench/message_records.h"

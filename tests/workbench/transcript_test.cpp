@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "ipc/frame.h"
+#include "ipc/frame_builder.h"
 #include "tests/support/file_content.h"
 #include "tests/support/main_loop.h"
 #include "tests/support/temporary_directory.h"

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "ipc/frame_builder.h"
 #include "workbench/answers/script_literal.h"
 
 namespace kestrel {

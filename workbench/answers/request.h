@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "ipc/frame.h"
+#include "ipc/items.h"
 
 namespace kestrel {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "ipc/frame.h"
+#include "ipc/items.h"
 #include "workbench/answers/commands.h"
 
 namespace kestrel {

@@ -3,6 +3,7 @@
 #include <array>
 #include <vector>
 
+#include "ipc/frame_builder.h"
 #include "program/translation.h"
 
 namespace kestrel {

@@ -4,6 +4,7 @@
 
 #include "base/terminal_text.h"
 #include "ipc/frame.h"
+#include "ipc/items.h"
 #include "program/translation.h"
 #include "trace/frame_text.h"
 #include "workbench/wire/hex_dump.h"

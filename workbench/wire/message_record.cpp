@@ -1,6 +1,7 @@
 #include "workbench/wire/message_record.h"
 
 #include "ipc/frame.h"
+#include "ipc/frame_builder.h"
 #include "trace/frame_text.h"
 #include "workbench/desktop/glib_handles.h"
 

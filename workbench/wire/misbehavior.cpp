@@ -4,6 +4,8 @@
 #include <string>
 #include <utility>
 
+#include "ipc/frame_builder.h"
+
 namespace kestrel {
 namespace {
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "ipc/frame.h"
+#include "ipc/frame_builder.h"
 
 namespace kestrel {
 namespace {

@@ -1,5 +1,8 @@
-// Handlers of the host's messages. Each is called on the link's reader thread; whatever touches the
-// page is queued for the main loop, in the order in which the messages came.
+// The exported class, but for the page functions. The handlers of the host's messages are called on
+// the link's reader thread; what touches the page is queued for the main loop, in the order in
+// which the messages came.
+#include "extension/KsJS_proxy.h"
+
 #include <glib.h>
 
 #include <array>
@@ -19,7 +22,8 @@
 #include "ipc/protocol.h"
 #include "ipc/reader.h"
 #include "ipc/send.h"
-#include "jsapi/KsJS_proxy.h"
+#include "jsapi/external_object.h"
+#include "jsapi/script_text.h"
 
 [[gnu::visibility("default")]] kestrel::NeverDestroyed<std::string> resources_storage asm(
     "_ZN10KsJS_proxy9resourcesB5cxx11E");
@@ -55,6 +59,19 @@ struct FreeTexts {
 };
 
 }  // namespace
+
+void KsJS_proxy::loadJSAPI(JSGlobalContextRef context, JSObjectRef global) {
+    kestrel::add_external_object(context, global);
+}
+
+void KsJS_proxy::getStringFromJavascriptRef(JSContextRef context, JSValueRef value,
+                                            std::string& text) {
+    kestrel::read_text(context, value, text);
+}
+
+void KsJS_proxy::traceExceptionJS(JSContextRef context, JSValueRef exception) {
+    kestrel::check_exception(context, exception);
+}
 
 webkit_client::InboundHandler* KsJS_proxy::getFunctionArray() {
     auto table = std::make_unique<webkit_client::InboundHandler[]>(kestrel::kInboundHandlerSlots);

@@ -1,6 +1,5 @@
-// The exported members behind the functions of `external`. A page function is complete with its
-// row in the method table; these exist for programs that call them by name.
-#include "jsapi/KsJS_proxy.h"
+// The exported members behind the functions of `external`, for programs that call them by name.
+#include "extension/KsJS_proxy.h"
 #include "jsapi/page_method.h"
 
 // A member function cannot be defined by a template or through its type's alias.

@@ -1,5 +1,5 @@
-// The page's side of the library: the functions behind `external`, and what the host's messages do
-// in the page. Everything here except the inbound handlers runs on the thread of the page.
+// The page's side of the library: the functions behind `external` and the handlers of the host's
+// messages. Everything except the handlers runs on the main thread.
 #pragma once
 
 #include <JavaScriptCore/JavaScript.h>
@@ -19,8 +19,7 @@ class KsJS_proxy {
 
     // --- Functions of `external` ---
     // Each checks its argument count, sends one message to the host and returns undefined; none
-    // waits, throws or touches the exception slot. What each sends is a row of
-    // jsapi/method_table.h.
+    // waits for an answer, throws or sets the exception. jsapi/method_table.h has a row for each.
     static PageMethod getCapabilities;
     static PageMethod ready;
     static PageMethod getStoreDetails;
@@ -59,38 +58,37 @@ class KsJS_proxy {
     static void getStringFromJavascriptRef(JSContextRef context, JSValueRef value,
                                            std::string& text);
 
-    // Looks at a script exception, null or not: an error line if it cannot even become text,
-    // otherwise nothing.
+    // Writes an error line if `exception`, null for none, cannot be converted to text; otherwise
+    // does nothing.
     static void traceExceptionJS(JSContextRef context, JSValueRef exception);
 
     // --- Handlers of the host's messages ---
-    // A new table of 61 handlers, indexed by message type, null where there is none. It lives as
-    // long as the process.
+    // A new table of 61 handlers, indexed by message type, null where there is none. Never freed.
     static webkit_client::InboundHandler* getFunctionArray();
 
-    // Type 0: runs strings[0] in the current page. On the thread that owns the default main
-    // context, or can acquire it, at once; on the link's reader thread by way of the main loop.
+    // Type 0: runs strings[0] in the current page: at once on the thread that owns the default main
+    // context or can acquire it; on the reader thread it is queued for the main loop.
     static void insertJS(int* ints, std::string* strings);
 
-    // Type 1: has the main loop deliver an answer to the function that strings[0] names, with the
-    // arguments strings[1] to [5] if it is an ajax answer. Needs six strings.
+    // Type 1: queues an answer for the main loop: callback strings[0], arguments strings[1] to [5]
+    // if it is an ajax answer. Needs six strings.
     static void zyns_cb_wrapper(int* ints, std::string* strings);
 
-    // Delivers one answer: callback text, then arguments, all malloc copies. Takes the list, made
-    // with new, and its elements. Returns false. Main thread.
+    // Delivers one answer: callback text, then arguments, all malloc copies. Takes ownership of the
+    // list, created with new, and of its elements. Returns false. Main thread.
     static int szyns_cb_wrapper(std::list<char*>* answer);
 
-    // Type 34: keeps the URL strings[0] and the resources strings[1] for the next page, and tells
-    // the host.
+    // Type 34: keeps the URL strings[0] and the resources strings[1] for the next page and tells
+    // the host, after the scripts that came before have run.
     static void sendResourcesAndURL(int* ints, std::string* strings);
 
-    // Tells the host that it may load `url` now. Any thread.
+    // Sends type 35: the host may load `url`. Any thread.
     static void readyToLoadURL(std::string url);
 
-    // The resources text while it is handed to the page; empty otherwise. Main thread.
+    // The resources text while it is passed to the page; empty otherwise. Main thread.
     static std::string resources;
 
-    // The URL of the last type-34 message. Reader thread.
+    // The URL of the last type-34 message.
     static std::string preloadURL;
 };
 

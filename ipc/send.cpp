@@ -1,3 +1,5 @@
+#include "ipc/send.h"
+
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -7,21 +9,18 @@
 
 #include "base/error_line.h"
 #include "base/signals_blocked.h"
-#include "ipc/frame.h"
+#include "ipc/frame_builder.h"
 #include "ipc/frame_observer.h"
 #include "ipc/link.h"
-#include "ipc/outgoing_frame.h"
-#include "ipc/send.h"
 #include "log/zynlog.h"
 
 namespace {
 
 // Up to this size the kernel queues a frame whole or not at all; beyond it, a signal handler could
-// cut the write short half-way.
+// cut the write short.
 constexpr std::size_t kIndivisibleWrite = 32'768;
 
-// One write. MSG_NOSIGNAL turns a peer that has gone into EPIPE without touching the process's
-// SIGPIPE disposition.
+// MSG_NOSIGNAL: EPIPE instead of SIGPIPE, whose disposition belongs to the process.
 ssize_t write_once(int fd, std::span<const char> bytes) {
     ssize_t written = 0;
     do {
@@ -60,25 +59,18 @@ void kestrel::write_frame(const webkit_message& frame) {
     std::exit(-1);
 }
 
-void kestrel::send(std::int32_t type, std::span<const int> ints,
-                   std::span<const std::string_view> strings) {
-    std::size_t payload = ints.size() * kMaxIntItem;
-    for (const std::string_view text : strings) payload += text.size() + 1;
-    OutgoingFrame frame(type, payload);
-    if (!frame.is_open()) return;
-    for (const int value : ints) frame.add(value);
-    for (const std::string_view text : strings) frame.add(text);
-    frame.send();
-}
-
-void webkit_client::sendMessage(webkit_message*& message) {
-    if (message == nullptr) return;  // refused by wrapMessage, which has said why
-    const std::scoped_lock lock(kestrel::send_lock);
-    if (kestrel::load_server_fd() == -1) {
-        kestrel::error_line("webkit_client::sendMessage server_fd not initialized yet\n");
-        __ZynTrace(kestrel::kLogWebkit, kestrel::kError, "", "", 0,
-                   "server_fd not initialized yet, returning");
+void kestrel::send(const webkit_message& frame) {
+    const std::scoped_lock lock(send_lock);
+    if (load_server_fd() == -1) {
+        error_line("webkit_client::sendMessage server_fd not initialized yet\n");
+        __ZynTrace(kLogWebkit, kError, "", "", 0, "server_fd not initialized yet, returning");
         return;
     }
-    kestrel::write_frame(*message);
+    write_frame(frame);
+}
+
+void kestrel::send(std::int32_t type, std::span<const int> ints,
+                   std::span<const std::string_view> strings) {
+    const Frame frame = build_frame(type, ints, strings);
+    if (frame) send(*frame);
 }
