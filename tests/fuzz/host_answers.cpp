@@ -20,7 +20,7 @@
 #include "tests/fuzz/input.h"
 #include "tests/fuzz/quiet.h"
 #include "tests/support/temporary_directory.h"
-#include "tests/workbench/fake_desktop.h"
+#include "tests/workbench/desktop/fake_desktop.h"
 #include "workbench/answers/commands.h"
 #include "workbench/session.h"
 

@@ -8,8 +8,8 @@
 #include "tests/support/frame_bytes.h"
 #include "tests/support/main_loop.h"
 #include "tests/support/temporary_directory.h"
-#include "tests/workbench/fake_services.h"
-#include "tests/workbench/fake_web_process.h"
+#include "tests/workbench/answers/fake_services.h"
+#include "tests/workbench/wire/fake_web_process.h"
 #include "workbench/session.h"
 #include "workbench/wire/message_server.h"
 

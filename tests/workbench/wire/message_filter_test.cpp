@@ -5,7 +5,7 @@
 #include <array>
 
 #include "ipc/frame.h"
-#include "tests/workbench/message_records.h"
+#include "tests/workbench/wire/message_records.h"
 
 namespace kestrel::testing {
 namespace {

@@ -1,4 +1,4 @@
-#include "tests/workbench/widgets.h"
+#include "tests/workbench/window/widgets.h"
 
 #include <cstdlib>
 #include <iostream>

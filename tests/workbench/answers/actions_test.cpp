@@ -9,7 +9,7 @@
 #include "jsapi/method_table.h"
 #include "tests/support/main_loop.h"
 #include "tests/support/script_context.h"
-#include "tests/workbench/fake_services.h"
+#include "tests/workbench/answers/fake_services.h"
 #include "workbench/answers/commands.h"
 
 namespace kestrel::testing {

@@ -10,7 +10,7 @@
 #include "ipc/frame.h"
 #include "tests/support/frame_bytes.h"
 #include "tests/support/temporary_directory.h"
-#include "tests/workbench/message_records.h"
+#include "tests/workbench/wire/message_records.h"
 #include "trace/frame_json.h"
 
 namespace kestrel::testing {

@@ -1,4 +1,4 @@
-#include "tests/workbench/fake_web_process.h"
+#include "tests/workbench/wire/fake_web_process.h"
 
 #include <sys/socket.h>
 

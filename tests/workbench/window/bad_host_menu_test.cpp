@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "tests/workbench/widgets.h"
+#include "tests/workbench/window/widgets.h"
 
 namespace kestrel::testing {
 namespace {

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/support/main_loop.h"
-#include "tests/workbench/widgets.h"
+#include "tests/workbench/window/widgets.h"
 
 namespace kestrel::testing {
 namespace {

@@ -1,7 +1,7 @@
 // Web requests that are sent to another place.
 #include <gmock/gmock.h>
 
-#include "tests/workbench/web_answers.h"
+#include "tests/workbench/desktop/web_answers.h"
 
 namespace kestrel::testing {
 namespace {

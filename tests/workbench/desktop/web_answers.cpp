@@ -1,4 +1,4 @@
-#include "tests/workbench/web_answers.h"
+#include "tests/workbench/desktop/web_answers.h"
 
 #include <gmock/gmock.h>
 

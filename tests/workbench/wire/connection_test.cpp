@@ -7,7 +7,7 @@
 
 #include "tests/support/frame_bytes.h"
 #include "tests/support/main_loop.h"
-#include "tests/workbench/fake_web_process.h"
+#include "tests/workbench/wire/fake_web_process.h"
 
 namespace kestrel::testing {
 namespace {

@@ -7,8 +7,8 @@
 
 #include "ipc/frame.h"
 #include "tests/support/main_loop.h"
-#include "tests/workbench/message_records.h"
-#include "tests/workbench/widgets.h"
+#include "tests/workbench/window/widgets.h"
+#include "tests/workbench/wire/message_records.h"
 
 namespace kestrel::testing {
 namespace {

@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "tests/support/main_loop.h"
-#include "tests/workbench/web_answers.h"
+#include "tests/workbench/desktop/web_answers.h"
 
 namespace kestrel::testing {
 namespace {

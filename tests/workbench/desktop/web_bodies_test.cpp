@@ -2,7 +2,7 @@
 #include <gio/gio.h>
 #include <gmock/gmock.h>
 
-#include "tests/workbench/web_answers.h"
+#include "tests/workbench/desktop/web_answers.h"
 #include "workbench/desktop/glib_handles.h"
 
 namespace kestrel::testing {

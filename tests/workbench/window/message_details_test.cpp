@@ -2,8 +2,8 @@
 
 #include <gmock/gmock.h>
 
-#include "tests/workbench/message_records.h"
-#include "tests/workbench/widgets.h"
+#include "tests/workbench/window/widgets.h"
+#include "tests/workbench/wire/message_records.h"
 #include "workbench/wire/details_text.h"
 
 namespace kestrel::testing {

@@ -7,7 +7,7 @@
 #include <ctime>
 
 #include "ipc/frame.h"
-#include "tests/workbench/message_records.h"
+#include "tests/workbench/wire/message_records.h"
 #include "workbench/wire/row_text.h"
 
 namespace kestrel::testing {

@@ -3,7 +3,7 @@
 
 #include <chrono>
 
-#include "tests/workbench/web_answers.h"
+#include "tests/workbench/desktop/web_answers.h"
 
 namespace kestrel::testing {
 namespace {

@@ -13,7 +13,7 @@
 #include "tests/support/main_loop.h"
 #include "tests/support/process_state.h"
 #include "tests/support/temporary_directory.h"
-#include "tests/workbench/fake_web_process.h"
+#include "tests/workbench/wire/fake_web_process.h"
 
 namespace kestrel::testing {
 namespace {

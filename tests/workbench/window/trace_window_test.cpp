@@ -7,8 +7,8 @@
 
 #include "tests/support/main_loop.h"
 #include "tests/support/temporary_directory.h"
-#include "tests/workbench/message_records.h"
-#include "tests/workbench/widgets.h"
+#include "tests/workbench/window/widgets.h"
+#include "tests/workbench/wire/message_records.h"
 #include "trace/frame_json.h"
 
 namespace kestrel::testing {

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "tests/support/temporary_directory.h"
-#include "tests/workbench/fake_desktop.h"
+#include "tests/workbench/desktop/fake_desktop.h"
 #include "workbench/answers/services.h"
 
 namespace kestrel::testing {

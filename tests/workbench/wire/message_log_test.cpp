@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/support/main_loop.h"
-#include "tests/workbench/message_records.h"
+#include "tests/workbench/wire/message_records.h"
 
 namespace kestrel::testing {
 namespace {

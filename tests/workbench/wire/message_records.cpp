@@ -1,4 +1,4 @@
-#include "tests/workbench/message_records.h"
+#include "tests/workbench/wire/message_records.h"
 
 #include "ipc/frame.h"
 

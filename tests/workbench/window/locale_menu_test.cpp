@@ -5,7 +5,7 @@
 #include <memory>
 #include <utility>
 
-#include "tests/workbench/widgets.h"
+#include "tests/workbench/window/widgets.h"
 
 namespace kestrel::testing {
 namespace {

@@ -5,7 +5,7 @@
 #include <array>
 
 #include "tests/support/frame_bytes.h"
-#include "tests/workbench/widgets.h"
+#include "tests/workbench/window/widgets.h"
 
 namespace kestrel::testing {
 namespace {
