@@ -122,7 +122,7 @@ void Session::act(Connection& connection, const Command& command, const Request&
         command.action(services_, request, reply);
     } catch (const std::exception& error) {
         services_.desktop.show_notice(std::string(command.name) + ": " + error.what());
-        reply("null");
+        reply(nullptr);
     }
 }
 

@@ -14,7 +14,7 @@ using ::testing::IsEmpty;
 const AjaxResult kResult{"7", "404", "Not \"found\"", "A: b", "line\nline"};
 
 // What the page's callback is called with when the extension delivers the answer.
-std::string delivered(const std::string& callback, const std::string& value) {
+std::string delivered(const std::string& callback, const ScriptValue& value) {
     const ScriptContext page;
     page.text_of("var got = 'nothing'; function take(...values) { got = JSON.stringify(values); }");
     page.text_of("(" + call_back(callback, value)->callback + ")()");
@@ -22,14 +22,14 @@ std::string delivered(const std::string& callback, const std::string& value) {
 }
 
 TEST(Answer, CallsAFunctionByItsNameOrItsSourceTextWithTheValue) {
-    EXPECT_EQ(delivered("take", R"({"a":[1,null]})"), R"([{"a":[1,null]}])");
-    EXPECT_EQ(delivered("(value) => take(value, 2)", "1"), "[1,2]");
-    EXPECT_EQ(delivered("function (value) { take(value); }", "\"x\""), R"(["x"])");
-    EXPECT_EQ(delivered("take // the usual one", "true"), "[true]");
+    EXPECT_EQ(delivered("take", {{"a", {1, nullptr}}}), R"([{"a":[1,null]}])");
+    EXPECT_EQ(delivered("(value) => take(value, 2)", 1), "[1,2]");
+    EXPECT_EQ(delivered("function (value) { take(value); }", "x"), R"(["x"])");
+    EXPECT_EQ(delivered("take // the usual one", true), "[true]");
 }
 
 TEST(Answer, IsNoneWithoutACallback) {
-    EXPECT_EQ(call_back("", "1"), std::nullopt);
+    EXPECT_EQ(call_back("", 1), std::nullopt);
     EXPECT_EQ(call_back("", kResult), std::nullopt);
 }
 

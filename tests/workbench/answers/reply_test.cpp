@@ -27,13 +27,13 @@ class ReplyTest : public ::testing::Test {
 };
 
 TEST_F(ReplyTest, CallsBackWithTheValue) {
-    reply_to("take")("\"value\"");
+    reply_to("take")("value");
     ASSERT_EQ(sent.size(), 1U);
     EXPECT_EQ(sent[0].callback, "(() => (take\n)(\"value\"))");
 }
 
 TEST_F(ReplyTest, SaysNothingToAPageThatNamedNoCallback) {
-    reply_to("")("1");
+    reply_to("")(1);
     reply_to("")(AjaxResult{});
     EXPECT_THAT(sent, IsEmpty());
 }
