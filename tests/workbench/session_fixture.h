@@ -17,7 +17,7 @@ namespace kestrel::testing {
 
 inline constexpr const char* kUri = "file:///store/page.html";
 
-inline const std::string kGreeting =
+inline const std::string kHostReadyMessage =
     frame_bytes(0, {}, {"window.onHostReady && window.onHostReady();"});
 
 // A host's session, and one web process that has connected to it.

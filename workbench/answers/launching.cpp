@@ -20,17 +20,18 @@ ScriptValue start_result(const std::string& problem) {
 // Does `start`, which answers with a problem or "", if the user agrees.
 void ask_and_start(Services& services, const Question& question, const Reply& reply,
                    std::function<void(std::function<void(const std::string&)>)> start) {
-    services.desktop.ask(question, [&services, reply, start = std::move(start)](bool agrees) {
-        const auto answer = [&services, reply](const std::string& problem) {
-            if (!problem.empty()) services.desktop.show_notice(problem);
-            reply(start_result(problem));
-        };
-        if (agrees) {
-            start(answer);
-        } else {
-            reply(start_result("the user declined"));
-        }
-    });
+    services.user_interface.ask(
+        question, [&services, reply, start = std::move(start)](bool agrees) {
+            const auto answer = [&services, reply](const std::string& problem) {
+                if (!problem.empty()) services.user_interface.show_notice(problem);
+                reply(start_result(problem));
+            };
+            if (agrees) {
+                start(answer);
+            } else {
+                reply(start_result("the user declined"));
+            }
+        });
 }
 
 }  // namespace
@@ -79,26 +80,26 @@ void tell_installed_apps(Services& services, const Request& /*request*/, const R
 
 void report_error(Services& services, const Request& request, const Reply& reply) {
     const std::string& button = request.text(3);
-    services.desktop.report_error(
+    services.user_interface.report_error(
         {request.text(0), request.text(1), request.text(2), button},
         [reply, button](bool is_pressed) { reply(is_pressed ? button : ""); });
 }
 
 void show_settings_menu(Services& services, const Request& request, const Reply& /*reply*/) {
-    services.desktop.show_settings_menu(
+    services.user_interface.show_settings_menu(
         {request.number(0), request.number(1), request.number(2), request.number(3)});
 }
 
 void show_accounts(Services& services, const Request& /*request*/, const Reply& /*reply*/) {
-    services.desktop.show_accounts(std::array{local_account()});
+    services.user_interface.show_accounts(std::array{local_account()});
 }
 
 void open_default_store(Services& services, const Request& /*request*/, const Reply& /*reply*/) {
-    services.desktop.open_default_store();
+    services.user_interface.open_default_store();
 }
 
 void write_trace_message(Services& services, const Request& request, const Reply& /*reply*/) {
-    services.desktop.show_notice("the page says: " + request.text(0));
+    services.user_interface.show_notice("the page says: " + request.text(0));
     // Whatever the levels are set to: the page's author has asked for this line.
     __ZynTrace(kLogKestrel, kAlwaysOn, "", "", 0, "%s", request.text(0).c_str());
 }

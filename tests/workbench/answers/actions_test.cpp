@@ -89,18 +89,18 @@ TEST_F(Actions, LaunchNothingThatIsNotThere) {
               R"(computer"}])");
     EXPECT_EQ(answer("launchResource", {"missing", "take"}),
               R"([{"started":false,"problem":"there is no file missing beside the page"}])");
-    EXPECT_THAT(fakes.desktop.questions, IsEmpty());
+    EXPECT_THAT(fakes.user_interface.questions, IsEmpty());
 }
 
 TEST_F(Actions, StartNothingThatTheUserDeclines) {
-    fakes.desktop.agrees = false;
+    fakes.user_interface.agrees = false;
     std::ofstream(path("note.txt")) << "text";
     EXPECT_EQ(answer("launchResource", {"note.txt", "take"}),
               R"([{"started":false,"problem":"the user declined"}])");
     answer("openURL", {"https://store.example/"});
-    ASSERT_EQ(fakes.desktop.questions.size(), 2U);
-    EXPECT_EQ(fakes.desktop.questions[0].details, "file://" + path("note.txt"));
-    EXPECT_EQ(fakes.desktop.questions[1].details, "https://store.example/");
+    ASSERT_EQ(fakes.user_interface.questions.size(), 2U);
+    EXPECT_EQ(fakes.user_interface.questions[0].details, "file://" + path("note.txt"));
+    EXPECT_EQ(fakes.user_interface.questions[1].details, "https://store.example/");
 }
 
 TEST_F(Actions, RecolourFilesBesideThePageAndDataUris) {
@@ -136,35 +136,35 @@ TEST_F(Actions, TellFileUrisOfFilesBesideThePageOnly) {
 
 TEST_F(Actions, AnswerTheErrorDialogWithTheButtonThatWasPressed) {
     EXPECT_EQ(answer("errorDialog", {"Title", "Details", "text", "Close", "take"}), R"(["Close"])");
-    ASSERT_EQ(fakes.desktop.reports.size(), 1U);
-    EXPECT_EQ(fakes.desktop.reports[0].title, "Title");
-    EXPECT_EQ(fakes.desktop.reports[0].details, "Details");
-    EXPECT_EQ(fakes.desktop.reports[0].text, "text");
-    fakes.desktop.agrees = false;
+    ASSERT_EQ(fakes.user_interface.reports.size(), 1U);
+    EXPECT_EQ(fakes.user_interface.reports[0].title, "Title");
+    EXPECT_EQ(fakes.user_interface.reports[0].details, "Details");
+    EXPECT_EQ(fakes.user_interface.reports[0].text, "text");
+    fakes.user_interface.agrees = false;
     EXPECT_EQ(answer("errorDialog", {"", "", "text", "Close", "take"}), R"([""])");
 }
 
 TEST_F(Actions, AnswerTheErrorDialogWhenItIsClosed) {
-    fakes.desktop.holds_back = true;
+    fakes.user_interface.is_holding_back = true;
     EXPECT_EQ(answer("errorDialog", {"", "", "text", "Close", "take"}), "no answer");
-    fakes.desktop.let_go();
+    fakes.user_interface.release();
     EXPECT_EQ(got, R"(["Close"])");
 }
 
 TEST_F(Actions, ShowTheSettingsMenuAtItsArea) {
     answer("settingsMenu", {}, {10, 20, 30, -40});
-    EXPECT_EQ(fakes.desktop.menu.left, 10);
-    EXPECT_EQ(fakes.desktop.menu.top, 20);
-    EXPECT_EQ(fakes.desktop.menu.width, 30);
-    EXPECT_EQ(fakes.desktop.menu.height, -40);
+    EXPECT_EQ(fakes.user_interface.menu.left, 10);
+    EXPECT_EQ(fakes.user_interface.menu.top, 20);
+    EXPECT_EQ(fakes.user_interface.menu.width, 30);
+    EXPECT_EQ(fakes.user_interface.menu.height, -40);
 }
 
 TEST_F(Actions, ShowAccountsTracesAndTheDefaultStore) {
     answer("showAccounts", {});
     answer("writeTraceMessage", {"a line"});
-    EXPECT_THAT(fakes.desktop.shown, ElementsAre("local", "the page says: a line"));
+    EXPECT_THAT(fakes.user_interface.shown, ElementsAre("local", "the page says: a line"));
     answer("openDefaultStore", {});
-    EXPECT_EQ(fakes.desktop.default_stores, 1);
+    EXPECT_EQ(fakes.user_interface.default_stores, 1);
 }
 
 TEST_F(Actions, TellCapabilitiesToTheSecondArgumentWhichTravelsFirst) {

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "tests/support/temporary_directory.h"
-#include "tests/workbench/desktop/fake_desktop.h"
+#include "tests/workbench/desktop/fake_user_interface.h"
 #include "workbench/answers/services.h"
 
 namespace kestrel::testing {
@@ -14,12 +14,12 @@ struct FakeServices {
     StoreDatabase database{directory.path() + "/store.db"};
     InstalledApps apps{directory.path()};
     WebRequests requests;
-    FakeDesktop desktop;
+    FakeUserInterface user_interface;
     Services services{"file://" + directory.path() + "/page.html",
                       database,
                       apps,
                       requests,
-                      desktop,
+                      user_interface,
                       [](const std::string&) { return std::string("data:,icon"); }};
 
     // From now on it cannot be read.

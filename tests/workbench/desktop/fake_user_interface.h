@@ -4,12 +4,12 @@
 #include <utility>
 #include <vector>
 
-#include "workbench/desktop/desktop.h"
+#include "workbench/desktop/user_interface.h"
 
 namespace kestrel::testing {
 
 // A user who answers everything alike, at once or when let go.
-class FakeDesktop final : public Desktop {
+class FakeUserInterface final : public UserInterface {
   public:
     void ask(const Question& question, std::function<void(bool)> done) override {
         questions.push_back(question);
@@ -26,12 +26,12 @@ class FakeDesktop final : public Desktop {
     void show_notice(const std::string& text) override { shown.push_back(text); }
     void open_default_store() override { ++default_stores; }
 
-    void let_go() {
+    void release() {
         for (const auto& done : std::exchange(held_back_, {})) done(agrees);
     }
 
     bool agrees = true;
-    bool holds_back = false;
+    bool is_holding_back = false;
     std::vector<Question> questions;
     std::vector<ErrorReport> reports;
     std::vector<std::string> shown;
@@ -41,7 +41,7 @@ class FakeDesktop final : public Desktop {
   private:
     void answer(std::function<void(bool)> done) {
         held_back_.push_back(std::move(done));
-        if (!holds_back) let_go();
+        if (!is_holding_back) release();
     }
 
     std::vector<std::function<void(bool)>> held_back_;

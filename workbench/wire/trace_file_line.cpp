@@ -1,4 +1,4 @@
-#include "workbench/wire/trace_line.h"
+#include "workbench/wire/trace_file_line.h"
 
 #include <glib.h>
 #include <nlohmann/json.hpp>
@@ -30,18 +30,19 @@ using DateTime = std::unique_ptr<GDateTime, DateTimeUnref>;
 json parse(std::string_view line) {
     int values = 0;
     const auto check = [&values](int depth, json::parse_event_t, const json&) {
-        if (depth > kMaxDepth || ++values > kMaxValues) throw BadTraceLine("no line of a trace");
+        if (depth > kMaxDepth || ++values > kMaxValues)
+            throw InvalidTraceFileLine("no line of a trace");
         return true;
     };
     json parsed = json::parse(line, check, false);
-    if (parsed.is_discarded()) throw BadTraceLine("not JSON");
-    if (!parsed.is_object()) throw BadTraceLine("not a JSON object");
+    if (parsed.is_discarded()) throw InvalidTraceFileLine("not JSON");
+    if (!parsed.is_object()) throw InvalidTraceFileLine("not a JSON object");
     return parsed;
 }
 
 const json& member(const json& object, const char* name) {
     const auto found = object.find(name);
-    if (found == object.end()) throw BadTraceLine(std::string("no \"") + name + '"');
+    if (found == object.end()) throw InvalidTraceFileLine(std::string("no \"") + name + '"');
     return *found;
 }
 
@@ -52,16 +53,17 @@ int integer(const json& value, const char* name) {
         const auto number = value.get<std::int64_t>();
         if (number >= Limits::min() && number <= Limits::max()) return static_cast<int>(number);
     }
-    throw BadTraceLine(std::string("\"") + name + "\" is no 32-bit integer");
+    throw InvalidTraceFileLine(std::string("\"") + name + "\" is no 32-bit integer");
 }
 
 const std::string& text(const json& value, const char* name) {
-    if (!value.is_string()) throw BadTraceLine(std::string("\"") + name + "\" is no text");
+    if (!value.is_string()) throw InvalidTraceFileLine(std::string("\"") + name + "\" is no text");
     return value.get_ref<const std::string&>();
 }
 
 std::string bytes(const json& value, const char* name) {
-    if (!value.is_object()) throw BadTraceLine(std::string("\"") + name + "\" has no bytes");
+    if (!value.is_object())
+        throw InvalidTraceFileLine(std::string("\"") + name + "\" has no bytes");
     const std::string& hex = text(member(value, "hex"), "hex");
     std::string decoded;
     for (std::size_t i = 0; i + 1 < hex.size(); i += 2) {
@@ -70,7 +72,7 @@ std::string bytes(const json& value, const char* name) {
         if (high < 0 || low < 0) break;
         decoded += static_cast<char>(high * 16 + low);
     }
-    if (decoded.size() * 2 != hex.size()) throw BadTraceLine("\"hex\" is not hexadecimal");
+    if (decoded.size() * 2 != hex.size()) throw InvalidTraceFileLine("\"hex\" is not hexadecimal");
     return decoded;
 }
 
@@ -78,7 +80,7 @@ std::chrono::system_clock::time_point time_of(const json& object) {
     const std::string& iso = text(member(object, "time"), "time");
     const DateTime parsed(g_date_time_new_from_iso8601(iso.c_str(), nullptr));
     const gint64 seconds = parsed ? g_date_time_to_unix(parsed.get()) : -1;
-    if (seconds < 0 || seconds > kMaxSeconds) throw BadTraceLine("\"time\" is no time");
+    if (seconds < 0 || seconds > kMaxSeconds) throw InvalidTraceFileLine("\"time\" is no time");
     return std::chrono::system_clock::time_point(
         std::chrono::seconds(seconds) +
         std::chrono::microseconds(g_date_time_get_microsecond(parsed.get())));
@@ -88,12 +90,12 @@ Direction direction_of(const json& object) {
     const std::string& direction = text(member(object, "direction"), "direction");
     if (direction == "to-host") return Direction::from_page;
     if (direction == "to-page") return Direction::to_page;
-    throw BadTraceLine("\"direction\" is neither to-host nor to-page");
+    throw InvalidTraceFileLine("\"direction\" is neither to-host nor to-page");
 }
 
 const json& list(const json& object, const char* name) {
     const json& value = member(object, name);
-    if (!value.is_array()) throw BadTraceLine(std::string("\"") + name + "\" is no list");
+    if (!value.is_array()) throw InvalidTraceFileLine(std::string("\"") + name + "\" is no list");
     return value;
 }
 
@@ -104,7 +106,7 @@ Frame frame_of_items(const json& object, std::int32_t type) {
     for (const json& value : list(object, "strings")) {
         strings.push_back(value.is_object() ? bytes(value, "strings") : text(value, "strings"));
         if (strings.back().find('\0') != std::string::npos)
-            throw BadTraceLine("a string holds a NUL");
+            throw InvalidTraceFileLine("a string holds a NUL");
     }
     return build_frame(type, ints, std::vector<std::string_view>(strings.begin(), strings.end()));
 }
@@ -126,10 +128,10 @@ MessageRecord message_in(const json& object) {
     record.direction = direction_of(object);
     const std::int32_t type = integer(member(object, "type"), "type");
     const std::int32_t length = integer(member(object, "length"), "length");
-    if (length < 0) throw BadTraceLine("\"length\" is below zero");
+    if (length < 0) throw InvalidTraceFileLine("\"length\" is below zero");
     Frame frame =
         object.contains("payload") ? frame_of_bytes(object, type) : frame_of_items(object, type);
-    if (!frame) throw BadTraceLine("longer than any frame");
+    if (!frame) throw InvalidTraceFileLine("longer than any frame");
     record.is_exact = frame->total_len_of_string == length;
     record.size = sizeof(webkit_message) + static_cast<std::size_t>(length);
     record.frame = std::move(frame);
@@ -154,6 +156,6 @@ MessageRecord record_in(const json& object) {
 
 }  // namespace
 
-MessageRecord read_trace_line(std::string_view line) { return record_in(parse(line)); }
+MessageRecord parse_trace_file_line(std::string_view line) { return record_in(parse(line)); }
 
 }  // namespace kestrel

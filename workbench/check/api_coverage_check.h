@@ -14,7 +14,7 @@
 
 namespace kestrel {
 
-class Rehearsal final : public PageCheck {
+class ApiCoverageCheck final : public PageCheck {
   public:
     std::string on_command(const Command& command, const Request& request) override;
 

@@ -10,13 +10,13 @@ namespace kestrel::testing {
 // A running kestrel-workbench, whose temporary files are in the directory that it is given, and
 // whose user's data are in `data_directory`. Whoever waits for one that says nothing for thirty
 // seconds waits no longer, and ends it.
-class Program {
+class WorkbenchProcess {
   public:
-    Program(std::vector<std::string> arguments, const std::string& temporary_directory,
-            const std::string& data_directory);
-    ~Program();
-    Program(const Program&) = delete;
-    Program& operator=(const Program&) = delete;
+    WorkbenchProcess(std::vector<std::string> arguments, const std::string& temporary_directory,
+                     const std::string& data_directory);
+    ~WorkbenchProcess();
+    WorkbenchProcess(const WorkbenchProcess&) = delete;
+    WorkbenchProcess& operator=(const WorkbenchProcess&) = delete;
 
     // Waits for a line of output that holds this text; "" if none comes.
     std::string wait_for_line(const std::string& text);

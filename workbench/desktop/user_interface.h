@@ -5,6 +5,8 @@
 #include <span>
 #include <string>
 
+#include "workbench/desktop/account.h"
+
 namespace kestrel {
 
 struct Question {
@@ -20,15 +22,6 @@ struct ErrorReport {
     std::string button;  // "" for the usual one
 };
 
-struct Account {
-    std::string id;
-    std::string name;  // the person's
-    std::string user;
-};
-
-// The account of whoever runs the workbench, its only one.
-Account local_account();
-
 // In the page's pixels, from the view's upper left corner.
 struct Area {
     int left = 0;
@@ -39,9 +32,9 @@ struct Area {
 
 // The user's side. All calls return at once; each callback is called once, from the main loop, but
 // not after the desktop has been destroyed.
-class Desktop {
+class UserInterface {
   public:
-    virtual ~Desktop() = default;
+    virtual ~UserInterface() = default;
 
     // Whether the user agrees. Closing the question means no.
     virtual void ask(const Question& question, std::function<void(bool agrees)> done) = 0;

@@ -1,4 +1,4 @@
-#include "workbench/desktop/desktop.h"
+#include "workbench/desktop/account.h"
 
 #include <glib.h>
 

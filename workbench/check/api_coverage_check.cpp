@@ -1,4 +1,4 @@
-#include "workbench/check/rehearsal.h"
+#include "workbench/check/api_coverage_check.h"
 
 #include <nlohmann/json.hpp>
 
@@ -9,7 +9,7 @@ constexpr const char* kCallEverything = "window.callEveryFunction && window.call
 
 }  // namespace
 
-std::string Rehearsal::on_command(const Command& command, const Request& request) {
+std::string ApiCoverageCheck::on_command(const Command& command, const Request& request) {
     if (has_begun_) {
         ++arrivals_[command.code];
         if (command.code == to_host("writeTraceMessage")) take_report(request.text(0));
@@ -19,7 +19,7 @@ std::string Rehearsal::on_command(const Command& command, const Request& request
     return has_begun_ ? kCallEverything : "";
 }
 
-void Rehearsal::take_report(const std::string& trace) {
+void ApiCoverageCheck::take_report(const std::string& trace) {
     const auto report = nlohmann::json::parse(trace, nullptr, /*allow_exceptions=*/false);
     if (!report.is_object()) return;
     const auto names = report.find("calledBack");
@@ -30,7 +30,7 @@ void Rehearsal::take_report(const std::string& trace) {
     }
 }
 
-std::vector<std::string> Rehearsal::failures() const {
+std::vector<std::string> ApiCoverageCheck::failures() const {
     if (!has_begun_) return {"the page never said that it is ready"};
     std::vector<std::string> lines;
     for (const Command& command : kCommands) {

@@ -4,12 +4,12 @@
 
 #include <set>
 
-#include "workbench/desktop/desktop.h"
+#include "workbench/desktop/user_interface.h"
 
 namespace kestrel {
 
 // Dialogs and menus over a window, so that the page goes on meanwhile.
-class WindowDesktop final : public Desktop {
+class WindowUserInterface final : public UserInterface {
   public:
     struct Events {
         std::function<void(const std::string& line)> notice;
@@ -19,10 +19,10 @@ class WindowDesktop final : public Desktop {
     };
 
     // `view` is the page's widget in `window`; both must outlive the desktop.
-    WindowDesktop(GtkWindow* window, GtkWidget* view, Events events);
-    ~WindowDesktop() override;
-    WindowDesktop(const WindowDesktop&) = delete;
-    WindowDesktop& operator=(const WindowDesktop&) = delete;
+    WindowUserInterface(GtkWindow* window, GtkWidget* view, Events events);
+    ~WindowUserInterface() override;
+    WindowUserInterface(const WindowUserInterface&) = delete;
+    WindowUserInterface& operator=(const WindowUserInterface&) = delete;
 
     void ask(const Question& question, std::function<void(bool agrees)> done) override;
     void report_error(const ErrorReport& report,

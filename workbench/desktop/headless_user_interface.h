@@ -1,19 +1,20 @@
 #pragma once
 
-#include "workbench/desktop/desktop.h"
+#include "workbench/desktop/user_interface.h"
 
 namespace kestrel {
 
 // Nobody is there: every question gets the same answer, within the call, and reports of errors are
 // closed with their buttons. What would be shown goes to a listener.
-class HeadlessDesktop final : public Desktop {
+class HeadlessUserInterface final : public UserInterface {
   public:
     struct Events {
         std::function<void(const std::string& line)> shown;
         std::function<void()> open_default_store;
     };
 
-    HeadlessDesktop(bool agrees, Events events) : agrees_(agrees), events_(std::move(events)) {}
+    HeadlessUserInterface(bool agrees, Events events)
+        : agrees_(agrees), events_(std::move(events)) {}
 
     void ask(const Question& question, std::function<void(bool agrees)> done) override;
     void report_error(const ErrorReport& report,

@@ -1,4 +1,4 @@
-#include "workbench/window/window_desktop.h"
+#include "workbench/window/window_user_interface.h"
 
 #include <algorithm>
 #include <array>
@@ -37,24 +37,24 @@ Event event_at(GdkWindow* window) {
 
 }  // namespace
 
-struct WindowDesktop::OpenDialog {
-    WindowDesktop& desktop;
+struct WindowUserInterface::OpenDialog {
+    WindowUserInterface& user_interface;
     GtkWidget* widget;
     std::function<void(bool)> done;
 };
 
-WindowDesktop::WindowDesktop(GtkWindow* window, GtkWidget* view, Events events)
+WindowUserInterface::WindowUserInterface(GtkWindow* window, GtkWidget* view, Events events)
     : window_(window), view_(view), events_(std::move(events)) {}
 
-WindowDesktop::~WindowDesktop() {
+WindowUserInterface::~WindowUserInterface() {
     for (OpenDialog* dialog : dialogs_) {
         gtk_widget_destroy(dialog->widget);
         delete dialog;
     }
 }
 
-GtkWidget* WindowDesktop::make_dialog(GtkMessageType type, const std::string& text,
-                                      const std::string& details) {
+GtkWidget* WindowUserInterface::make_dialog(GtkMessageType type, const std::string& text,
+                                            const std::string& details) {
     GtkWidget* dialog = gtk_message_dialog_new(
         window_, static_cast<GtkDialogFlags>(GTK_DIALOG_MODAL | GTK_DIALOG_DESTROY_WITH_PARENT),
         type, GTK_BUTTONS_NONE, "%s", shortened(text).c_str());
@@ -65,25 +65,25 @@ GtkWidget* WindowDesktop::make_dialog(GtkMessageType type, const std::string& te
     return dialog;
 }
 
-void WindowDesktop::show(GtkWidget* dialog, std::function<void(bool)> done) {
+void WindowUserInterface::show(GtkWidget* dialog, std::function<void(bool)> done) {
     auto* open = new OpenDialog{*this, dialog, std::move(done)};
     dialogs_.insert(open);
     g_signal_connect(dialog, "response",
                      G_CALLBACK(+[](GtkDialog*, int response, OpenDialog* self) {
-                         self->desktop.on_response(*self, response);
+                         self->user_interface.on_response(*self, response);
                      }),
                      open);
     gtk_widget_show_all(dialog);
 }
 
-void WindowDesktop::on_response(OpenDialog& dialog, int response) {
+void WindowUserInterface::on_response(OpenDialog& dialog, int response) {
     const std::unique_ptr<OpenDialog> owned(&dialog);
     dialogs_.erase(&dialog);
     gtk_widget_destroy(dialog.widget);
     dialog.done(response == GTK_RESPONSE_ACCEPT);
 }
 
-void WindowDesktop::ask(const Question& question, std::function<void(bool agrees)> done) {
+void WindowUserInterface::ask(const Question& question, std::function<void(bool agrees)> done) {
     if (dialogs_.size() >= kMaxDialogs) {
         done(false);
         return;
@@ -95,8 +95,8 @@ void WindowDesktop::ask(const Question& question, std::function<void(bool agrees
     show(dialog, std::move(done));
 }
 
-void WindowDesktop::report_error(const ErrorReport& report,
-                                 std::function<void(bool is_pressed)> done) {
+void WindowUserInterface::report_error(const ErrorReport& report,
+                                       std::function<void(bool is_pressed)> done) {
     if (dialogs_.size() >= kMaxDialogs) {
         done(false);
         return;
@@ -113,7 +113,7 @@ void WindowDesktop::report_error(const ErrorReport& report,
     show(dialog, std::move(done));
 }
 
-void WindowDesktop::show_accounts(std::span<const Account> accounts) {
+void WindowUserInterface::show_accounts(std::span<const Account> accounts) {
     if (dialogs_.size() >= kMaxDialogs) return;
     std::string lines;
     for (const Account& account : accounts) {
@@ -124,7 +124,7 @@ void WindowDesktop::show_accounts(std::span<const Account> accounts) {
     show(dialog, [](bool) {});
 }
 
-GtkWidget* WindowDesktop::settings_menu() {
+GtkWidget* WindowUserInterface::settings_menu() {
     struct Entry {
         const char* label;
         std::function<void()> Events::*action;
@@ -147,7 +147,7 @@ GtkWidget* WindowDesktop::settings_menu() {
     return menu;
 }
 
-void WindowDesktop::show_settings_menu(const Area& area) {
+void WindowUserInterface::show_settings_menu(const Area& area) {
     if (menu_ == nullptr) menu_ = settings_menu();
     const GdkRectangle place{area.left, area.top, std::max(area.width, 0),
                              std::max(area.height, 0)};
@@ -157,8 +157,8 @@ void WindowDesktop::show_settings_menu(const Area& area) {
                            GDK_GRAVITY_NORTH_WEST, trigger.get());
 }
 
-void WindowDesktop::show_notice(const std::string& text) { events_.notice(text); }
+void WindowUserInterface::show_notice(const std::string& text) { events_.notice(text); }
 
-void WindowDesktop::open_default_store() { events_.open_default_store(); }
+void WindowUserInterface::open_default_store() { events_.open_default_store(); }
 
 }  // namespace kestrel

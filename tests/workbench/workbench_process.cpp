@@ -1,4 +1,4 @@
-#include "tests/workbench/program.h"
+#include "tests/workbench/workbench_process.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -40,8 +40,9 @@ std::vector<std::string> environment_with(std::vector<std::string> variables) {
 
 }  // namespace
 
-Program::Program(std::vector<std::string> arguments, const std::string& temporary_directory,
-                 const std::string& data_directory) {
+WorkbenchProcess::WorkbenchProcess(std::vector<std::string> arguments,
+                                   const std::string& temporary_directory,
+                                   const std::string& data_directory) {
     std::array<int, 2> ends{};
     require(pipe2(ends.data(), O_CLOEXEC) == 0 ? 0 : errno, "pipe2");
     posix_spawn_file_actions_t actions;
@@ -60,13 +61,13 @@ Program::Program(std::vector<std::string> arguments, const std::string& temporar
     require(error, WORKBENCH_PROGRAM);
 }
 
-Program::~Program() {
+WorkbenchProcess::~WorkbenchProcess() {
     if (pid_ != -1) send_signal(SIGTERM);
     if (pid_ != -1) wait_for_end();
     close(pipe_);
 }
 
-bool Program::read_more() {
+bool WorkbenchProcess::read_more() {
     pollfd readable{pipe_, POLLIN, 0};
     if (poll(&readable, 1, kPatience) == 0) send_signal(SIGKILL);
     std::array<char, 4'096> piece;
@@ -75,7 +76,7 @@ bool Program::read_more() {
     return got > 0;
 }
 
-std::string Program::wait_for_line(const std::string& text) {
+std::string WorkbenchProcess::wait_for_line(const std::string& text) {
     for (;;) {
         const std::size_t found = output_.find(text);
         const std::size_t end = output_.find('\n', found);
@@ -87,7 +88,7 @@ std::string Program::wait_for_line(const std::string& text) {
     }
 }
 
-int Program::wait_for_end() {
+int WorkbenchProcess::wait_for_end() {
     while (read_more()) {
     }
     int status = 0;
@@ -96,6 +97,6 @@ int Program::wait_for_end() {
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-void Program::send_signal(int signal) const { kill(pid_, signal); }
+void WorkbenchProcess::send_signal(int signal) const { kill(pid_, signal); }
 
 }  // namespace kestrel::testing
