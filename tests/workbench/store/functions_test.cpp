@@ -7,10 +7,10 @@
 
 #include "tests/support/file_content.h"
 #include "tests/support/temporary_directory.h"
-#include "tests/workbench/program.h"
 #include "tests/workbench/store/store_file.h"
-#include "workbench/desktop/desktop.h"
+#include "tests/workbench/workbench_process.h"
 #include "workbench/desktop/glib_handles.h"
+#include "workbench/desktop/user_interface.h"
 
 namespace kestrel::testing {
 namespace {
@@ -73,9 +73,10 @@ std::string messages_of(const std::string& path) {
 TEST(Functions, GoOverTheWireAsInTheKeptTranscript) {
     const TemporaryDirectory files;
     const std::string transcript = files.path() + "/transcript";
-    Program program({"--headless", "--auto", "--page", store_file("index.html"), "--resources",
-                     store_file("resources.json"), "--transcript", transcript},
-                    files.path(), files.path());
+    WorkbenchProcess program(
+        {"--headless", "--auto", "--page", store_file("index.html"), "--resources",
+         store_file("resources.json"), "--transcript", transcript},
+        files.path(), files.path());
     ASSERT_EQ(program.wait_for_end(), 0) << program.output();
 
     const std::string messages = messages_of(transcript);
