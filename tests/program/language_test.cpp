@@ -8,7 +8,7 @@
 #include <string>
 
 #include "tests/support/temporary_directory.h"
-#include "tests/utilities/scoped_variable.h"
+#include "tests/common/scoped_variable.h"
 
 namespace kestrel::testing {
 namespace {
