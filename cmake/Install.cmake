@@ -24,19 +24,12 @@ install(FILES extension/KsJS_proxy.h
 set(webextensiondir ${CMAKE_INSTALL_LIBDIR}/${PROJECT_NAME}/web-extensions)
 install(TARGETS kestrel-extension LIBRARY DESTINATION ${webextensiondir})
 
-# Written when installing, as only then the prefix is known: cmake --install takes another one.
-# A directory that is absolute already stays as it is.
-set(libdir "\${prefix}")
-set(includedir "\${prefix}")
-cmake_path(APPEND libdir ${CMAKE_INSTALL_LIBDIR})
-cmake_path(APPEND includedir ${CMAKE_INSTALL_INCLUDEDIR})
-install(CODE "
-  set(libdir [[${libdir}]])
-  set(includedir [[${includedir}]])
-  set(PROJECT_VERSION ${PROJECT_VERSION})
-  set(KESTREL_WEBKIT_API ${KESTREL_WEBKIT_API})
-  configure_file(${PROJECT_SOURCE_DIR}/cmake/kestrel-extension.pc.in
-                 ${PROJECT_BINARY_DIR}/kestrel-extension.pc @ONLY)")
+# The pkg-config file goes by its own place, and so may be moved with the rest. pkg-config escapes the
+# blanks of that place; in a path that is written into the file they would have to be escaped here.
+file(RELATIVE_PATH prefix_from_pc "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+file(RELATIVE_PATH includedir_from_pc "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig"
+     "${CMAKE_INSTALL_FULL_INCLUDEDIR}")
+configure_file(cmake/kestrel-extension.pc.in ${PROJECT_BINARY_DIR}/kestrel-extension.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/kestrel-extension.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 

@@ -1,6 +1,8 @@
 // What must hold of the sample store, by clicking through it:
 // kestrel-workbench --headless --page examples/store/index.html --script examples/store-check.js
-const {expect, until} = workbench;
+const {expect} = workbench;
+// A busy machine takes longer than the five seconds that are the default.
+const until = (condition, text) => workbench.until(condition, text, 20000);
 const find = (selector) => document.querySelector(selector);
 const all = (selector) => [...document.querySelectorAll(selector)];
 const card = (id) => find(`.card[data-id="${CSS.escape(id)}"]`);

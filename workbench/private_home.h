@@ -19,6 +19,7 @@ class PrivateHome {
     PrivateHome& operator=(const PrivateHome&) = delete;
 
     const std::string& path() const { return path_; }
+    std::string client_directory() const;
 
   private:
     std::string path_;

@@ -14,7 +14,7 @@
 namespace kestrel {
 namespace {
 
-constexpr std::string_view kFirstWord = "window.onHostReady && window.onHostReady();";
+constexpr std::string_view kHostReadyScript = "window.onHostReady && window.onHostReady();";
 
 }  // namespace
 
@@ -31,9 +31,9 @@ void Session::offer_page() {
     for (Connection* connection : announced_) send_page(*connection);
 }
 
-void Session::greet_page() {
+void Session::notify_ready() {
     phase_ = Phase::shown;
-    for (Connection* connection : announced_) send_greeting(*connection);
+    for (Connection* connection : announced_) send_ready(*connection);
 }
 
 void Session::on_message(Connection& connection, const webkit_message& message) {
@@ -54,7 +54,7 @@ void Session::on_message(Connection& connection, const webkit_message& message) 
     switch (message.msg_type) {
         case to_host("announce"):
             if (phase_ == Phase::offering) send_page(connection);
-            if (phase_ == Phase::shown) send_greeting(connection);
+            if (phase_ == Phase::shown) send_ready(connection);
             break;
         case to_host("resourcesTaken"):
             if (phase_ != Phase::offering || request.text(0) != services_.page_uri) break;
@@ -123,8 +123,8 @@ void Session::act(Connection& connection, const Command& command, const Request&
     try {
         command.action(services_, request, reply);
     } catch (const std::exception& error) {
-        services_.desktop.show_notice(std::string(command.name) + ": " + error.what());
-        reply("null");
+        services_.user_interface.show_notice(std::string(command.name) + ": " + error.what());
+        reply(nullptr);
     }
 }
 
@@ -161,8 +161,8 @@ void Session::send_page(Connection& connection) {
                                  std::array<std::string_view, 2>{services_.page_uri, resources_}));
 }
 
-void Session::send_greeting(Connection& connection) {
-    send_script(connection, kFirstWord);
+void Session::send_ready(Connection& connection) {
+    send_script(connection, kHostReadyScript);
     if (check_ != nullptr) send_script(connection, check_->on_page_shown());
 }
 

@@ -45,7 +45,7 @@ class Session final : public MessageReceiver {
     void offer_page();
 
     // The window shows the store page.
-    void greet_page();
+    void notify_ready();
 
     // The processes that have announced themselves and have not gone.
     std::vector<int> processes() const;
@@ -75,7 +75,7 @@ class Session final : public MessageReceiver {
     void send(Connection& connection, Frame frame);
     void send(Connection& connection, Outgoing outgoing, std::uint64_t answer_to);
     void send_page(Connection& connection);
-    void send_greeting(Connection& connection);
+    void send_ready(Connection& connection);
     void send_script(Connection& connection, std::string_view script);
     bool send_answer(Connection& connection, const Answer& answer, std::uint64_t request);
 

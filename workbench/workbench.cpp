@@ -5,13 +5,13 @@
 #include <filesystem>
 #include <vector>
 
-#include "workbench/check/rehearsal.h"
+#include "workbench/check/api_coverage_check.h"
 #include "workbench/check/script_check.h"
 #include "workbench/desktop/app_icon.h"
 #include "workbench/desktop/catalogues.h"
-#include "workbench/desktop/headless_desktop.h"
+#include "workbench/desktop/headless_user_interface.h"
 #include "workbench/window/sandbox.h"
-#include "workbench/window/window_desktop.h"
+#include "workbench/window/window_user_interface.h"
 
 namespace kestrel {
 namespace {
@@ -58,10 +58,10 @@ Workbench::Workbench(const Options& options, const PrivateHome& home, Transcript
              .install_root = install_root_,
              .home = home.path(),
              .resources = options.resources,
-             .has_sandbox = has_sandbox()},
+             .has_sandbox = has_sandbox(home.path())},
             view_events()),
-      desktop_(make_desktop()),
-      services_{options.page_uri, database_, apps_, requests_, *desktop_, icon_uri},
+      user_interface_(make_user_interface()),
+      services_{options.page_uri, database_, apps_, requests_, *user_interface_, icon_uri},
       check_(make_check()),
       session_(services_, options.resources, transcript, check_.get(),
                {.load_page = [this] { view_.load(services_.page_uri); },
@@ -82,26 +82,27 @@ Workbench::~Workbench() {
     transcript_.log_to(nullptr);
 }
 
-bool Workbench::has_sandbox() const {
+bool Workbench::has_sandbox(const std::string& home) const {
     if (!options_.has_sandbox) return false;
-    const bool can = can_make_sandbox();
-    if (!can) transcript_.note("no sandbox: this machine does not let us make one");
-    return can;
+    const std::string obstacle =
+        sandbox_obstacle(home, {options_.extension_directory, install_root_, home});
+    if (!obstacle.empty()) transcript_.note("no sandbox: " + obstacle);
+    return obstacle.empty();
 }
 
 PageView::Events Workbench::view_events() {
     return {.empty_page_shown = [this] { session_.offer_page(); },
-            .page_shown = [this] { session_.greet_page(); },
+            .page_shown = [this] { session_.notify_ready(); },
             .failed = [this](const std::string& what) { give_up(what); }};
 }
 
-std::unique_ptr<Desktop> Workbench::make_desktop() {
+std::unique_ptr<UserInterface> Workbench::make_user_interface() {
     if (options_.is_headless) {
         off_screen_.reset(show_off_screen(view_.widget()));
-        return std::make_unique<HeadlessDesktop>(
-            options_.agrees,
-            HeadlessDesktop::Events{.shown = [this](const std::string& line) { show_notice(line); },
-                                    .open_default_store = [this] { open_default_store(); }});
+        return std::make_unique<HeadlessUserInterface>(
+            options_.agrees, HeadlessUserInterface::Events{
+                                 .shown = [this](const std::string& line) { show_notice(line); },
+                                 .open_default_store = [this] { open_default_store(); }});
     }
     window_ = std::make_unique<WorkbenchWindow>(
         view_.widget(), log_,
@@ -109,12 +110,13 @@ std::unique_ptr<Desktop> Workbench::make_desktop() {
         window_events());
     window_->show_address(options_.page_uri);
     transcript_.log_to(&log_);
-    return std::make_unique<WindowDesktop>(
+    return std::make_unique<WindowUserInterface>(
         window_->window(), view_.widget(),
-        WindowDesktop::Events{.notice = [this](const std::string& line) { show_notice(line); },
-                              .open_default_store = [this] { open_default_store(); },
-                              .reload = [this] { reload(); },
-                              .show_inspector = [this] { view_.show_inspector(); }});
+        WindowUserInterface::Events{
+            .notice = [this](const std::string& line) { show_notice(line); },
+            .open_default_store = [this] { open_default_store(); },
+            .reload = [this] { reload(); },
+            .show_inspector = [this] { view_.show_inspector(); }});
 }
 
 WorkbenchWindow::Events Workbench::window_events() {
@@ -135,7 +137,7 @@ WorkbenchWindow::Events Workbench::window_events() {
 
 std::unique_ptr<PageCheck> Workbench::make_check() const {
     if (!options_.is_headless) return nullptr;
-    if (options_.call_everything) return std::make_unique<Rehearsal>();
+    if (options_.call_everything) return std::make_unique<ApiCoverageCheck>();
     // Not before there is a view: WebKit starts no process after JavaScriptCore has been used
     // alone.
     const std::string problem = ScriptCheck::find_syntax_error(options_.script);

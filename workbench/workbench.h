@@ -8,7 +8,7 @@
 
 #include "workbench/answers/services.h"
 #include "workbench/check/page_check.h"
-#include "workbench/desktop/desktop.h"
+#include "workbench/desktop/user_interface.h"
 #include "workbench/options.h"
 #include "workbench/private_home.h"
 #include "workbench/session.h"
@@ -43,9 +43,9 @@ class Workbench {
         void operator()(GtkWidget* widget) const { gtk_widget_destroy(widget); }
     };
 
-    bool has_sandbox() const;
+    bool has_sandbox(const std::string& home) const;
     PageView::Events view_events();
-    std::unique_ptr<Desktop> make_desktop();
+    std::unique_ptr<UserInterface> make_user_interface();
     std::unique_ptr<PageCheck> make_check() const;
     void show_notice(const std::string& text);
     void open_default_store();
@@ -70,7 +70,7 @@ class Workbench {
     MessageLog log_;
     std::unique_ptr<WorkbenchWindow> window_;               // null when headless
     std::unique_ptr<GtkWidget, WidgetDestroy> off_screen_;  // null otherwise
-    std::unique_ptr<Desktop> desktop_;
+    std::unique_ptr<UserInterface> user_interface_;
     Services services_;
     std::unique_ptr<PageCheck> check_;  // null with a window
     Session session_;

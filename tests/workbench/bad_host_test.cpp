@@ -33,8 +33,8 @@ TEST_F(BadHostTest, SwallowsAnswersUntilItBehavesAgain) {
 TEST_F(BadHostTest, SendsAnswersLateAndTheRestAtOnce) {
     session.set_misbehavior(Misbehavior::late_answer);
     ask();
-    session.greet_page();
-    EXPECT_EQ(web_process.read_frame(), kGreeting);
+    session.notify_ready();
+    EXPECT_EQ(web_process.read_frame(), kHostReadyMessage);
     EXPECT_TRUE(web_process.is_quiet());
     EXPECT_EQ(web_process.read_frame(), answer);
 }
@@ -43,7 +43,7 @@ TEST_F(BadHostTest, SendsNothingBehindATruncatedAnswer) {
     session.set_misbehavior(Misbehavior::truncated);
     ask();
     settle();
-    session.greet_page();
+    session.notify_ready();
     session.misbehave_now(Misbehavior::hang_up);
     EXPECT_EQ(web_process.read_frame(), "");  // the header promises more than comes
 }

@@ -32,8 +32,8 @@ class CheckedSessionTest : public SessionTest {
 
 TEST_F(CheckedSessionTest, SendsTheScriptsOfTheCheck) {
     web_process.announce(11);
-    session.greet_page();
-    EXPECT_EQ(web_process.read_frame(), kGreeting);
+    session.notify_ready();
+    EXPECT_EQ(web_process.read_frame(), kHostReadyMessage);
     EXPECT_EQ(web_process.read_frame(), frame_bytes(0, {}, {"shown()"}));
     web_process.write(frame_bytes(25, {}, {}));
     EXPECT_TRUE(web_process.is_quiet());

@@ -1,7 +1,5 @@
 // The built program, with a real window and a real web process. Needs a display: run through
 // scripts/with-display.
-#include "tests/workbench/program.h"
-
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,6 +12,7 @@
 
 #include "tests/support/file_content.h"
 #include "tests/support/temporary_directory.h"
+#include "tests/workbench/workbench_process.h"
 
 namespace kestrel::testing {
 namespace {
@@ -51,7 +50,8 @@ class ProgramTest : public ::testing::Test {
     }
 
     void start(std::vector<std::string> arguments) {
-        program = std::make_unique<Program>(std::move(arguments), temporary.path(), data.path());
+        program =
+            std::make_unique<WorkbenchProcess>(std::move(arguments), temporary.path(), data.path());
     }
     int run(std::vector<std::string> arguments) {
         start(std::move(arguments));
@@ -73,7 +73,7 @@ class ProgramTest : public ::testing::Test {
     TemporaryDirectory temporary;
     TemporaryDirectory data;
     TemporaryDirectory files;
-    std::unique_ptr<Program> program;
+    std::unique_ptr<WorkbenchProcess> program;
 };
 
 TEST_F(ProgramTest, RefusesAWrongCommandLineWithAMessageAndStatusTwo) {
@@ -237,8 +237,8 @@ TEST_F(ProgramTest, UsesTheHomeItIsGiven) {
     ASSERT_NE(program->wait_for_line("onHostReady"), "");
     EXPECT_TRUE(std::filesystem::is_socket(file(".QUOClient/webkit_socket2")));
 
-    Program second({"--page", page("silent.html"), "--home", files.path()}, temporary.path(),
-                   data.path());
+    WorkbenchProcess second({"--page", page("silent.html"), "--home", files.path()},
+                            temporary.path(), data.path());
     EXPECT_EQ(second.wait_for_end(), 1);
     EXPECT_THAT(second.output(), HasSubstr("kestrel-workbench: another host listens on "));
 

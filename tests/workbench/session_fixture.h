@@ -8,8 +8,8 @@
 #include "tests/support/frame_bytes.h"
 #include "tests/support/main_loop.h"
 #include "tests/support/temporary_directory.h"
-#include "tests/workbench/fake_services.h"
-#include "tests/workbench/fake_web_process.h"
+#include "tests/workbench/answers/fake_services.h"
+#include "tests/workbench/wire/fake_web_process.h"
 #include "workbench/session.h"
 #include "workbench/wire/message_server.h"
 
@@ -17,7 +17,7 @@ namespace kestrel::testing {
 
 inline constexpr const char* kUri = "file:///store/page.html";
 
-inline const std::string kGreeting =
+inline const std::string kHostReadyMessage =
     frame_bytes(0, {}, {"window.onHostReady && window.onHostReady();"});
 
 // A host's session, and one web process that has connected to it.

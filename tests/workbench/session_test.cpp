@@ -46,7 +46,7 @@ TEST_F(SessionTest, ForgetsAProcessThatHasGone) {
     web_process.hang_up();
     settle();
     session.offer_page();
-    session.greet_page();
+    session.notify_ready();
     EXPECT_THAT(lines.str(), Not(HasSubstr(" -> ")));
 }
 
@@ -75,12 +75,12 @@ TEST_F(SessionTest, GreetsThePageInEveryProcessOnceItIsShown) {
     web_process.write(kTaken);
     settle();
     EXPECT_TRUE(web_process.is_quiet());
-    session.greet_page();
-    EXPECT_EQ(web_process.read_frame(), kGreeting);
+    session.notify_ready();
+    EXPECT_EQ(web_process.read_frame(), kHostReadyMessage);
 
     FakeWebProcess late(directory.path() + "/socket");
     late.announce(22);
-    EXPECT_EQ(late.read_frame(), kGreeting);
+    EXPECT_EQ(late.read_frame(), kHostReadyMessage);
     EXPECT_TRUE(web_process.is_quiet());
 }
 
@@ -92,8 +92,8 @@ TEST_F(SessionTest, OffersThePageAgainForAReload) {
         web_process.write(kTaken);
         settle();
         EXPECT_EQ(loads, load);
-        session.greet_page();
-        EXPECT_EQ(web_process.read_frame(), kGreeting);
+        session.notify_ready();
+        EXPECT_EQ(web_process.read_frame(), kHostReadyMessage);
     }
 }
 
@@ -147,14 +147,14 @@ TEST_F(SessionTest, AnswersNullInPlaceOfWhatTheExtensionWouldNotTake) {
 
 TEST_F(SessionTest, AnswersLaterToTheProcessThatAskedWhileItIsThere) {
     FakeWebProcess other(directory.path() + "/socket");
-    fakes.desktop.holds_back = true;
+    fakes.user_interface.is_holding_back = true;
     web_process.write(frame_bytes(22, {}, {"", "", "text", "Close", "take"}));
     other.write(frame_bytes(22, {}, {"", "", "text", "Close", "take"}));
     settle();
     EXPECT_TRUE(web_process.is_quiet());
     other.hang_up();
     settle();
-    fakes.desktop.let_go();
+    fakes.user_interface.release();
     EXPECT_EQ(web_process.read_frame(), frame_bytes(1, {}, {"(() => (take\n)(\"Close\"))"}));
     EXPECT_TRUE(web_process.is_quiet());
 }
@@ -163,7 +163,7 @@ TEST_F(SessionTest, AnswersNullAndSaysWhyWhenAnActionFails) {
     fakes.break_database();
     web_process.write(frame_bytes(18, {}, {"key", "take"}));
     EXPECT_EQ(web_process.read_frame(), frame_bytes(1, {}, {"(() => (take\n)(null))"}));
-    EXPECT_THAT(fakes.desktop.shown, ElementsAre(StartsWith("getItem: ")));
+    EXPECT_THAT(fakes.user_interface.shown, ElementsAre(StartsWith("getItem: ")));
 }
 
 TEST_F(SessionTest, SendsWhatAPersonSendsToOneProcessOrToAll) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "ipc/frame.h"
+#include "workbench/answers/script_literal.h"
 
 namespace kestrel {
 
@@ -17,9 +18,9 @@ struct Answer {
     std::vector<std::string> arguments;
 };
 
-// The answer that calls `callback`, a function's name or source text, with `value`, a literal.
-// Nothing when the page named no callback.
-std::optional<Answer> call_back(const std::string& callback, const std::string& value);
+// The answer that calls `callback`, a function's name or source text, with `value`. None when the
+// page named no callback.
+std::optional<Answer> call_back(const std::string& callback, const ScriptValue& value);
 
 struct AjaxResult {
     std::string id;

@@ -18,8 +18,8 @@ class Reply {
     // `callback` is what the page named; "" for none, and then nothing is ever sent.
     Reply(std::string callback, Send send);
 
-    // Calls back with `value`, a literal. One that is too long for the page becomes null.
-    void operator()(const std::string& value) const;
+    // Calls back with `value`, or with null if it is too long for the page.
+    void operator()(const ScriptValue& value) const;
 
     // Calls back with the five texts. A result that is too long for the page becomes a failure that
     // says so.

@@ -3,9 +3,9 @@
 #include <functional>
 #include <string>
 
-#include "workbench/desktop/desktop.h"
 #include "workbench/desktop/installed_apps.h"
 #include "workbench/desktop/store_database.h"
+#include "workbench/desktop/user_interface.h"
 #include "workbench/desktop/web_requests.h"
 
 namespace kestrel {
@@ -16,7 +16,7 @@ struct Services {
     StoreDatabase& database;
     InstalledApps& apps;
     WebRequests& requests;
-    Desktop& desktop;
+    UserInterface& user_interface;
     // The data URI of an application's icon, or "".
     std::function<std::string(const std::string& icon)> icon_uri;
 };

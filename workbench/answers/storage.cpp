@@ -3,7 +3,6 @@
 
 #include "ipc/protocol.h"
 #include "workbench/answers/actions.h"
-#include "workbench/answers/script_literal.h"
 
 namespace kestrel {
 namespace {
@@ -22,23 +21,23 @@ std::size_t position_of(const std::string& text) {
 
 void tell_item(Services& services, const Request& request, const Reply& reply) {
     const auto value = services.database.item(request.text(0));
-    reply(value ? script_string(*value) : "null");
+    reply(value ? ScriptValue(*value) : ScriptValue());
 }
 
 void keep_item(Services& services, const Request& request, const Reply& reply) {
-    const bool fits = script_string(request.text(1)).size() <= kMaxItem;
+    const bool fits = script_literal(request.text(1)).size() <= kMaxItem;
     if (fits) services.database.set_item(request.text(0), request.text(1));
-    reply(script_boolean(fits));
+    reply(fits);
 }
 
 void subscribe(Services& services, const Request& request, const Reply& reply) {
     services.database.subscribe(request.text(0));
-    reply(script_strings(services.database.subscriptions()));
+    reply(services.database.subscriptions());
 }
 
 void unsubscribe(Services& services, const Request& request, const Reply& reply) {
     services.database.unsubscribe(request.text(0));
-    reply(script_strings(services.database.subscriptions()));
+    reply(services.database.subscriptions());
 }
 
 void move_subscription(Services& services, const Request& request, const Reply& /*reply*/) {

@@ -2,13 +2,16 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 
 #include "program/translation.h"
 
 namespace kestrel {
 namespace {
 
-constexpr int kPatience = 5'000;  // milliseconds
+// Milliseconds.
+constexpr int kPatience = 5'000;
+constexpr int kPause = 5;
 
 struct Explanation {
     int result_code;
@@ -48,6 +51,16 @@ SqliteDatabase::SqliteDatabase(const std::string& path) : path_(path) {
 
 void SqliteDatabase::run(const char* sql) const {
     const int result = sqlite3_exec(get(), sql, nullptr, nullptr, nullptr);
+    if (result != SQLITE_OK) fail(result);
+}
+
+void SqliteDatabase::run_when_unlocked(const char* sql) const {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kPatience);
+    int result = SQLITE_OK;
+    while ((result = sqlite3_exec(get(), sql, nullptr, nullptr, nullptr)) == SQLITE_BUSY &&
+           std::chrono::steady_clock::now() < deadline) {
+        sqlite3_sleep(kPause);
+    }
     if (result != SQLITE_OK) fail(result);
 }
 

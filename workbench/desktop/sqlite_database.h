@@ -29,6 +29,11 @@ class SqliteDatabase {
     // Runs a statement without values and without results. Throws DatabaseError.
     void run(const char* sql) const;
 
+    // The same for a statement that turns a read lock into a write lock, such as a change of the
+    // journal mode: when two processes do that at once, SQLite fails without waiting. Tries again
+    // for five seconds.
+    void run_when_unlocked(const char* sql) const;
+
     // Throws the DatabaseError that a result code of SQLite stands for.
     [[noreturn]] void fail(int result_code) const;
 

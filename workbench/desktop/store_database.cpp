@@ -32,7 +32,8 @@ StoreDatabase::StoreDatabase(const std::string& path) : database_(path) {
     prepare();
     // Readers do not wait for a writer, and a change does not wait for the disk: at worst a loss of
     // power takes the last ones back.
-    database_.run("PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL");
+    database_.run_when_unlocked("PRAGMA journal_mode = WAL");
+    database_.run("PRAGMA synchronous = NORMAL");
 }
 
 void StoreDatabase::prepare() {

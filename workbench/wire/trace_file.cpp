@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "workbench/wire/trace_line.h"
+#include "workbench/wire/trace_file_line.h"
 
 namespace kestrel {
 namespace {
@@ -70,11 +70,11 @@ void TraceFile::take(std::string_view bytes, const Receiver& receive) {
 void TraceFile::take_line(std::string_view line, const Receiver& receive) {
     ++line_number_;
     try {
-        if (std::exchange(is_too_long_, false)) throw BadTraceLine("too long");
-        MessageRecord record = read_trace_line(line);
+        if (std::exchange(is_too_long_, false)) throw InvalidTraceFileLine("too long");
+        MessageRecord record = parse_trace_file_line(line);
         last_time_ = record.time;
         receive(std::move(record));
-    } catch (const BadTraceLine& error) {
+    } catch (const InvalidTraceFileLine& error) {
         note("line " + std::to_string(line_number_) + ": " + error.what(), receive);
     }
 }

@@ -7,9 +7,10 @@
 
 #include "tests/support/file_content.h"
 #include "tests/support/temporary_directory.h"
-#include "tests/workbench/program.h"
 #include "tests/workbench/store/store_file.h"
-#include "workbench/desktop/desktop.h"
+#include "tests/workbench/workbench_process.h"
+#include "workbench/desktop/glib_handles.h"
+#include "workbench/desktop/user_interface.h"
 
 namespace kestrel::testing {
 namespace {
@@ -38,7 +39,8 @@ std::string without(std::string text, const std::string& start, const std::strin
 // Without what is another on each computer.
 std::string normalised(std::string text) {
     const Account account = local_account();
-    text = replaced(text, "file://" STORE, "file:///store");
+    text =
+        replaced(text, GlibText(g_filename_to_uri(STORE, nullptr, nullptr)).get(), "file:///store");
     text = replaced(text, R"("version":")" WORKBENCH_VERSION "\"", R"("version":"0")");
     text = replaced(text, R"("user":")" + account.user + "\"", R"("user":"robin")");
     text = replaced(text, "\"" + account.name + "\"", R"("Robin Example")");
@@ -71,9 +73,10 @@ std::string messages_of(const std::string& path) {
 TEST(Functions, GoOverTheWireAsInTheKeptTranscript) {
     const TemporaryDirectory files;
     const std::string transcript = files.path() + "/transcript";
-    Program program({"--headless", "--auto", "--page", store_file("index.html"), "--resources",
-                     store_file("resources.json"), "--transcript", transcript},
-                    files.path(), files.path());
+    WorkbenchProcess program(
+        {"--headless", "--auto", "--page", store_file("index.html"), "--resources",
+         store_file("resources.json"), "--transcript", transcript},
+        files.path(), files.path());
     ASSERT_EQ(program.wait_for_end(), 0) << program.output();
 
     const std::string messages = messages_of(transcript);

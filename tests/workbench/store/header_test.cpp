@@ -6,9 +6,9 @@
 #include "ipc/protocol.h"
 #include "tests/support/main_loop.h"
 #include "tests/support/temporary_directory.h"
-#include "tests/workbench/store/visit.h"
 #include "tests/support/web_server.h"
-#include "tests/workbench/widgets.h"
+#include "tests/workbench/store/visit.h"
+#include "tests/workbench/window/widgets.h"
 
 namespace kestrel::testing {
 namespace {

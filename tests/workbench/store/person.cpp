@@ -10,7 +10,7 @@
 
 #include "tests/support/main_loop.h"
 #include "tests/webkit/evaluate.h"
-#include "tests/workbench/widgets.h"
+#include "tests/workbench/window/widgets.h"
 #include "workbench/wire/event_source.h"
 
 namespace kestrel::testing {

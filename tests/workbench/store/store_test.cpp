@@ -76,8 +76,9 @@ TEST_F(StoreTest, SettingsAndANoteAreKept) {
         person.click(std::string("[data-color=\"") + kAccent + "\"]");
         person.type("#note", "Remember 3 letters");
         person.click("#themes");
-        EXPECT_TRUE(run_main_loop_until([this] { return kept_item("note").has_value(); }));
-        EXPECT_THAT(kept_item("note"), Optional(std::string("Remember 3 letters")));
+        EXPECT_TRUE(run_main_loop_until([this] {
+            return kept_item("note") == std::optional<std::string>("Remember 3 letters");
+        }));
         EXPECT_THAT(kept_item("theme"), Optional(std::string("dark")));
         EXPECT_THAT(kept_item("accent"), Optional(std::string(kAccent)));
     });

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+
+#include "tests/support/temporary_directory.h"
+#include "tests/workbench/desktop/fake_user_interface.h"
+#include "workbench/answers/services.h"
+
+namespace kestrel::testing {
+
+// Real services but for the user, with a page and a database in a directory of their own.
+struct FakeServices {
+    TemporaryDirectory directory;
+    StoreDatabase database{directory.path() + "/store.db"};
+    InstalledApps apps{directory.path()};
+    WebRequests requests;
+    FakeUserInterface user_interface;
+    Services services{"file://" + directory.path() + "/page.html",
+                      database,
+                      apps,
+                      requests,
+                      user_interface,
+                      [](const std::string&) { return std::string("data:,icon"); }};
+
+    // From now on it cannot be read.
+    void break_database() const {
+        SqliteDatabase(directory.path() + "/store.db").run("DROP TABLE item");
+    }
+};
+
+}  // namespace kestrel::testing

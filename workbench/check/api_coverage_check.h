@@ -1,0 +1,42 @@
+// Watches the page call every function once, and tells what did not happen.
+//
+// It begins when the page says that it is ready: the page's function callEveryFunction is called.
+// It is over when the page has reported which callbacks ran and every answer has been confirmed.
+// The report is a trace message, a JSON object whose member "calledBack" is an array of names.
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "workbench/check/page_check.h"
+
+namespace kestrel {
+
+class ApiCoverageCheck final : public PageCheck {
+  public:
+    std::string on_command(const Command& command, const Request& request) override;
+
+    // These count from the first connection on: a confirmation may come after the beginning for an
+    // answer that was sent before.
+    void on_answer_sent() override { ++unconfirmed_answers_; }
+    void on_answer_confirmed() override { --unconfirmed_answers_; }
+
+    bool is_over() const override { return has_report_ && unconfirmed_answers_ == 0; }
+    std::vector<std::string> failures() const override;
+    std::string success() const override {
+        return "every function reached the host, every callback ran";
+    }
+
+  private:
+    void take_report(const std::string& trace);
+
+    bool has_begun_ = false;
+    bool has_report_ = false;
+    int unconfirmed_answers_ = 0;
+    std::map<std::int32_t, int> arrivals_;
+    std::set<std::string, std::less<>> called_back_;
+};
+
+}  // namespace kestrel
