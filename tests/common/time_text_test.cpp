@@ -8,8 +8,8 @@
 #include <regex>
 
 #include "common/LinuxCommonUtils.h"
-#include "tests/utilities/child_process.h"
-#include "tests/utilities/scoped_variable.h"
+#include "tests/common/child_process.h"
+#include "tests/common/scoped_variable.h"
 
 using kestrel::testing::in_child;
 using kestrel::testing::Output;

@@ -19,14 +19,13 @@
 
 #include "base/file_descriptor.h"
 #include "common/LinuxCommonUtils.h"
-#include "tests/utilities/child_process.h"
-#include "tests/utilities/lock_fixture.h"
+#include "tests/common/child_process.h"
+#include "tests/common/lock_fixture.h"
 
 namespace kestrel::testing {
 namespace {
 
 namespace fs = std::filesystem;
-using utilities::FileDescriptor;
 
 // The id of a process that was there and is no longer.
 pid_t ended_process() {

@@ -11,7 +11,7 @@
 
 #include "program/language.h"
 #include "tests/log/machine.h"
-#include "tests/log/program.h"
+#include "tests/tools/program.h"
 
 namespace {
 

@@ -11,11 +11,11 @@
 #include <string>
 
 #include "common/LinuxCommonUtils.h"
+#include "tests/common/child_process.h"
+#include "tests/common/lock_fixture.h"
+#include "tests/common/scoped_variable.h"
 #include "tests/support/file_state.h"
 #include "tests/support/temporary_directory.h"
-#include "tests/utilities/child_process.h"
-#include "tests/utilities/lock_fixture.h"
-#include "tests/utilities/scoped_variable.h"
 
 namespace kestrel::testing {
 namespace {

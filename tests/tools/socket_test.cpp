@@ -14,9 +14,9 @@
 #include "log/zynlog_config.h"
 #include "tests/log/fake_daemon.h"
 #include "tests/log/machine.h"
-#include "tests/log/program.h"
-#include "tests/log/viewer.h"
 #include "tests/support/file_content.h"
+#include "tests/tools/program.h"
+#include "tests/tools/viewer.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "tests/utilities/child_process.h"
+#include "tests/common/child_process.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -12,8 +12,8 @@
 
 #include "common/LinuxCommonUtils.h"
 #include "common/platform.h"
+#include "tests/common/child_process.h"
 #include "tests/support/temporary_directory.h"
-#include "tests/utilities/child_process.h"
 
 namespace fs = std::filesystem;
 using kestrel::testing::in_child;

@@ -1,4 +1,4 @@
-#include "tests/log/program.h"
+#include "tests/tools/program.h"
 
 #include <fcntl.h>
 #include <poll.h>

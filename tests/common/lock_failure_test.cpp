@@ -15,14 +15,13 @@
 
 #include "base/file_descriptor.h"
 #include "common/LinuxCommonUtils.h"
-#include "tests/utilities/child_process.h"
-#include "tests/utilities/lock_fixture.h"
+#include "tests/common/child_process.h"
+#include "tests/common/lock_fixture.h"
 
 namespace kestrel::testing {
 namespace {
 
 namespace fs = std::filesystem;
-using utilities::FileDescriptor;
 
 class LockFailure : public LockTest {};
 

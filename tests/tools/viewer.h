@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "base/file_descriptor.h"
-#include "tests/log/program.h"
+#include "tests/tools/program.h"
 
 namespace kestrel::testing {
 

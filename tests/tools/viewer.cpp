@@ -1,4 +1,4 @@
-#include "tests/log/viewer.h"
+#include "tests/tools/viewer.h"
 
 #include <gtest/gtest.h>
 #include <sys/socket.h>

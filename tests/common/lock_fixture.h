@@ -10,9 +10,9 @@
 #include <functional>
 #include <string>
 
+#include "tests/common/scoped_variable.h"
 #include "tests/support/file_content.h"
 #include "tests/support/temporary_directory.h"
-#include "tests/utilities/scoped_variable.h"
 
 extern "C" int __real_flock(int fd, int operation);
 

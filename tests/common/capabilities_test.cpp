@@ -15,8 +15,8 @@
 #include <vector>
 
 #include "common/LinuxCommonUtils.h"
+#include "tests/common/child_process.h"
 #include "tests/support/stderr_capture.h"
-#include "tests/utilities/child_process.h"
 
 using kestrel::testing::as_ordinary_user;
 using kestrel::testing::in_child;

@@ -14,8 +14,8 @@
 
 #include "log/zynlog.h"
 #include "log/zynlog_config.h"
-#include "tests/log/program.h"
-#include "tests/log/viewer.h"
+#include "tests/tools/program.h"
+#include "tests/tools/viewer.h"
 
 namespace {
 

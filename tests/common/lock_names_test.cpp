@@ -7,8 +7,8 @@
 #include <string>
 
 #include "common/LinuxCommonUtils.h"
-#include "tests/utilities/child_process.h"
-#include "tests/utilities/lock_fixture.h"
+#include "tests/common/child_process.h"
+#include "tests/common/lock_fixture.h"
 
 namespace kestrel::testing {
 namespace {

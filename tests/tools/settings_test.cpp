@@ -14,7 +14,7 @@
 
 #include "tests/log/bytes.h"
 #include "tests/log/machine.h"
-#include "tests/log/program.h"
+#include "tests/tools/program.h"
 
 namespace {
 

@@ -9,9 +9,9 @@
 #include <iostream>
 
 #include "common/LinuxCommonUtils.h"
+#include "tests/common/child_process.h"
+#include "tests/common/scoped_variable.h"
 #include "tests/support/temporary_directory.h"
-#include "tests/utilities/child_process.h"
-#include "tests/utilities/scoped_variable.h"
 
 namespace fs = std::filesystem;
 using kestrel::testing::as_ordinary_user;

@@ -1,4 +1,4 @@
-#include "tests/utilities/lock_fixture.h"
+#include "tests/common/lock_fixture.h"
 
 #include <array>
 #include <bit>

@@ -9,8 +9,8 @@
 #include <thread>
 
 #include "common/LinuxCommonUtils.h"
+#include "tests/common/child_process.h"
 #include "tests/support/temporary_directory.h"
-#include "tests/utilities/child_process.h"
 
 using kestrel::testing::in_child;
 using kestrel::testing::Output;
