@@ -1,5 +1,5 @@
-# What is installed beside the programs, which their folders install: the library, the headers of its
-# interface, how other builds find both, and what belongs to the authors of pages.
+# Installs the library, its public headers, its pkg-config file and CMake package, and the files for
+# authors of pages. The programs' folders install the programs.
 include(CMakePackageConfigHelpers)
 
 set(public_headers
@@ -19,13 +19,13 @@ endforeach()
 install(FILES extension/KsJS_proxy.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${PROJECT_NAME}/jsapi)
 
-# Alone in its directory: WebKit loads every library that it finds there. It stays a module, without
-# soname: programs that link it name the file and its directory, as the pkg-config file does.
+# Alone in its directory, because WebKit loads every library in it. A module without soname: programs
+# that link it name the file and its directory, as the pkg-config file does.
 set(webextensiondir ${CMAKE_INSTALL_LIBDIR}/${PROJECT_NAME}/web-extensions)
 install(TARGETS kestrel-extension LIBRARY DESTINATION ${webextensiondir})
 
-# The pkg-config file goes by its own place, and so may be moved with the rest. pkg-config escapes the
-# blanks of that place; in a path that is written into the file they would have to be escaped here.
+# The paths in the pkg-config file are relative to it, so that the prefix can be moved. pkg-config
+# escapes blanks in its own directory; absolute paths would have to be escaped here.
 file(RELATIVE_PATH prefix_from_pc "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
 file(RELATIVE_PATH includedir_from_pc "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig"
      "${CMAKE_INSTALL_FULL_INCLUDEDIR}")
@@ -44,12 +44,12 @@ install(FILES ${PROJECT_BINARY_DIR}/kestrel-extension-config.cmake
               ${PROJECT_BINARY_DIR}/kestrel-extension-config-version.cmake
         DESTINATION ${config_directory})
 
-# For the authors of pages: the workbench opens this store when it is given no page.
+# The workbench's default page.
 install(DIRECTORY examples/store DESTINATION ${CMAKE_INSTALL_DATADIR}/${PROJECT_NAME})
 install(DIRECTORY types DESTINATION ${CMAKE_INSTALL_DATADIR}/${PROJECT_NAME}
         FILES_MATCHING PATTERN *.d.ts PATTERN package.json PATTERN README.md)
 
-# The documents as they lie in the source tree, so that their links hold.
+# With the layout of the source tree, so that links between documents work.
 install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
         FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.svg PATTERN man EXCLUDE)
