@@ -3,8 +3,10 @@
 #include <array>
 #include <csignal>
 #include <filesystem>
+#include <system_error>
 #include <vector>
 
+#include "program/translation.h"
 #include "workbench/check/api_coverage_check.h"
 #include "workbench/check/script_check.h"
 #include "workbench/desktop/app_icon.h"
@@ -29,7 +31,12 @@ constexpr int kHeadlessWidth = 1'280;
 constexpr int kHeadlessHeight = 860;
 
 std::string database_path(const std::string& directory) {
-    std::filesystem::create_directories(directory);
+    std::error_code error;
+    std::filesystem::create_directories(directory, error);
+    if (error) {
+        throw DatabaseError(
+            formatted(translate("%s cannot be opened or created"), directory.c_str()));
+    }
     return directory + "/" + std::string(kStoreDatabaseFile);
 }
 
