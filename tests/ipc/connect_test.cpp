@@ -22,6 +22,7 @@
 #include "tests/ipc/log_lines.h"
 #include "tests/support/frame_bytes.h"
 #include "tests/support/listening_host.h"
+#include "tests/support/wait_until.h"
 
 namespace kestrel::testing {
 namespace {
@@ -43,7 +44,7 @@ TEST_F(ConnectTest, AnnouncesTheProcessFirstAndOnce) {
     start_link();
     const HostEnd connection = host.accept();
     EXPECT_EQ(connection.read_frame(), announcement());
-    ASSERT_TRUE(comes_true([] { return webkit_client::mu.try_lock(); }));
+    ASSERT_TRUE(wait_until([] { return webkit_client::mu.try_lock(); }));
     webkit_client::mu.unlock();
     EXPECT_TRUE(connection.is_quiet());
     EXPECT_THAT(logged(), ElementsAre(kStarted));
@@ -60,9 +61,9 @@ TEST_F(ConnectTest, WaitsForRoomInTheHostsQueueWithoutTheLock) {
     ASSERT_EQ(connect(first, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
 
     start_link();
-    ASSERT_TRUE(comes_true([] { return load_server_fd() != -1; }));
+    ASSERT_TRUE(wait_until([] { return load_server_fd() != -1; }));
     for (int i = 0; i < 3; ++i) {
-        ASSERT_TRUE(comes_true([] { return send_lock.try_lock(); }));
+        ASSERT_TRUE(wait_until([] { return send_lock.try_lock(); }));
         send_lock.unlock();
     }
     EXPECT_NE(host.accept().fd(), -1);
@@ -100,7 +101,7 @@ TEST_F(ConnectTest, SendsNothingBeforeTheAnnouncement) {
         std::promise<void> watching;
         std::thread sender([&] {
             watching.set_value();
-            comes_true([] {
+            wait_until([] {
                 const int fd = load_server_fd();
                 sockaddr address{};
                 socklen_t size = sizeof address;

@@ -21,6 +21,7 @@
 #include "tests/support/file_state.h"
 #include "tests/support/frame_bytes.h"
 #include "tests/support/listening_host.h"
+#include "tests/support/wait_until.h"
 
 namespace kestrel::testing {
 namespace {
@@ -98,8 +99,8 @@ TEST_P(SocketObstacle, MayBeReplacedByAHost) {
         host.emplace(path);
     });
     start_link();
-    ASSERT_TRUE(comes_true([&] { return sleeps.calls().size() == 3; }));
-    ASSERT_TRUE(comes_true([] {
+    ASSERT_TRUE(wait_until([&] { return sleeps.calls().size() == 3; }));
+    ASSERT_TRUE(wait_until([] {
         const bool is_free = webkit_client::mu.try_lock();
         if (is_free) webkit_client::mu.unlock();
         return is_free;
