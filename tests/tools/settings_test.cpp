@@ -111,7 +111,7 @@ TEST_F(KestrelLog, RefusesNamesThatAreNot) {
     expect_refused({"level", "WEBKIT"}, "LEVEL is required");
     expect_refused({"louder"},
                    "valid are: show level flags output rollover session reset follow\n");
-    expect_refused({}, "a command is needed");
+    expect_refused({}, "a command is required");
     expect_refused({"show", "--yaml"}, "--yaml");
 }
 
