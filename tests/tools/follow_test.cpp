@@ -25,10 +25,10 @@ using kestrel::kLogKestrelExtension;
 using kestrel::kLogWebkit;
 using kestrel::testing::kestrel_log;
 using kestrel::testing::log_as;
+using kestrel::testing::log_record;
 using kestrel::testing::Outcome;
 using kestrel::testing::RawProcess;
 using kestrel::testing::socket_path;
-using kestrel::testing::trace_record;
 using kestrel::testing::Viewer;
 using testing::HasSubstr;
 using testing::MatchesRegex;
@@ -45,7 +45,7 @@ TEST(Follow, PrintsLocalTime) {
     setenv("TZ", "UTC-5", 1);
     Viewer viewer;
     const RawProcess process;
-    process.send_bytes(trace_record("x"));
+    process.send_bytes(log_record("x"));
     EXPECT_EQ(viewer.read_line(), "1970-01-01 05:00:00.000000 ?[7] ERROR   WEBKIT  x\n");
 }
 
@@ -99,7 +99,7 @@ TEST(Follow, PrintsJson) {
 TEST(Follow, KeepsControlCharactersFromTheTerminal) {
     Viewer viewer;
     const RawProcess process;
-    process.send_bytes(trace_record("a\033[2Jb\nc\td\x7f \xc2\x9b \xff \xc3\xa9\n"));
+    process.send_bytes(log_record("a\033[2Jb\nc\td\x7f \xc2\x9b \xff \xc3\xa9\n"));
     EXPECT_THAT(viewer.read_line(),
                 HasSubstr("a\\x1b[2Jb\\nc\\td\\x7f \\xc2\\x9b \\xff \xc3\xa9\n"));
 }
@@ -107,21 +107,21 @@ TEST(Follow, KeepsControlCharactersFromTheTerminal) {
 TEST(Follow, PrintsJsonOfTextThatIsNotUtf8) {
     Viewer viewer({"follow", "--json"});
     const RawProcess process;
-    process.send_bytes(trace_record("\xff"));
+    process.send_bytes(log_record("\xff"));
     EXPECT_EQ(nlohmann::json::parse(viewer.read_line())["text"], "\xef\xbf\xbd");
 }
 
 TEST(Follow, PrintsLevelsAndClassesThatHaveNoName) {
     Viewer viewer;
     const RawProcess process;
-    process.send_bytes(trace_record("x", 9, 99));
+    process.send_bytes(log_record("x", 9, 99));
     EXPECT_THAT(viewer.read_line(), HasSubstr("?[7] 9       99      x\n"));
 }
 
 TEST(Follow, PutsPiecesOfARecordTogether) {
     Viewer viewer;
     const RawProcess process;
-    const std::string record = trace_record("whole");
+    const std::string record = log_record("whole");
     for (const char byte : record) process.send_bytes(std::string(1, byte));
     process.send_bytes(record + record);
     for (int line = 0; line < 3; ++line) EXPECT_THAT(viewer.read_line(), HasSubstr("whole\n"));
