@@ -83,7 +83,8 @@ std::string json_of(const LogLine& line) {
         {"class", class_name(line.log_class)},
         {"text", without_newline(line.text)},
     };
-    return json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+    // ASCII only, as the line may be shown on a terminal.
+    return json.dump(-1, ' ', true, nlohmann::ordered_json::error_handler_t::replace) + "\n";
 }
 
 }  // namespace kestrel::tools

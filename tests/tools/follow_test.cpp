@@ -7,6 +7,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cctype>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -102,6 +104,34 @@ TEST(Follow, KeepsControlCharactersFromTheTerminal) {
     process.send_bytes(log_record("a\033[2Jb\nc\td\x7f \xc2\x9b \xff \xc3\xa9\n"));
     EXPECT_THAT(viewer.read_line(),
                 HasSubstr("a\\x1b[2Jb\\nc\\td\\x7f \\xc2\\x9b \\xff \xc3\xa9\n"));
+}
+
+// A name and a text that show as other words where a terminal obeys their bidi characters.
+constexpr const char* kBidiText =
+    "\u061c\u200e\u200f\u202a\u202b\u202c\u202d\u202e\u2066\u2067\u2068\u2069 end";
+constexpr const char* kEscapedBidiText =
+    "\\u{61c}\\u{200e}\\u{200f}\\u{202a}\\u{202b}\\u{202c}\\u{202d}\\u{202e}\\u{2066}\\u{2067}"
+    "\\u{2068}\\u{2069} end";
+
+TEST(Follow, EscapesBidiCharacters) {
+    Viewer viewer;
+    log_as("a\u202eb", kLogWebkit, kError, kBidiText);
+    EXPECT_THAT(viewer.read_line(),
+                MatchesRegex(std::string(".* veltrane-a\\\\u\\{202e\\}b\\[[0-9]+\\] .*\n")));
+    log_as("p", kLogWebkit, kError, kBidiText);
+    EXPECT_THAT(viewer.read_line(), testing::EndsWith(std::string("  ") + kEscapedBidiText + "\n"));
+}
+
+TEST(Follow, EscapesBidiCharactersInJson) {
+    Viewer viewer({"follow", "--json"});
+    log_as("a\u202eb", kLogWebkit, kError, kBidiText);
+    const std::string line = viewer.read_line();
+    EXPECT_TRUE(std::ranges::all_of(line, [](char byte) {
+        return byte == '\n' || isprint(byte) != 0;
+    })) << line;
+    const auto json = nlohmann::json::parse(line);
+    EXPECT_EQ(json["process"], "veltrane-a\u202eb");
+    EXPECT_EQ(json["text"], kBidiText);
 }
 
 TEST(Follow, PrintsJsonOfTextThatIsNotUtf8) {

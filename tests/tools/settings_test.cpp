@@ -154,6 +154,14 @@ TEST_F(KestrelLog, SetsTheOutputPath) {
     EXPECT_EQ(record_bytes().substr(244, 256), longest + std::string(1, '\0'));
 }
 
+TEST_F(KestrelLog, EscapesBidiCharactersOfTheOutputPath) {
+    kestrel_log({"output", "/a\u202eb"});
+    EXPECT_THAT(kestrel_log({"show"}).output, HasSubstr("/a\\u{202e}b\n"));
+    const std::string json = kestrel_log({"show", "--json"}).output;
+    EXPECT_THAT(json, HasSubstr("\"/a\\u202eb\""));
+    EXPECT_EQ(nlohmann::json::parse(json)["output"], "/a\u202eb");
+}
+
 TEST_F(KestrelLog, RefusesOutputPathsThatDoNotFit) {
     expect_refused({"output", "/" + std::string(255, 'p')}, "256 bytes long; valid are 1 to 255");
     expect_refused({"output", "relative"}, "must begin with '/'");
