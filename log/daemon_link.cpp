@@ -51,7 +51,7 @@ bool write_whole(int fd, std::span<const char> message) {
 
 bool say_hello(int fd, const char* ident) {
     const std::size_t size = sizeof(LogDaemonHello) + std::strlen(ident) + 1;
-    const LogDaemonHello hello{{length_field(size), MessageType::kHello}, 0};
+    const LogDaemonHello hello{{length_field(size), DaemonMessageType::kHello}, 0};
     std::array<char, sizeof hello + kIdentSize> message;
     std::memcpy(message.data(), &hello, sizeof hello);
     std::memcpy(message.data() + sizeof hello, ident, size - sizeof hello);

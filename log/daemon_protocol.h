@@ -13,11 +13,11 @@ namespace kestrel::logging {
 
 static_assert(std::endian::native == std::endian::little, "messages are little-endian");
 
-enum class MessageType : std::uint16_t { kTrace = 1, kHello = 2 };
+enum class DaemonMessageType : std::uint16_t { kRecord = 1, kHello = 2 };
 
 struct [[gnu::packed]] MessagePrefix {
     std::uint16_t length;
-    MessageType type;
+    DaemonMessageType type;
 };
 
 // Followed by the name of the process.
@@ -28,7 +28,7 @@ struct [[gnu::packed]] LogDaemonHello {
 static_assert(sizeof(LogDaemonHello) == 6);
 
 // Followed by the text of the line.
-struct [[gnu::packed]] TraceRecord {
+struct [[gnu::packed]] LogRecordFields {
     MessagePrefix prefix;
     std::uint16_t level;
     std::uint16_t log_class;
@@ -36,8 +36,8 @@ struct [[gnu::packed]] TraceRecord {
     std::uint64_t seconds;
     std::uint64_t microseconds;
 };
-static_assert(offsetof(TraceRecord, seconds) == 10);
-static_assert(sizeof(TraceRecord) == 26);
+static_assert(offsetof(LogRecordFields, seconds) == 10);
+static_assert(sizeof(LogRecordFields) == 26);
 
 inline constexpr std::size_t kIdentSize = 32;
 inline constexpr std::size_t kTextSize = 8192;

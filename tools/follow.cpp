@@ -29,7 +29,7 @@ class Filter {
         for (const std::string& name : options.classes) classes_.push_back(class_by_name(name));
     }
 
-    bool passes(const TraceLine& line) const {
+    bool passes(const LogLine& line) const {
         return line.level >= lowest_level_ &&
                (classes_.empty() || std::ranges::any_of(classes_, [&](std::uint32_t ancestor) {
                     return is_within(line.log_class, ancestor);
@@ -110,7 +110,7 @@ class Viewer {
         std::size_t index = kFirstProcess;
         std::erase_if(processes_, [&](ProcessConnection& process) {
             if (waiting_[index++].revents == 0) return false;
-            const bool has_gone = !process.receive([this](const TraceLine& line) { show(line); });
+            const bool has_gone = !process.receive([this](const LogLine& line) { show(line); });
             if (has_gone) is_full_ = false;
             return has_gone;
         });
@@ -125,7 +125,7 @@ class Viewer {
         }
     }
 
-    void show(const TraceLine& line) const {
+    void show(const LogLine& line) const {
         if (filter_.passes(line)) print(json_ ? json_of(line) : text_of(line, colours_));
     }
 

@@ -10,17 +10,21 @@
 #include <string>
 
 #include "log/zynlog_config.h"
+#include "program/command_line_error.h"
+#include "program/help.h"
 #include "program/translation.h"
 #include "program/usage_error.h"
-#include "tools/command_line_error.h"
 #include "tools/console.h"
 #include "tools/follow.h"
-#include "tools/help.h"
 #include "tools/settings.h"
 
 namespace {
 
 using namespace kestrel::tools;
+using kestrel::describe_help;
+using kestrel::describe_help_flag;
+using kestrel::explanation_of;
+using kestrel::limit;
 using kestrel::translate;
 using kestrel::UsageError;
 using kestrel::use_translations;
@@ -137,7 +141,7 @@ int main(int argc, char** argv) {  // NOLINT(bugprone-exception-escape)
                  "kestrel-log");
     describe_help(app);
     app.set_version_flag("--version", "kestrel-log " KESTREL_VERSION,
-                         translate("Display program version information and exit"));
+                         translate("Print the version"));
     app.require_subcommand(1);
     app.fallthrough();
     Arguments arguments;

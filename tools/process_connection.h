@@ -4,7 +4,7 @@
 #include <string>
 
 #include "base/file_descriptor.h"
-#include "tools/trace_line.h"
+#include "tools/log_line.h"
 
 namespace kestrel::tools {
 
@@ -17,11 +17,11 @@ class ProcessConnection {
 
     // Takes what has come, without waiting, and hands on the lines that are complete. False when
     // the process has gone, or has sent what no process of the family sends.
-    bool receive(const std::function<void(const TraceLine&)>& take_line);
+    bool receive(const std::function<void(const LogLine&)>& take_line);
 
   private:
     bool take_message(std::string_view message,
-                      const std::function<void(const TraceLine&)>& take_line);
+                      const std::function<void(const LogLine&)>& take_line);
 
     FileDescriptor socket_;
     std::string unread_;

@@ -137,7 +137,8 @@ std::string settings_json() {
     for (std::uint32_t index = 0; index < kLogClassCount; ++index) {
         settings["classes"].push_back(class_json(index));
     }
-    return settings.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+    // ASCII only, as the text may be shown on a terminal.
+    return settings.dump(2, ' ', true, Json::error_handler_t::replace) + "\n";
 }
 
 }  // namespace

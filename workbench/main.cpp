@@ -67,7 +67,8 @@ Outcome run(const kestrel::Options& options) {
 }
 
 int fail(const std::exception& error, const char* advice, int status) {
-    std::cerr << "kestrel-workbench: " << error.what() << '\n' << advice;
+    std::cerr << "kestrel-workbench: " << error.what() << '\n';
+    if (*advice != '\0') std::cerr << advice << '\n';
     return status;
 }
 
@@ -90,7 +91,8 @@ int main(int argc, char** argv) {
         kestrel::restart(kestrel::arguments_with_locale(arguments, *outcome.wanted_locale),
                          environment);
     } catch (const kestrel::UsageError& error) {
-        return fail(error, kestrel::translate("Try 'kestrel-workbench --help'.\n"), kUsageStatus);
+        return fail(error, kestrel::translate("Run with --help for more information."),
+                    kUsageStatus);
     } catch (const std::exception& error) {
         return fail(error, "", EXIT_FAILURE);
     }

@@ -7,6 +7,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cctype>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -25,10 +27,10 @@ using kestrel::kLogKestrelExtension;
 using kestrel::kLogWebkit;
 using kestrel::testing::kestrel_log;
 using kestrel::testing::log_as;
+using kestrel::testing::log_record;
 using kestrel::testing::Outcome;
 using kestrel::testing::RawProcess;
 using kestrel::testing::socket_path;
-using kestrel::testing::trace_record;
 using kestrel::testing::Viewer;
 using testing::HasSubstr;
 using testing::MatchesRegex;
@@ -45,7 +47,7 @@ TEST(Follow, PrintsLocalTime) {
     setenv("TZ", "UTC-5", 1);
     Viewer viewer;
     const RawProcess process;
-    process.send_bytes(trace_record("x"));
+    process.send_bytes(log_record("x"));
     EXPECT_EQ(viewer.read_line(), "1970-01-01 05:00:00.000000 ?[7] ERROR   WEBKIT  x\n");
 }
 
@@ -99,29 +101,57 @@ TEST(Follow, PrintsJson) {
 TEST(Follow, KeepsControlCharactersFromTheTerminal) {
     Viewer viewer;
     const RawProcess process;
-    process.send_bytes(trace_record("a\033[2Jb\nc\td\x7f \xc2\x9b \xff \xc3\xa9\n"));
+    process.send_bytes(log_record("a\033[2Jb\nc\td\x7f \xc2\x9b \xff \xc3\xa9\n"));
     EXPECT_THAT(viewer.read_line(),
                 HasSubstr("a\\x1b[2Jb\\nc\\td\\x7f \\xc2\\x9b \\xff \xc3\xa9\n"));
+}
+
+// A name and a text that show as other words where a terminal obeys their bidi characters.
+constexpr const char* kBidiText =
+    "\u061c\u200e\u200f\u202a\u202b\u202c\u202d\u202e\u2066\u2067\u2068\u2069 end";
+constexpr const char* kEscapedBidiText =
+    "\\u{61c}\\u{200e}\\u{200f}\\u{202a}\\u{202b}\\u{202c}\\u{202d}\\u{202e}\\u{2066}\\u{2067}"
+    "\\u{2068}\\u{2069} end";
+
+TEST(Follow, EscapesBidiCharacters) {
+    Viewer viewer;
+    log_as("a\u202eb", kLogWebkit, kError, kBidiText);
+    EXPECT_THAT(viewer.read_line(),
+                MatchesRegex(std::string(".* veltrane-a\\\\u\\{202e\\}b\\[[0-9]+\\] .*\n")));
+    log_as("p", kLogWebkit, kError, kBidiText);
+    EXPECT_THAT(viewer.read_line(), testing::EndsWith(std::string("  ") + kEscapedBidiText + "\n"));
+}
+
+TEST(Follow, EscapesBidiCharactersInJson) {
+    Viewer viewer({"follow", "--json"});
+    log_as("a\u202eb", kLogWebkit, kError, kBidiText);
+    const std::string line = viewer.read_line();
+    EXPECT_TRUE(std::ranges::all_of(line, [](char byte) {
+        return byte == '\n' || isprint(byte) != 0;
+    })) << line;
+    const auto json = nlohmann::json::parse(line);
+    EXPECT_EQ(json["process"], "veltrane-a\u202eb");
+    EXPECT_EQ(json["text"], kBidiText);
 }
 
 TEST(Follow, PrintsJsonOfTextThatIsNotUtf8) {
     Viewer viewer({"follow", "--json"});
     const RawProcess process;
-    process.send_bytes(trace_record("\xff"));
+    process.send_bytes(log_record("\xff"));
     EXPECT_EQ(nlohmann::json::parse(viewer.read_line())["text"], "\xef\xbf\xbd");
 }
 
 TEST(Follow, PrintsLevelsAndClassesThatHaveNoName) {
     Viewer viewer;
     const RawProcess process;
-    process.send_bytes(trace_record("x", 9, 99));
+    process.send_bytes(log_record("x", 9, 99));
     EXPECT_THAT(viewer.read_line(), HasSubstr("?[7] 9       99      x\n"));
 }
 
 TEST(Follow, PutsPiecesOfARecordTogether) {
     Viewer viewer;
     const RawProcess process;
-    const std::string record = trace_record("whole");
+    const std::string record = log_record("whole");
     for (const char byte : record) process.send_bytes(std::string(1, byte));
     process.send_bytes(record + record);
     for (int line = 0; line < 3; ++line) EXPECT_THAT(viewer.read_line(), HasSubstr("whole\n"));

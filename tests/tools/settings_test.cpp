@@ -111,7 +111,7 @@ TEST_F(KestrelLog, RefusesNamesThatAreNot) {
     expect_refused({"level", "WEBKIT"}, "LEVEL is required");
     expect_refused({"louder"},
                    "valid are: show level flags output rollover session reset follow\n");
-    expect_refused({}, "a command is needed");
+    expect_refused({}, "a command is required");
     expect_refused({"show", "--yaml"}, "--yaml");
 }
 
@@ -152,6 +152,14 @@ TEST_F(KestrelLog, SetsTheOutputPath) {
     const std::string longest = "/" + std::string(254, 'p');
     expect_silent_success(kestrel_log({"output", longest}));
     EXPECT_EQ(record_bytes().substr(244, 256), longest + std::string(1, '\0'));
+}
+
+TEST_F(KestrelLog, EscapesBidiCharactersOfTheOutputPath) {
+    kestrel_log({"output", "/a\u202eb"});
+    EXPECT_THAT(kestrel_log({"show"}).output, HasSubstr("/a\\u{202e}b\n"));
+    const std::string json = kestrel_log({"show", "--json"}).output;
+    EXPECT_THAT(json, HasSubstr("\"/a\\u202eb\""));
+    EXPECT_EQ(nlohmann::json::parse(json)["output"], "/a\u202eb");
 }
 
 TEST_F(KestrelLog, RefusesOutputPathsThatDoNotFit) {

@@ -24,10 +24,10 @@ using kestrel::kError;
 using kestrel::kLogWebkit;
 using kestrel::testing::kestrel_log;
 using kestrel::testing::log_as;
+using kestrel::testing::log_record;
 using kestrel::testing::Outcome;
 using kestrel::testing::RawProcess;
 using kestrel::testing::socket_path;
-using kestrel::testing::trace_record;
 using kestrel::testing::Viewer;
 using testing::HasSubstr;
 
@@ -41,7 +41,7 @@ TEST(Follow, AcceptsAnyNumberOfProcesses) {
     std::array<std::optional<RawProcess>, 200> processes;
     for (auto& process : processes) process.emplace();
     for (std::size_t index = 0; index < processes.size(); ++index) {
-        processes[index]->send_bytes(trace_record(std::to_string(index)));
+        processes[index]->send_bytes(log_record(std::to_string(index)));
         EXPECT_THAT(viewer.read_line(), HasSubstr("  " + std::to_string(index) + "\n"));
     }
 }
@@ -56,7 +56,7 @@ TEST(Follow, DropsAProcessThatSendsNonsenseAndGoesOn) {
         EXPECT_TRUE(process.is_dropped());
     }
     const RawProcess process;
-    process.send_bytes(trace_record("good"));
+    process.send_bytes(log_record("good"));
     EXPECT_THAT(viewer.read_line(), HasSubstr("good\n"));
 }
 

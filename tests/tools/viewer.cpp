@@ -47,7 +47,7 @@ bool RawProcess::is_dropped() const {
     return read(socket_.get(), &byte, 1) == 0;
 }
 
-std::string trace_record(const std::string& text, char level, char log_class) {
+std::string log_record(const std::string& text, char level, char log_class) {
     const std::string fields = {level, 0, log_class, 0, 7, 0};
     return std::string{static_cast<char>(23 + text.size()), 0, 1, 0} + fields +
            std::string(16, '\0') + text + '\0';

@@ -39,6 +39,6 @@ class RawProcess {
 };
 
 // A line as it goes to the daemon, written by thread 7 when time began.
-std::string trace_record(const std::string& text, char level = 4, char log_class = 41);
+std::string log_record(const std::string& text, char level = 4, char log_class = 41);
 
 }  // namespace kestrel::testing

@@ -79,8 +79,8 @@ class ProgramTest : public ::testing::Test {
 TEST_F(ProgramTest, RefusesAWrongCommandLineWithAMessageAndStatusTwo) {
     EXPECT_EQ(run({}), 2);
     EXPECT_EQ(program->output(),
-              "kestrel-workbench: which page? Give --page FILE or --page URL\n"
-              "Try 'kestrel-workbench --help'.\n");
+              "kestrel-workbench: --page is required\n"
+              "Run with --help for more information.\n");
     EXPECT_EQ(run({"--page", "/missing"}), 2);
     EXPECT_THAT(program->output(),
                 StartsWith("kestrel-workbench: --page: no such file: /missing\n"));

@@ -1,9 +1,9 @@
 #include "base/errno_guard.h"
 #include "log/daemon_link.h"
 #include "log/lifecycle.h"
+#include "log/log_record.h"
 #include "log/shared_config.h"
 #include "log/syslog_fallback.h"
-#include "log/trace_message.h"
 #include "log/zynlog.h"
 
 using kestrel::kAlwaysOn;
@@ -12,7 +12,7 @@ using kestrel::kVerbose;
 using kestrel::logging::daemon_connected;
 using kestrel::logging::initialised;
 using kestrel::logging::syslog_open;
-using kestrel::logging::syslog_trace;
+using kestrel::logging::write_to_syslog;
 
 namespace {
 
@@ -31,19 +31,19 @@ bool is_valid(int level, int highest_level, const char* aux1, const char* aux2,
     return daemon_connected || syslog_open;
 }
 
-[[gnu::format(printf, 3, 0)]] void send_trace_record(std::uint32_t log_class, int level,
-                                                     const char* format, std::va_list arguments) {
+[[gnu::format(printf, 3, 0)]] void send_record(std::uint32_t log_class, int level,
+                                               const char* format, std::va_list arguments) {
     const kestrel::ErrnoGuard errno_guard;
-    const kestrel::logging::TraceMessage message(log_class, level, format, arguments);
-    kestrel::logging::send_to_daemon(message.bytes());
+    const kestrel::logging::LogRecord record(log_class, level, format, arguments);
+    kestrel::logging::send_to_daemon(record.bytes());
 }
 
 [[gnu::format(printf, 3, 0)]] void write_line(std::uint32_t log_class, int level,
                                               const char* format, std::va_list arguments) {
     if (daemon_connected) {
-        send_trace_record(log_class, level, format, arguments);
+        send_record(log_class, level, format, arguments);
     } else {
-        syslog_trace(level, format, arguments);
+        write_to_syslog(level, format, arguments);
     }
 }
 
@@ -72,9 +72,9 @@ void __ZynLog(int level, const char* aux1, const char* aux2, std::uint64_t /*aux
     if (syslog_open) {
         std::va_list copy;
         va_copy(copy, arguments);
-        syslog_trace(level, format, copy);
+        write_to_syslog(level, format, copy);
         va_end(copy);
     }
-    if (daemon_connected) send_trace_record(kestrel::kLogAll, level, format, arguments);
+    if (daemon_connected) send_record(kestrel::kLogAll, level, format, arguments);
     va_end(arguments);
 }

@@ -1,4 +1,4 @@
-#include "log/trace_message.h"
+#include "log/log_record.h"
 
 #include <pthread.h>
 #include <sys/syscall.h>
@@ -14,10 +14,9 @@
 
 namespace kestrel::logging {
 
-TraceMessage::TraceMessage(std::uint32_t log_class, int level, const char* format,
-                           std::va_list arguments)
-    : size_(sizeof(TraceRecord) + 1) {
-    bytes_[sizeof(TraceRecord)] = '\0';
+LogRecord::LogRecord(std::uint32_t log_class, int level, const char* format, std::va_list arguments)
+    : size_(sizeof(LogRecordFields) + 1) {
+    bytes_[sizeof(LogRecordFields)] = '\0';
     std::uint32_t flags = 0;
     ZynLogGetCurrentFlags(&flags);
     if ((flags & kLogThreadNameFlag) != 0) append_thread_name();
@@ -25,14 +24,14 @@ TraceMessage::TraceMessage(std::uint32_t log_class, int level, const char* forma
     fill_in_fields(log_class, level);
 }
 
-void TraceMessage::append(const char* format, ...) {
+void LogRecord::append(const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
     append_v(format, arguments);
     va_end(arguments);
 }
 
-void TraceMessage::append_v(const char* format, std::va_list arguments) {
+void LogRecord::append_v(const char* format, std::va_list arguments) {
     char* const end = bytes_.data() + size_ - 1;
     const std::size_t room = bytes_.size() - size_ + 1;
     if (room <= 1) return;
@@ -44,18 +43,18 @@ void TraceMessage::append_v(const char* format, std::va_list arguments) {
     size_ += std::min(static_cast<std::size_t>(length), room - 1);
 }
 
-void TraceMessage::append_thread_name() {
+void LogRecord::append_thread_name() {
     const ErrnoGuard errno_guard;  // the caller's format may contain %m
     std::array<char, 16> name{};
     if (pthread_getname_np(pthread_self(), name.data(), name.size()) != 0) name[0] = '\0';
     append("[%s]: ", name.data());
 }
 
-void TraceMessage::fill_in_fields(std::uint32_t log_class, int level) {
+void LogRecord::fill_in_fields(std::uint32_t log_class, int level) {
     timeval now{};
     gettimeofday(&now, nullptr);
-    const TraceRecord fields{
-        .prefix = {length_field(size_), MessageType::kTrace},
+    const LogRecordFields fields{
+        .prefix = {length_field(size_), DaemonMessageType::kRecord},
         .level = static_cast<std::uint16_t>(level),
         .log_class = static_cast<std::uint16_t>(log_class),
         .thread = static_cast<std::uint16_t>(syscall(SYS_gettid)),

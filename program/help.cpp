@@ -1,4 +1,4 @@
-#include "tools/help.h"
+#include "program/help.h"
 
 #include <memory>
 #include <string>
@@ -6,7 +6,7 @@
 
 #include "program/translation.h"
 
-namespace kestrel::tools {
+namespace kestrel {
 namespace {
 
 class HelpFormatter : public CLI::Formatter {
@@ -30,7 +30,7 @@ class HelpFormatter : public CLI::Formatter {
         return usage;
     }
 
-    // CLI11 has no labels for what it says of the number of options.
+    // CLI11 has no label for this sentence.
     std::string make_description(const CLI::App* app) const override {
         std::string text = app->get_description() + "\n";
         if (app->get_require_option_min() > 0) {
@@ -52,4 +52,4 @@ void describe_help_flag(CLI::App& app) {
     app.set_help_flag("-h,--help", translate("Print this help message and exit"));
 }
 
-}  // namespace kestrel::tools
+}  // namespace kestrel

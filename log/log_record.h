@@ -12,10 +12,10 @@ namespace kestrel::logging {
 
 // The bytes that one line is to the daemon, made now, by this thread. About 8 KB, for the stack;
 // only what is used of it is ever written to.
-class TraceMessage {
+class LogRecord {
   public:
-    [[gnu::format(printf, 4, 0)]] TraceMessage(std::uint32_t log_class, int level,
-                                               const char* format, std::va_list arguments);
+    [[gnu::format(printf, 4, 0)]] LogRecord(std::uint32_t log_class, int level, const char* format,
+                                            std::va_list arguments);
 
     std::span<const char> bytes() const { return {bytes_.data(), size_}; }
 
@@ -25,7 +25,7 @@ class TraceMessage {
     void append_thread_name();
     void fill_in_fields(std::uint32_t log_class, int level);
 
-    std::array<char, sizeof(TraceRecord) + kTextSize> bytes_;
+    std::array<char, sizeof(LogRecordFields) + kTextSize> bytes_;
     std::size_t size_;  // of fields, text and its NUL
 };
 

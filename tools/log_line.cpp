@@ -1,4 +1,4 @@
-#include "tools/trace_line.h"
+#include "tools/log_line.h"
 
 #include <nlohmann/json.hpp>
 
@@ -35,7 +35,7 @@ constexpr std::string_view colour_of(std::uint32_t level) {
 
 // Local time by two strftime formats, with the microseconds between them. A time beyond the
 // calendar is given in seconds.
-std::string local_time(const TraceLine& line, const char* before, const char* after) {
+std::string local_time(const LogLine& line, const char* before, const char* after) {
     const auto seconds = static_cast<std::time_t>(line.seconds);
     std::array<char, 64> fraction{};
     std::snprintf(fraction.data(), fraction.size(), ".%06u",
@@ -63,7 +63,7 @@ std::string_view without_newline(std::string_view text) {
 
 }  // namespace
 
-std::string text_of(const TraceLine& line, bool colours) {
+std::string text_of(const LogLine& line, bool colours) {
     const auto coloured = [&](std::string_view colour, const std::string& text) {
         return colours ? std::string(colour) + text + std::string(kPlain) : text;
     };
@@ -74,7 +74,7 @@ std::string text_of(const TraceLine& line, bool colours) {
            coloured(colour_of(line.level), printable(without_newline(line.text))) + "\n";
 }
 
-std::string json_of(const TraceLine& line) {
+std::string json_of(const LogLine& line) {
     const nlohmann::ordered_json json = {
         {"time", local_time(line, "%Y-%m-%dT%H:%M:%S", "%z")},
         {"process", line.process},
@@ -83,7 +83,8 @@ std::string json_of(const TraceLine& line) {
         {"class", class_name(line.log_class)},
         {"text", without_newline(line.text)},
     };
-    return json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+    // ASCII only, as the line may be shown on a terminal.
+    return json.dump(-1, ' ', true, nlohmann::ordered_json::error_handler_t::replace) + "\n";
 }
 
 }  // namespace kestrel::tools

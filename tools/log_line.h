@@ -6,7 +6,7 @@
 namespace kestrel::tools {
 
 // A log line as it has come from a process.
-struct TraceLine {
+struct LogLine {
     std::string process;
     std::uint32_t thread;
     std::uint32_t level;
@@ -17,9 +17,9 @@ struct TraceLine {
 };
 
 // One line for people: local time, process and thread, level, class, text.
-std::string text_of(const TraceLine& line, bool colours);
+std::string text_of(const LogLine& line, bool colours);
 
 // One line of JSON.
-std::string json_of(const TraceLine& line);
+std::string json_of(const LogLine& line);
 
 }  // namespace kestrel::tools

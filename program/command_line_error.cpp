@@ -1,14 +1,14 @@
-#include "tools/command_line_error.h"
+#include "program/command_line_error.h"
 
 #include <algorithm>
 #include <vector>
 
 #include "program/translation.h"
 
-namespace kestrel::tools {
+namespace kestrel {
 namespace {
 
-// CLI11 says which option it means in its English text only, before any word of the user's.
+// CLI11 names the option only in its English text, before any text from the user.
 const CLI::Option* named_option(const std::string& text, const std::vector<const CLI::App*>& apps) {
     constexpr const char* kBetweenWords = " :";
     for (std::size_t begin = 0; begin < text.size();) {
@@ -24,13 +24,13 @@ const CLI::Option* named_option(const std::string& text, const std::vector<const
 }
 
 std::string missing_command(const CLI::App& app) {
-    std::string text = translate("a command is needed; valid are:");
+    std::string text = translate("a command is required; valid are:");
     for (const CLI::App* command : app.get_subcommands({})) text += " " + command->get_name();
     return text;
 }
 
 std::string missing_argument(const CLI::App& command) {
-    std::string text = translate("an option is needed; valid are:");
+    std::string text = translate("an option is required; valid are:");
     for (const CLI::Option* option : command.get_options()) {
         if (option->get_required() && option->count() == 0) {
             return formatted(translate("%s is required"), option->get_name().c_str());
@@ -43,8 +43,9 @@ std::string missing_argument(const CLI::App& command) {
 }  // namespace
 
 std::string explanation_of(const CLI::ParseError& error, const CLI::App& app) {
-    if (app.get_subcommands().empty()) return missing_command(app);
-    const CLI::App& command = *app.get_subcommands().front();
+    const bool has_commands = !app.get_subcommands({}).empty();
+    if (has_commands && app.get_subcommands().empty()) return missing_command(app);
+    const CLI::App& command = has_commands ? *app.get_subcommands().front() : app;
     if (dynamic_cast<const CLI::RequiredError*>(&error)) return missing_argument(command);
 
     const std::vector<std::string> extras = app.remaining(true);
@@ -59,14 +60,16 @@ std::string explanation_of(const CLI::ParseError& error, const CLI::App& app) {
         return formatted(translate("the value of %s is not valid"), name.c_str());
     }
     if (dynamic_cast<const CLI::ArgumentMismatch*>(&error)) {
-        const char* const text = option->count() > 1 ? translate("%s may be given once only")
-                                                     : translate("%s needs a value");
-        return formatted(text, name.c_str());
+        const bool is_repeated = option->count() > 1 &&
+                                 option->get_multi_option_policy() == CLI::MultiOptionPolicy::Throw;
+        return formatted(
+            is_repeated ? translate("%s may be given only once") : translate("%s needs a value"),
+            name.c_str());
     }
-    return error.what();  // of a check, whose words are ours
+    return error.what();  // from a check, translated there
 }
 
-// CLI::Range would speak English.
+// CLI::Range has English error texts.
 void limit(CLI::Option& option, int least, int most) {
     option.type_name(formatted("%d-%d", least, most));
     option.check([least, most, range = CLI::Range(least, most)](const std::string& text) {
@@ -75,4 +78,4 @@ void limit(CLI::Option& option, int least, int most) {
     });
 }
 
-}  // namespace kestrel::tools
+}  // namespace kestrel
