@@ -7,6 +7,7 @@
 #include <span>
 
 #include "workbench/desktop/glib_handles.h"
+#include "workbench/desktop/valid_utf8.h"
 
 namespace kestrel {
 namespace {
@@ -112,10 +113,7 @@ std::string text_of_body(std::string body, const std::string& charset) {
                                  : g_convert(body.data(), static_cast<gssize>(body.size()), "UTF-8",
                                              charset.c_str(), nullptr, &size, nullptr));
     if (converted) body.assign(converted.get(), size);
-    if (g_utf8_validate_len(body.data(), body.size(), nullptr) == FALSE) {
-        const GlibText valid(g_utf8_make_valid(body.data(), static_cast<gssize>(body.size())));
-        body = valid.get();
-    }
+    if (g_utf8_validate_len(body.data(), body.size(), nullptr) == FALSE) body = valid_utf8(body);
     if (body.starts_with(kByteOrderMark)) body.erase(0, kByteOrderMark.size());
     return body;
 }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "program/translation.h"
+#include "workbench/desktop/valid_utf8.h"
 
 namespace kestrel {
 namespace {
@@ -158,8 +159,7 @@ void WorkbenchWindow::open_trace(const std::string& path) {
 }
 
 void WorkbenchWindow::show_status(const std::string& text) {
-    const GlibText valid(g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())));
-    gtk_label_set_text(GTK_LABEL(status_), valid.get());
+    gtk_label_set_text(GTK_LABEL(status_), valid_utf8(text).c_str());
 }
 
 void WorkbenchWindow::show_address(const std::string& uri) {
