@@ -15,7 +15,7 @@ namespace kestrel {
 
 std::vector<std::string> arguments_with_locale(std::vector<std::string> arguments,
                                                const std::string& locale) {
-    // GOption takes the option out in any of its spellings, and leaves the others.
+    // GOption removes the option in all its spellings and keeps the others.
     char* earlier = nullptr;
     const std::array entries = {
         GOptionEntry{"locale", 'l', 0, G_OPTION_ARG_FILENAME, &earlier, nullptr, nullptr},
@@ -46,7 +46,7 @@ std::vector<std::string> copy_of_environment() {
 
 void restart(std::vector<std::string> arguments, std::vector<std::string> environment) {
     execve("/proc/self/exe", pointers_to(arguments).data(), pointers_to(environment).data());
-    throw std::system_error(errno, std::generic_category(), translate("cannot start anew"));
+    throw std::system_error(errno, std::generic_category(), translate("cannot restart"));
 }
 
 }  // namespace kestrel

@@ -14,10 +14,10 @@ namespace {
 
 constexpr std::array<std::string_view, 2> kSchemes = {"http", "https"};
 
-// They open tunnels, or show the page headers that are not for it.
+// They open tunnels, or reveal headers that the page may not see.
 constexpr std::array<std::string_view, 3> kForbiddenMethods = {"CONNECT", "TRACE", "TRACK"};
 
-// They say where a request ends and where it goes, which is not the page's to say.
+// They control the length and the destination of a request.
 constexpr std::array<std::string_view, 9> kForbiddenHeaders = {
     "connection", "content-length",    "expect", "host", "keep-alive", "te", "trailer",
     "upgrade",    "transfer-encoding",
@@ -68,7 +68,7 @@ std::string fault_of_method(const std::string& method) {
     return "this is not a method that is relayed: " + method;
 }
 
-// Adds the line's header to `headers`; gives what is wrong with it, if something is.
+// Adds the line's header to `headers`; returns the fault of an invalid one.
 std::string take_header(std::string_view line,
                         std::vector<std::pair<std::string, std::string>>& headers) {
     const std::size_t colon = line.find(':');

@@ -6,7 +6,7 @@
 
 namespace kestrel {
 
-bool can_make_sandbox() {
+bool can_create_sandbox() {
     std::array arguments = {"bwrap", "--ro-bind", "/", "/", "--unshare-all", "true"};
     std::array<char*, arguments.size() + 1> argv{};
     for (std::size_t i = 0; i < arguments.size(); ++i) argv[i] = const_cast<char*>(arguments[i]);

@@ -2,8 +2,8 @@
 
 namespace kestrel {
 
-// Whether this machine lets its users make the namespaces of which WebKit makes its sandbox. Inside
-// containers it often does not, and WebKit would then start no web process at all.
-bool can_make_sandbox();
+// Whether users can create the namespaces that WebKit's sandbox needs. In containers they often
+// cannot, and WebKit would then fail to start web processes.
+bool can_create_sandbox();
 
 }  // namespace kestrel
