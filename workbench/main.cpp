@@ -1,5 +1,4 @@
-// A host in which store pages are developed: shows one, answers it, and shows what goes over the
-// wire.
+// A host for developing store pages: shows a page, answers its calls and lists the messages.
 #include <gtk/gtk.h>
 #include <pwd.h>
 #include <unistd.h>
@@ -23,8 +22,8 @@ namespace {
 
 constexpr int kUsageStatus = 2;
 
-// What web processes inherit, and GTK, the log and the catalogues look at. Nothing has started a
-// thread yet.
+// Inherited by web processes and read by GTK, the log and the catalogues. Call before any thread is
+// started.
 void set_up_environment(const kestrel::Options& options, const kestrel::PrivateHome& home) {
     setenv("HOME", home.path().c_str(), 1);
     // Mesa's threads would write there while it is being removed.
@@ -46,7 +45,7 @@ void ensure_home_directory() {
 
 struct Outcome {
     int status = EXIT_SUCCESS;
-    std::optional<std::string> wanted_locale;  // of another run
+    std::optional<std::string> wanted_locale;  // to restart with
 };
 
 Outcome run(const kestrel::Options& options) {
@@ -76,7 +75,7 @@ int fail(const std::exception& error, const char* advice, int status) {
 
 int main(int argc, char** argv) {
     kestrel::use_translations();
-    std::signal(SIGPIPE, SIG_IGN);  // whoever reads the transcript may leave before us
+    std::signal(SIGPIPE, SIG_IGN);  // the reader of the transcript may exit first
     const std::vector<std::string> arguments(argv, argv + argc);
     const std::vector<std::string> environment = kestrel::copy_of_environment();
     ensure_home_directory();

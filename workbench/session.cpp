@@ -41,14 +41,14 @@ void Session::on_message(Connection& connection, const webkit_message& message) 
     const bool is_sound = decode_items(message, items);
     const Request request(std::move(items));
     if (is_sound && message.msg_type == to_host("announce")) {
-        introduce(connection, request.number(0));
+        on_announce(connection, request.number(0));
     }
     const std::uint64_t serial =
         transcript_.message(Direction::from_page, connection.pid(), message);
     if (!is_sound) return;
 
     if (const Command* command = find_command(message.msg_type)) {
-        carry_out(connection, *command, request, serial);
+        dispatch(connection, *command, request, serial);
         return;
     }
     switch (message.msg_type) {
@@ -63,7 +63,7 @@ void Session::on_message(Connection& connection, const webkit_message& message) 
             break;
         case to_host("answerDelivered"):
             if (check_ != nullptr) check_->on_answer_confirmed();
-            note_check_over();
+            report_check_over();
             break;
         default:
             break;
@@ -96,7 +96,7 @@ void Session::misbehave_now(Misbehavior kind) {
     }
 }
 
-void Session::introduce(Connection& connection, int pid) {
+void Session::on_announce(Connection& connection, int pid) {
     connection.set_pid(pid);
     if (std::ranges::find(announced_, &connection) == announced_.end()) {
         announced_.push_back(&connection);
@@ -104,16 +104,16 @@ void Session::introduce(Connection& connection, int pid) {
     events_.processes_changed();
 }
 
-void Session::carry_out(Connection& connection, const Command& command, const Request& request,
-                        std::uint64_t serial) {
-    if (command.action != nullptr) act(connection, command, request, serial);
+void Session::dispatch(Connection& connection, const Command& command, const Request& request,
+                       std::uint64_t serial) {
+    if (command.action != nullptr) run_action(connection, command, request, serial);
     if (check_ == nullptr) return;
     send_script(connection, check_->on_command(command, request));
-    note_check_over();
+    report_check_over();
 }
 
-void Session::act(Connection& connection, const Command& command, const Request& request,
-                  std::uint64_t serial) {
+void Session::run_action(Connection& connection, const Command& command, const Request& request,
+                         std::uint64_t serial) {
     const std::string callback =
         command.calls_back() ? request.text(static_cast<std::size_t>(command.callback)) : "";
     const Reply reply(
@@ -128,7 +128,7 @@ void Session::act(Connection& connection, const Command& command, const Request&
     }
 }
 
-void Session::note_check_over() {
+void Session::report_check_over() {
     if (check_ != nullptr && check_->is_over()) events_.check_over();
 }
 

@@ -18,15 +18,14 @@
 namespace kestrel {
 namespace {
 
-constexpr std::chrono::seconds kPatienceAtExit{2};
+constexpr std::chrono::seconds kExitTimeout{2};
 
-// The terminal goes, the user has enough, the system goes down: the transcript is completed and the
-// temporary home removed.
+// Handled so that the transcript is completed and the temporary home removed.
 constexpr std::array kEndingSignals = {SIGHUP, SIGINT, SIGTERM};
 
 constexpr int kIconSize = 64;  // pixels
 
-// A picture of the page has this size.
+// The size of a screenshot.
 constexpr int kHeadlessWidth = 1'280;
 constexpr int kHeadlessHeight = 860;
 
@@ -100,7 +99,7 @@ bool Workbench::has_sandbox(const std::string& home) const {
 PageView::Events Workbench::view_events() {
     return {.empty_page_shown = [this] { session_.offer_page(); },
             .page_shown = [this] { session_.notify_ready(); },
-            .failed = [this](const std::string& what) { give_up(what); }};
+            .failed = [this](const std::string& what) { on_page_failure(what); }};
 }
 
 std::unique_ptr<UserInterface> Workbench::make_user_interface() {
@@ -145,8 +144,7 @@ WorkbenchWindow::Events Workbench::window_events() {
 std::unique_ptr<PageCheck> Workbench::make_check() const {
     if (!options_.is_headless) return nullptr;
     if (options_.call_everything) return std::make_unique<ApiCoverageCheck>();
-    // Not before there is a view: WebKit starts no process after JavaScriptCore has been used
-    // alone.
+    // Only once the view exists: WebKit starts no process if JavaScriptCore was used before it.
     const std::string problem = ScriptCheck::find_syntax_error(options_.script);
     if (!problem.empty()) throw UsageError("--script: " + problem);
     return std::make_unique<ScriptCheck>(options_.script);
@@ -155,7 +153,7 @@ std::unique_ptr<PageCheck> Workbench::make_check() const {
 int Workbench::run() {
     EventSource time_limit;
     if (check_) {
-        // The picture may never come either: whoever is still here the next time leaves.
+        // The screenshot may hang too: the second timeout exits in any case.
         time_limit = EventSource::every(options_.timeout, [this] {
             if (is_leaving_) leave(1);
             finish_check();
@@ -221,7 +219,7 @@ void Workbench::reload() {
     }
 }
 
-void Workbench::give_up(const std::string& what) {
+void Workbench::on_page_failure(const std::string& what) {
     transcript_.note(what);
     if (check_) finish_check();
 }
@@ -248,10 +246,10 @@ void Workbench::leave(int status) {
     g_main_loop_quit(loop_.get());
 }
 
-// They would write into the home directory while it is being removed.
+// Otherwise they would write into the home directory while it is being removed.
 void Workbench::wait_for_web_processes() {
     bool is_over = false;
-    const auto limit = EventSource::every(kPatienceAtExit, [&] { is_over = true; });
+    const auto limit = EventSource::every(kExitTimeout, [&] { is_over = true; });
     while (server_.has_connections() && !is_over) g_main_context_iteration(nullptr, TRUE);
 }
 

@@ -20,7 +20,7 @@ inline constexpr const char* kUri = "file:///store/page.html";
 inline const std::string kHostReadyMessage =
     frame_bytes(0, {}, {"window.onHostReady && window.onHostReady();"});
 
-// A host's session, and one web process that has connected to it.
+// A host's session with one connected web process.
 class SessionTest : public ::testing::Test {
   protected:
     explicit SessionTest(PageCheck* check = nullptr)
@@ -29,7 +29,7 @@ class SessionTest : public ::testing::Test {
         fakes.services.page_uri = kUri;
     }
 
-    // Waits until the host has taken everything that was sent to it.
+    // Waits until the host has handled everything that was sent to it.
     static void settle() { run_main_loop_until_idle(); }
 
     int loads = 0;

@@ -18,13 +18,13 @@
 namespace kestrel::testing {
 namespace {
 
-constexpr int kPatience = 30'000;  // milliseconds
+constexpr int kTimeout = 30'000;  // milliseconds
 
 void require(int error, const char* what) {
     if (error != 0) throw std::system_error(error, std::generic_category(), what);
 }
 
-// This program's environment, but for these variables.
+// The environment of this process with these variables replaced.
 std::vector<std::string> environment_with(std::vector<std::string> variables) {
     const std::size_t given = variables.size();
     for (char** variable = environ; *variable != nullptr; ++variable) {
@@ -69,7 +69,7 @@ WorkbenchProcess::~WorkbenchProcess() {
 
 bool WorkbenchProcess::read_more() {
     pollfd readable{pipe_, POLLIN, 0};
-    if (poll(&readable, 1, kPatience) == 0) send_signal(SIGKILL);
+    if (poll(&readable, 1, kTimeout) == 0) send_signal(SIGKILL);
     std::array<char, 4'096> piece;
     const ssize_t got = read(pipe_, piece.data(), piece.size());
     if (got > 0) output_.append(piece.data(), static_cast<std::size_t>(got));

@@ -7,9 +7,8 @@
 
 namespace kestrel::testing {
 
-// A running kestrel-workbench, whose temporary files are in the directory that it is given, and
-// whose user's data are in `data_directory`. Whoever waits for one that says nothing for thirty
-// seconds waits no longer, and ends it.
+// A running kestrel-workbench with these directories for its temporary files and for the user's
+// data. It is killed if it prints nothing for thirty seconds while a test waits for it.
 class WorkbenchProcess {
   public:
     WorkbenchProcess(std::vector<std::string> arguments, const std::string& temporary_directory,
@@ -18,13 +17,13 @@ class WorkbenchProcess {
     WorkbenchProcess(const WorkbenchProcess&) = delete;
     WorkbenchProcess& operator=(const WorkbenchProcess&) = delete;
 
-    // Waits for a line of output that holds this text; "" if none comes.
+    // Waits for a line of output that contains this text; returns it, or "" at the end of output.
     std::string wait_for_line(const std::string& text);
 
-    // Waits for the end. The exit status; 128 and the signal if one ended it.
+    // Waits for its end. Returns the exit status, or 128 + signal.
     int wait_for_end();
 
-    // What it has written on standard output and standard error, up to what was waited for.
+    // The output read so far, from standard output and standard error.
     const std::string& output() const { return output_; }
 
     void send_signal(int signal) const;

@@ -1,4 +1,4 @@
-// The actions that start or show something on the user's desktop.
+// Actions that start or show something on the user's desktop.
 #include <array>
 #include <utility>
 
@@ -10,14 +10,14 @@
 namespace kestrel {
 namespace {
 
-// One message carries all icons, and must have room for what else is told.
+// One message carries all icons and the rest of the answer.
 constexpr std::size_t kMaxIconsTogether = 3'000'000;
 
 ScriptValue start_result(const std::string& problem) {
     return {{"started", problem.empty()}, {"problem", problem}};
 }
 
-// Does `start`, which answers with a problem or "", if the user agrees.
+// Calls `start`, which reports a problem or "", if the user agrees.
 void ask_and_start(Services& services, const Question& question, const Reply& reply,
                    std::function<void(std::function<void(const std::string&)>)> start) {
     services.user_interface.ask(
@@ -64,7 +64,7 @@ void open_url(Services& services, const Request& request, const Reply& reply) {
                   [&services, uri](auto done) { services.apps.open(uri, std::move(done)); });
 }
 
-void tell_installed_apps(Services& services, const Request& /*request*/, const Reply& reply) {
+void get_installed_apps(Services& services, const Request& /*request*/, const Reply& reply) {
     ScriptValue applications = ScriptValue::array();
     std::size_t icon_bytes = 0;
     for (const InstalledApp& app : services.apps.list()) {
@@ -100,7 +100,7 @@ void open_default_store(Services& services, const Request& /*request*/, const Re
 
 void write_trace_message(Services& services, const Request& request, const Reply& /*reply*/) {
     services.user_interface.show_notice("the page says: " + request.text(0));
-    // Whatever the levels are set to: the page's author has asked for this line.
+    // Regardless of the levels: the page's author asked for this line.
     __ZynTrace(kLogKestrel, kAlwaysOn, "", "", 0, "%s", request.text(0).c_str());
 }
 

@@ -1,4 +1,4 @@
-// The actions that do something for the page that it cannot do itself.
+// Actions that do what a page cannot do itself.
 #include <algorithm>
 #include <cstdint>
 

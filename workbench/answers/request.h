@@ -8,7 +8,7 @@
 
 namespace kestrel {
 
-// The items of a message from the page. Whoever sent it may have left some out: those are 0 and "".
+// The items of a message from the page. Missing items are 0 and "".
 class Request {
   public:
     explicit Request(Items items) : items_(std::move(items)) {}

@@ -10,9 +10,9 @@
 
 namespace kestrel {
 
-// What actions are made of. Everything outlives the session that carries them out.
+// The services that actions use. All must outlive the session.
 struct Services {
-    std::string page_uri;  // of the page that is shown
+    std::string page_uri;  // of the shown page
     StoreDatabase& database;
     InstalledApps& apps;
     WebRequests& requests;

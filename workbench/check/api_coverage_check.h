@@ -1,8 +1,8 @@
-// Watches the page call every function once, and tells what did not happen.
+// Checks that the page calls every function and that every callback runs.
 //
-// It begins when the page says that it is ready: the page's function callEveryFunction is called.
-// It is over when the page has reported which callbacks ran and every answer has been confirmed.
-// The report is a trace message, a JSON object whose member "calledBack" is an array of names.
+// When the page is ready, its function callEveryFunction is called. The check is over when the page
+// has reported which callbacks ran and every answer has been confirmed. The report is a trace
+// message: a JSON object whose member "calledBack" is an array of names.
 #pragma once
 
 #include <map>
@@ -18,8 +18,8 @@ class ApiCoverageCheck final : public PageCheck {
   public:
     std::string on_command(const Command& command, const Request& request) override;
 
-    // These count from the first connection on: a confirmation may come after the beginning for an
-    // answer that was sent before.
+    // Counted from the first connection on: an answer that was sent before the page was ready may
+    // be confirmed afterwards.
     void on_answer_sent() override { ++unconfirmed_answers_; }
     void on_answer_confirmed() override { --unconfirmed_answers_; }
 

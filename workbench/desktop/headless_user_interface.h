@@ -4,8 +4,8 @@
 
 namespace kestrel {
 
-// Nobody is there: every question gets the same answer, within the call, and reports of errors are
-// closed with their buttons. What would be shown goes to a listener.
+// Without a user: every question gets the same answer and every error report is closed with its
+// button, both before the call returns. All that would be shown goes to a listener.
 class HeadlessUserInterface final : public UserInterface {
   public:
     struct Events {

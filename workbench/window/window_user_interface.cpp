@@ -11,10 +11,10 @@
 namespace kestrel {
 namespace {
 
-// A page can ask without end; the user sees some of it, and the rest is declined.
+// Further questions of the page are declined.
 constexpr std::size_t kMaxDialogs = 8;
 
-// What a page sends may be of any length; a dialog that is wider than the screen cannot be closed.
+// Texts from a page may be of any length; a dialog larger than the screen could not be closed.
 constexpr glong kMaxShown = 400;
 
 std::string shortened(const std::string& text) {
@@ -25,7 +25,7 @@ std::string shortened(const std::string& text) {
 
 using Event = std::unique_ptr<GdkEvent, decltype(&gdk_event_free)>;
 
-// A menu wants an event that it answers to; the one that made the page ask is long over.
+// GTK wants the triggering event for a menu; the one in the web process is not available.
 Event event_at(GdkWindow* window) {
     Event event(gdk_event_new(GDK_BUTTON_RELEASE), gdk_event_free);
     event->any.window = GDK_WINDOW(g_object_ref(window));

@@ -8,7 +8,7 @@
 
 namespace kestrel {
 
-// Dialogs and menus over a window, so that the page goes on meanwhile.
+// Shows dialogs and menus over a window, without blocking the page.
 class WindowUserInterface final : public UserInterface {
   public:
     struct Events {

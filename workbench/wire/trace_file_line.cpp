@@ -16,11 +16,11 @@ namespace {
 
 using nlohmann::json;
 
-// A message line is an object, with arrays, with objects for bytes; no frame of use has more items.
+// A message line is an object of arrays of objects (for bytes).
 constexpr int kMaxDepth = 3;
 constexpr int kMaxValues = 100'000;
 
-// Since 1970; the clock's type ends in 2262.
+// Since 1970; system_clock ends in 2262.
 constexpr gint64 kMaxSeconds = 9'000'000'000;
 
 struct DateTimeUnref {
@@ -32,7 +32,7 @@ json parse(std::string_view line) {
     int values = 0;
     const auto check = [&values](int depth, json::parse_event_t, const json&) {
         if (depth > kMaxDepth || ++values > kMaxValues)
-            throw InvalidTraceFileLine("no line of a trace");
+            throw InvalidTraceFileLine("not a trace line");
         return true;
     };
     json parsed = json::parse(line, check, false);
@@ -54,11 +54,12 @@ int integer(const json& value, const char* name) {
         const auto number = value.get<std::int64_t>();
         if (number >= Limits::min() && number <= Limits::max()) return static_cast<int>(number);
     }
-    throw InvalidTraceFileLine(std::string("\"") + name + "\" is no 32-bit integer");
+    throw InvalidTraceFileLine(std::string("\"") + name + "\" is not a 32-bit integer");
 }
 
 const std::string& text(const json& value, const char* name) {
-    if (!value.is_string()) throw InvalidTraceFileLine(std::string("\"") + name + "\" is no text");
+    if (!value.is_string())
+        throw InvalidTraceFileLine(std::string("\"") + name + "\" is not a string");
     return value.get_ref<const std::string&>();
 }
 
@@ -81,7 +82,7 @@ std::chrono::system_clock::time_point time_of(const json& object) {
     const std::string& iso = text(member(object, "time"), "time");
     const DateTime parsed(g_date_time_new_from_iso8601(iso.c_str(), nullptr));
     const gint64 seconds = parsed ? g_date_time_to_unix(parsed.get()) : -1;
-    if (seconds < 0 || seconds > kMaxSeconds) throw InvalidTraceFileLine("\"time\" is no time");
+    if (seconds < 0 || seconds > kMaxSeconds) throw InvalidTraceFileLine("\"time\" is not a time");
     return std::chrono::system_clock::time_point(
         std::chrono::seconds(seconds) +
         std::chrono::microseconds(g_date_time_get_microsecond(parsed.get())));
@@ -96,7 +97,8 @@ Direction direction_of(const json& object) {
 
 const json& list(const json& object, const char* name) {
     const json& value = member(object, name);
-    if (!value.is_array()) throw InvalidTraceFileLine(std::string("\"") + name + "\" is no list");
+    if (!value.is_array())
+        throw InvalidTraceFileLine(std::string("\"") + name + "\" is not an array");
     return value;
 }
 
@@ -107,12 +109,12 @@ Frame frame_of_items(const json& object, std::int32_t type) {
     for (const json& value : list(object, "strings")) {
         strings.push_back(value.is_object() ? bytes(value, "strings") : text(value, "strings"));
         if (strings.back().find('\0') != std::string::npos)
-            throw InvalidTraceFileLine("a string holds a NUL");
+            throw InvalidTraceFileLine("a string contains a NUL");
     }
     return build_frame(type, ints, std::vector<std::string_view>(strings.begin(), strings.end()));
 }
 
-// Of a frame whose items do not fit its header, the line has the bytes.
+// For a frame whose items do not fit its header, the line has the payload instead.
 Frame frame_of_bytes(const json& object, std::int32_t type) {
     const std::string payload = bytes(member(object, "payload"), "payload");
     Frame frame(static_cast<webkit_message*>(std::malloc(sizeof(webkit_message) + payload.size())));
@@ -129,7 +131,7 @@ MessageRecord message_in(const json& object) {
     record.direction = direction_of(object);
     const std::int32_t type = integer(member(object, "type"), "type");
     const std::int32_t length = integer(member(object, "length"), "length");
-    if (length < 0) throw InvalidTraceFileLine("\"length\" is below zero");
+    if (length < 0) throw InvalidTraceFileLine("\"length\" is negative");
     Frame frame =
         object.contains("payload") ? frame_of_bytes(object, type) : frame_of_items(object, type);
     if (!frame) throw InvalidTraceFileLine("longer than any frame");

@@ -7,19 +7,19 @@
 
 namespace kestrel {
 
-// A line that tells nothing: malformed, impossible or foreign. The text says why.
+// The line is malformed or not a trace line; the text says why.
 class InvalidTraceFileLine : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
 };
 
-// What a line of a trace tells, as docs/protocol.md describes it: a message, or a note. Throws
+// The message or note in a line of a trace file, in the format of docs/protocol.md. Throws
 // InvalidTraceFileLine or std::bad_alloc.
 //
-// The frame is made of the items that the line tells. Items leave out what a frame may hold besides
-// (bytes behind the last item, numbers in an odd spelling): the record is not exact then.
+// The frame is rebuilt from the items in the line. The record is not exact if the original frame
+// was longer (bytes after the last item, numbers with leading zeros).
 //
-// A line may come from anywhere; it costs a small multiple of its own length of memory.
+// Lines are untrusted; parsing uses memory in proportion to their length.
 MessageRecord parse_trace_file_line(std::string_view line);
 
 }  // namespace kestrel

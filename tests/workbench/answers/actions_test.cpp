@@ -1,4 +1,4 @@
-// What the page's callbacks get. Applications, requests and images have tests of their own.
+// The arguments of the page's callbacks. Applications, requests and images have separate tests.
 #include "workbench/answers/actions.h"
 
 #include <gmock/gmock.h>
@@ -22,7 +22,7 @@ using ::testing::StartsWith;
 
 class Actions : public ::testing::Test {
   protected:
-    // What reaches a page's callback `take`, as JSON; "no answer" if there is none yet.
+    // The arguments of the page's callback `take` as JSON, or "no answer".
     std::string answer(std::string_view name, std::vector<std::string> strings,
                        std::vector<int> ints = {}) {
         const auto command = std::ranges::find(kCommands, name, &Command::name);
@@ -47,7 +47,7 @@ class Actions : public ::testing::Test {
     std::string got;
 };
 
-TEST_F(Actions, KeepItems) {
+TEST_F(Actions, StoresItems) {
     EXPECT_EQ(answer("getItem", {"key", "take"}), "[null]");
     EXPECT_EQ(answer("setItem", {"key", "a \"value\"\n", "take"}), "[true]");
     EXPECT_EQ(answer("getItem", {"key", "take"}), R"(["a \"value\"\n"])");
@@ -55,7 +55,7 @@ TEST_F(Actions, KeepItems) {
     EXPECT_EQ(answer("getItem", {"key", "take"}), R"([""])");
 }
 
-TEST_F(Actions, KeepNoItemThatCouldNotBeSentBack) {
+TEST_F(Actions, RefusesItemsTooLongToSendBack) {
     answer("setItem", {"key", "old", ""});
     EXPECT_EQ(answer("setItem", {"key", std::string(kMaxInboundPayload, 'x'), "take"}), "[false]");
     EXPECT_EQ(answer("setItem", {"key", std::string(kMaxInboundPayload / 4, '"'), "take"}),
@@ -65,7 +65,7 @@ TEST_F(Actions, KeepNoItemThatCouldNotBeSentBack) {
     EXPECT_EQ(fakes.database.item("key")->size(), kMaxInboundPayload / 4);
 }
 
-TEST_F(Actions, KeepSubscriptionsInTheUsersOrder) {
+TEST_F(Actions, StoresSubscriptionsInTheUsersOrder) {
     EXPECT_EQ(answer("subscribe", {"a", "take"}), R"([["a"]])");
     EXPECT_EQ(answer("subscribe", {"b", "take"}), R"([["a","b"]])");
     EXPECT_EQ(answer("subscribe", {"a", "take"}), R"([["a","b"]])");
@@ -75,7 +75,7 @@ TEST_F(Actions, KeepSubscriptionsInTheUsersOrder) {
     EXPECT_EQ(answer("unsubscribe", {"b", "take"}), R"([["a"]])");
 }
 
-TEST_F(Actions, TakeWhatIsNoPositionForTheFirst) {
+TEST_F(Actions, TreatsAnInvalidPositionAsTheFirst) {
     for (const char* id : {"a", "b", "c"}) answer("subscribe", {id, ""});
     answer("updateSubPosition", {"c", "soon"});
     EXPECT_THAT(fakes.database.subscriptions(), ElementsAre("c", "a", "b"));
@@ -83,7 +83,7 @@ TEST_F(Actions, TakeWhatIsNoPositionForTheFirst) {
     EXPECT_THAT(fakes.database.subscriptions(), ElementsAre("c", "a", "b"));
 }
 
-TEST_F(Actions, LaunchNothingThatIsNotThere) {
+TEST_F(Actions, RefusesToLaunchMissingAppsAndFiles) {
     EXPECT_EQ(answer("launchApp", {"no such app", "take"}),
               R"([{"started":false,"problem":"there is no application no such app on this )"
               R"(computer"}])");
@@ -92,7 +92,7 @@ TEST_F(Actions, LaunchNothingThatIsNotThere) {
     EXPECT_THAT(fakes.user_interface.questions, IsEmpty());
 }
 
-TEST_F(Actions, StartNothingThatTheUserDeclines) {
+TEST_F(Actions, StartsNothingIfTheUserDeclines) {
     fakes.user_interface.agrees = false;
     std::ofstream(path("note.txt")) << "text";
     EXPECT_EQ(answer("launchResource", {"note.txt", "take"}),
@@ -103,7 +103,7 @@ TEST_F(Actions, StartNothingThatTheUserDeclines) {
     EXPECT_EQ(fakes.user_interface.questions[1].details, "https://store.example/");
 }
 
-TEST_F(Actions, RecolourFilesBesideThePageAndDataUris) {
+TEST_F(Actions, RecoloursFilesInThePagesDirectoryAndDataUris) {
     const std::string square =
         "<svg xmlns='http://www.w3.org/2000/svg' width='2' height='2'>"
         "<rect width='2' height='2'/></svg>";
@@ -117,13 +117,13 @@ TEST_F(Actions, RecolourFilesBesideThePageAndDataUris) {
                 StartsWith(R"([{"image":"","problem":")"));
 }
 
-TEST_F(Actions, AnswerARequestThatCannotBeSent) {
+TEST_F(Actions, AnswersAnInvalidWebRequestWithAnError) {
     answer("ajax", {"ftp://store.example/", "GET", "", "", "7", "take"});
     run_main_loop_until([&] { return got != "no answer"; });
     EXPECT_THAT(got, StartsWith(R"(["7","0",")"));
 }
 
-TEST_F(Actions, TellFileUrisOfFilesBesideThePageOnly) {
+TEST_F(Actions, ReturnsUrisOnlyOfFilesInThePagesDirectory) {
     std::filesystem::create_directory(path("a b"));
     std::ofstream(path("a b/c")) << "text";
     EXPECT_EQ(answer("getFileUri", {"a b/c", "take"}), "[\"file://" + path("a%20b/c") + "\"]");
@@ -134,7 +134,7 @@ TEST_F(Actions, TellFileUrisOfFilesBesideThePageOnly) {
     EXPECT_EQ(answer("getFileUri", {"c", "take"}), R"([""])");
 }
 
-TEST_F(Actions, AnswerTheErrorDialogWithTheButtonThatWasPressed) {
+TEST_F(Actions, AnswersErrorDialogWithThePressedButton) {
     EXPECT_EQ(answer("errorDialog", {"Title", "Details", "text", "Close", "take"}), R"(["Close"])");
     ASSERT_EQ(fakes.user_interface.reports.size(), 1U);
     EXPECT_EQ(fakes.user_interface.reports[0].title, "Title");
@@ -144,14 +144,14 @@ TEST_F(Actions, AnswerTheErrorDialogWithTheButtonThatWasPressed) {
     EXPECT_EQ(answer("errorDialog", {"", "", "text", "Close", "take"}), R"([""])");
 }
 
-TEST_F(Actions, AnswerTheErrorDialogWhenItIsClosed) {
-    fakes.user_interface.is_holding_back = true;
+TEST_F(Actions, AnswersErrorDialogOnlyWhenItIsClosed) {
+    fakes.user_interface.delays_answers = true;
     EXPECT_EQ(answer("errorDialog", {"", "", "text", "Close", "take"}), "no answer");
     fakes.user_interface.release();
     EXPECT_EQ(got, R"(["Close"])");
 }
 
-TEST_F(Actions, ShowTheSettingsMenuAtItsArea) {
+TEST_F(Actions, ShowsSettingsMenuAtItsArea) {
     answer("settingsMenu", {}, {10, 20, 30, -40});
     EXPECT_EQ(fakes.user_interface.menu.left, 10);
     EXPECT_EQ(fakes.user_interface.menu.top, 20);
@@ -159,7 +159,7 @@ TEST_F(Actions, ShowTheSettingsMenuAtItsArea) {
     EXPECT_EQ(fakes.user_interface.menu.height, -40);
 }
 
-TEST_F(Actions, ShowAccountsTracesAndTheDefaultStore) {
+TEST_F(Actions, ShowsAccountsTraceMessagesAndTheDefaultStore) {
     answer("showAccounts", {});
     answer("writeTraceMessage", {"a line"});
     EXPECT_THAT(fakes.user_interface.shown, ElementsAre("local", "the page says: a line"));
@@ -167,29 +167,29 @@ TEST_F(Actions, ShowAccountsTracesAndTheDefaultStore) {
     EXPECT_EQ(fakes.user_interface.default_stores, 1);
 }
 
-TEST_F(Actions, TellCapabilitiesToTheSecondArgumentWhichTravelsFirst) {
+TEST_F(Actions, ReturnsCapabilitiesToTheFirstSentText) {
     EXPECT_THAT(answer("getCapabilities", {"take", "page"}),
                 HasSubstr(R"("host":"kestrel-workbench")"));
 }
 
-TEST_F(Actions, TellTheStoresAddress) {
+TEST_F(Actions, ReturnsTheStoresAddress) {
     EXPECT_THAT(answer("getStoreDetails", {"take"}), HasSubstr(path("page.html")));
 }
 
-TEST_F(Actions, TellWhoTheUserIs) {
+TEST_F(Actions, ReturnsTheUsersNameAndAccount) {
     EXPECT_NE(answer("getUserDisplayName", {"take"}), R"([""])");
     EXPECT_THAT(answer("getAccountsAsync", {"take"}), StartsWith(R"([[{"id":"local","name":")"));
 }
 
-// Whatever a client leaves out is empty: nothing is read that is not there.
-TEST_F(Actions, AnswerNothingToMessagesWithoutItems) {
+// Missing items are read as empty.
+TEST_F(Actions, AnswersNothingToMessagesWithoutItems) {
     for (const Command& command : kCommands) {
         if (command.action == nullptr) continue;
         EXPECT_EQ(answer(command.name, {}), "no answer") << command.name;
     }
 }
 
-TEST(Commands, AreSentByAsManyFunctionsAsTheTableSays) {
+TEST(Commands, MatchTheNumberOfFunctionsThatSendThem) {
     for (const Command& command : kCommands) {
         EXPECT_EQ(std::ranges::count(kPageMethods, command.name, &PageMethod::member),
                   command.functions)

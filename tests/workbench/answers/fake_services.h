@@ -8,7 +8,8 @@
 
 namespace kestrel::testing {
 
-// Real services but for the user, with a page and a database in a directory of their own.
+// Real services, except for the user interface, with a page and a database in a temporary
+// directory.
 struct FakeServices {
     TemporaryDirectory directory;
     StoreDatabase database{directory.path() + "/store.db"};
@@ -22,7 +23,7 @@ struct FakeServices {
                       user_interface,
                       [](const std::string&) { return std::string("data:,icon"); }};
 
-    // From now on it cannot be read.
+    // Makes reading items fail.
     void break_database() const {
         SqliteDatabase(directory.path() + "/store.db").run("DROP TABLE item");
     }

@@ -12,7 +12,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-// Takes what fits into a message, as a session does.
+// Like a session, refuses answers that do not fit into a message.
 class ReplyTest : public ::testing::Test {
   protected:
     Reply reply_to(const std::string& callback) {
@@ -32,19 +32,19 @@ TEST_F(ReplyTest, CallsBackWithTheValue) {
     EXPECT_EQ(sent[0].callback, "(() => (take\n)(\"value\"))");
 }
 
-TEST_F(ReplyTest, SaysNothingToAPageThatNamedNoCallback) {
+TEST_F(ReplyTest, SendsNothingWithoutACallback) {
     reply_to("")(1);
     reply_to("")(AjaxResult{});
     EXPECT_THAT(sent, IsEmpty());
 }
 
-TEST_F(ReplyTest, BecomesNullWhenTheValueIsTooLong) {
+TEST_F(ReplyTest, SendsNullIfTheValueIsTooLong) {
     reply_to("take")(std::string(kMaxInboundPayload, '1'));
     ASSERT_EQ(sent.size(), 1U);
     EXPECT_EQ(sent[0].callback, "(() => (take\n)(null))");
 }
 
-TEST_F(ReplyTest, BecomesAFailureWhenARelayedBodyIsTooLong) {
+TEST_F(ReplyTest, SendsAnErrorIfARelayedBodyIsTooLong) {
     const AjaxResult result{"7", "200", "OK", "A: b", std::string(kMaxInboundPayload, 'x')};
     reply_to("zyns_ajax_complete")(result);
     ASSERT_EQ(sent.size(), 1U);
@@ -55,7 +55,7 @@ TEST_F(ReplyTest, BecomesAFailureWhenARelayedBodyIsTooLong) {
                             "", ""));
 }
 
-TEST_F(ReplyTest, KeepsARelayedBodyThatJustFits) {
+TEST_F(ReplyTest, SendsTheLongestRelayedBody) {
     AjaxResult result{"7", "200", "OK", "A: b", ""};
     const std::size_t rest = std::string("zyns_ajax_complete").size() + 1 + 2 + 4 + 3 + 5 + 1;
     result.body = std::string(kMaxInboundPayload - rest, 'x');

@@ -22,7 +22,7 @@ void report(ApiCoverageCheck& check, const std::string& trace) {
     check.on_command(command("writeTraceMessage"), Request({{}, {trace}}));
 }
 
-// Everything that has to happen, but for what is left out.
+// Runs a complete check, except for these two.
 ApiCoverageCheck run_check(std::string_view never_arrives = "",
                            std::string_view never_called_back = "") {
     ApiCoverageCheck check;
@@ -38,13 +38,13 @@ ApiCoverageCheck run_check(std::string_view never_arrives = "",
     return check;
 }
 
-TEST(ApiCoverageCheck, MissesNothingWhenEverythingHappened) {
+TEST(ApiCoverageCheck, SucceedsWhenAllFunctionsAndCallbacksRan) {
     const ApiCoverageCheck check = run_check();
     EXPECT_TRUE(check.is_over());
     EXPECT_THAT(check.failures(), IsEmpty());
 }
 
-TEST(ApiCoverageCheck, BeginsOnceWhenThePageIsReady) {
+TEST(ApiCoverageCheck, StartsOnceWhenThePageIsReady) {
     ApiCoverageCheck check;
     EXPECT_EQ(check.on_command(command("siteLoaded"), kNothing), "");
     EXPECT_EQ(check.on_command(command("ready"), kNothing),
@@ -52,11 +52,11 @@ TEST(ApiCoverageCheck, BeginsOnceWhenThePageIsReady) {
     EXPECT_EQ(check.on_command(command("ready"), kNothing), "");
 }
 
-TEST(ApiCoverageCheck, MissesThePagesBeginning) {
+TEST(ApiCoverageCheck, ReportsAPageThatIsNeverReady) {
     EXPECT_THAT(ApiCoverageCheck().failures(), ElementsAre("the page never said that it is ready"));
 }
 
-TEST(ApiCoverageCheck, MissesEachFunctionThatDidNotArrive) {
+TEST(ApiCoverageCheck, ReportsEachFunctionThatWasNotCalled) {
     for (const Command& each : kCommands) {
         const std::string line = std::string(each.name) + " reached the host 0 of " +
                                  std::to_string(each.functions) + " times";
@@ -64,7 +64,7 @@ TEST(ApiCoverageCheck, MissesEachFunctionThatDidNotArrive) {
     }
 }
 
-TEST(ApiCoverageCheck, MissesEachCallbackThatDidNotRun) {
+TEST(ApiCoverageCheck, ReportsEachCallbackThatDidNotRun) {
     for (const Command& each : kCommands) {
         if (!each.calls_back()) continue;
         EXPECT_THAT(run_check("", each.name).failures(),
@@ -80,7 +80,7 @@ TEST(ApiCoverageCheck, CountsBothFunctionsThatSendTheSameCommand) {
     EXPECT_THAT(check.failures(), IsEmpty());
 }
 
-TEST(ApiCoverageCheck, IsNotOverBeforeEveryAnswerIsConfirmed) {
+TEST(ApiCoverageCheck, WaitsForTheConfirmationOfEveryAnswer) {
     ApiCoverageCheck check = run_check();
     check.on_answer_sent();
     EXPECT_FALSE(check.is_over());
@@ -89,7 +89,7 @@ TEST(ApiCoverageCheck, IsNotOverBeforeEveryAnswerIsConfirmed) {
     EXPECT_TRUE(check.is_over());
 }
 
-TEST(ApiCoverageCheck, IsNotOverWithoutAReport) {
+TEST(ApiCoverageCheck, WaitsForAValidReport) {
     for (const char* trace : {"", "a trace line", "{", "[]", "null", R"({"calledBack":1})",
                               R"({"called":["getItem"]})"}) {
         ApiCoverageCheck check;
@@ -100,7 +100,7 @@ TEST(ApiCoverageCheck, IsNotOverWithoutAReport) {
     }
 }
 
-TEST(ApiCoverageCheck, PassesOverWhatIsNoNameInAReport) {
+TEST(ApiCoverageCheck, IgnoresReportEntriesThatAreNotNames) {
     ApiCoverageCheck check;
     begin(check);
     report(check, R"({"calledBack":[1,null,{},["getItem"],"getItem"]})");

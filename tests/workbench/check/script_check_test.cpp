@@ -12,8 +12,8 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
-// Runs the check's script as a page would, and hands the check what the page reports. The context
-// has no timers: `until` is tried out in real pages.
+// Runs the check's script in a context without a page and passes its reports to the check. The
+// context has no timers: `until` is tested in real pages.
 class ScriptCheckTest : public ::testing::Test {
   protected:
     static void run(ScriptCheck& check) {
@@ -34,7 +34,7 @@ class ScriptCheckTest : public ::testing::Test {
     }
 };
 
-TEST_F(ScriptCheckTest, CountsTheExpectationsThatHeld) {
+TEST_F(ScriptCheckTest, CountsMetExpectations) {
     ScriptCheck check("workbench.expect(true, 'a'); workbench.expect(1, 'b');");
     EXPECT_FALSE(check.is_over());
     run(check);
@@ -43,7 +43,7 @@ TEST_F(ScriptCheckTest, CountsTheExpectationsThatHeld) {
     EXPECT_EQ(check.success(), "all expectations held: 2");
 }
 
-TEST_F(ScriptCheckTest, NamesTheExpectationsThatDidNotHold) {
+TEST_F(ScriptCheckTest, ReportsFailedExpectations) {
     ScriptCheck check(
         "workbench.expect(0, 'a \"text\"'); workbench.expect(true, 'b');"
         "workbench.expect(null);");
@@ -59,14 +59,14 @@ TEST_F(ScriptCheckTest, FailsWhenTheScriptThrows) {
     EXPECT_THAT(check.failures()[0], HasSubstr("the script ends without an error: ReferenceError"));
 }
 
-TEST_F(ScriptCheckTest, HoldsForAScriptThatExpectsNothing) {
+TEST_F(ScriptCheckTest, SucceedsWithoutExpectations) {
     ScriptCheck check("");
     run(check);
     EXPECT_TRUE(check.is_over());
     EXPECT_THAT(check.failures(), IsEmpty());
 }
 
-TEST_F(ScriptCheckTest, TakesAScriptThatEndsInAComment) {
+TEST_F(ScriptCheckTest, AcceptsAScriptThatEndsInAComment) {
     ScriptCheck check("workbench.expect(true, 'a') // done");
     run(check);
     EXPECT_EQ(check.success(), "all expectations held: 1");
@@ -78,14 +78,14 @@ TEST_F(ScriptCheckTest, RunsTheScriptOnce) {
     EXPECT_EQ(check.on_page_shown(), "");
 }
 
-TEST_F(ScriptCheckTest, SaysHowFarItCame) {
+TEST_F(ScriptCheckTest, ReportsAnUnfinishedScript) {
     ScriptCheck check("");
     EXPECT_THAT(check.failures(), ElementsAre("the page was never shown"));
     check.on_page_shown();
     EXPECT_THAT(check.failures(), ElementsAre("the script has not come to its end"));
 }
 
-TEST_F(ScriptCheckTest, PassesOverTracesThatAreNoReports) {
+TEST_F(ScriptCheckTest, IgnoresOtherTraceMessages) {
     ScriptCheck check("");
     for (const char* text : {"", "a line", "{", "[]", "null", "{}", R"({"workbench":1})",
                              R"({"workbench":null})", R"({"over":true})"}) {
@@ -95,7 +95,7 @@ TEST_F(ScriptCheckTest, PassesOverTracesThatAreNoReports) {
     EXPECT_THAT(check.failures(), ElementsAre("the page was never shown"));
 }
 
-TEST_F(ScriptCheckTest, TakesAReportWithoutASoundResultAsAFailure) {
+TEST_F(ScriptCheckTest, TreatsAMalformedReportAsAFailure) {
     ScriptCheck check("");
     run(check);
     trace(check, R"({"workbench":{}})");
@@ -103,7 +103,7 @@ TEST_F(ScriptCheckTest, TakesAReportWithoutASoundResultAsAFailure) {
     EXPECT_THAT(check.failures(), ElementsAre("null", R"(["a"])"));
 }
 
-TEST(ScriptCheckSyntax, IsFoundWithItsLine) {
+TEST(ScriptCheckSyntax, ReportsASyntaxErrorWithItsLine) {
     EXPECT_EQ(ScriptCheck::find_syntax_error("await 1;\nreturn;"), "");
     EXPECT_THAT(ScriptCheck::find_syntax_error("let a;\nlet a;"),
                 StartsWith("line 2: Cannot declare"));

@@ -13,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Neither theme nor data URI care whether a file is the image that its name promises.
+// Neither the theme nor icon_data_uri decodes the file.
 class AppIconTest : public ::testing::Test {
   protected:
     AppIconTest() {
@@ -47,17 +47,17 @@ class AppIconTest : public ::testing::Test {
     ObjectHandle<GtkIconTheme> theme{gtk_icon_theme_new()};
 };
 
-TEST_F(AppIconTest, IsTheThemesFileForTheSize) {
+TEST_F(AppIconTest, UsesTheThemesFileForTheSize) {
     EXPECT_EQ(data_uri("editor"), "data:image/png;base64,c21hbGw=");
     EXPECT_EQ(data_uri("editor", 256), "data:image/svg+xml;base64,bGFyZ2U=");
     EXPECT_EQ(data_uri(". GThemedIcon missing editor"), "data:image/png;base64,c21hbGw=");
 }
 
-TEST_F(AppIconTest, MayBeAFileOfItsOwn) {
+TEST_F(AppIconTest, AcceptsTheNameOfAFile) {
     EXPECT_EQ(data_uri(directory.path() + "/own icon.jpg"), "data:image/jpeg;base64,cGhvdG8=");
 }
 
-TEST_F(AppIconTest, IsEmptyIfThereIsNoneThatAPageCanShow) {
+TEST_F(AppIconTest, IsEmptyWithoutAnIconThatBrowsersCanShow) {
     for (const std::string icon : {"", "missing", ". nonsense", "old", "http://127.0.0.1/a.png"}) {
         EXPECT_EQ(data_uri(icon), "") << icon;
     }
@@ -65,7 +65,7 @@ TEST_F(AppIconTest, IsEmptyIfThereIsNoneThatAPageCanShow) {
     EXPECT_EQ(data_uri(directory.path() + "/notes.txt"), "");
 }
 
-TEST_F(AppIconTest, IsNoLongerThanTheLimit) {
+TEST_F(AppIconTest, IsEmptyForAFileOverTheLimit) {
     EXPECT_NE(data_uri("fits"), "");
     EXPECT_EQ(data_uri("heavy"), "");
 }

@@ -24,14 +24,14 @@ class Catalogues : public ::testing::Test {
     TemporaryDirectory root;
 };
 
-TEST_F(Catalogues, AreFoundByNameOfTheirLocale) {
+TEST_F(Catalogues, AreListedByLocaleName) {
     for (const char* locale : {"pt_BR", "de", "fr"}) {
         add(std::string(locale) + "/LC_MESSAGES/kestrel.mo");
     }
     EXPECT_THAT(locales_with_catalogue(root.path()), ElementsAre("de", "fr", "pt_BR"));
 }
 
-TEST_F(Catalogues, AreNotWhatHasAnotherNameOrIsNoFile) {
+TEST_F(Catalogues, IgnoreOtherNamesAndDirectories) {
     add("de/LC_MESSAGES/other.mo");
     add("en/kestrel.mo");
     add("fr/LC_MESSAGES/kestrel.mo/file");
@@ -40,7 +40,7 @@ TEST_F(Catalogues, AreNotWhatHasAnotherNameOrIsNoFile) {
     EXPECT_THAT(locales_with_catalogue(root.path()), IsEmpty());
 }
 
-TEST_F(Catalogues, AreNoneWithoutTheirDirectory) {
+TEST_F(Catalogues, AreEmptyWithoutADirectory) {
     EXPECT_THAT(locales_with_catalogue(root.path()), IsEmpty());
     std::ofstream(root.path() + "/nls") << "";
     EXPECT_THAT(locales_with_catalogue(root.path()), IsEmpty());

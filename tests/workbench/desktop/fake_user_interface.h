@@ -8,7 +8,7 @@
 
 namespace kestrel::testing {
 
-// A user who answers everything alike, at once or when let go.
+// Answers everything with `agrees`, immediately or on release().
 class FakeUserInterface final : public UserInterface {
   public:
     void ask(const Question& question, std::function<void(bool)> done) override {
@@ -27,11 +27,11 @@ class FakeUserInterface final : public UserInterface {
     void open_default_store() override { ++default_stores; }
 
     void release() {
-        for (const auto& done : std::exchange(held_back_, {})) done(agrees);
+        for (const auto& done : std::exchange(delayed_, {})) done(agrees);
     }
 
     bool agrees = true;
-    bool is_holding_back = false;
+    bool delays_answers = false;
     std::vector<Question> questions;
     std::vector<ErrorReport> reports;
     std::vector<std::string> shown;
@@ -40,11 +40,11 @@ class FakeUserInterface final : public UserInterface {
 
   private:
     void answer(std::function<void(bool)> done) {
-        held_back_.push_back(std::move(done));
-        if (!is_holding_back) release();
+        delayed_.push_back(std::move(done));
+        if (!delays_answers) release();
     }
 
-    std::vector<std::function<void(bool)>> held_back_;
+    std::vector<std::function<void(bool)>> delayed_;
 };
 
 }  // namespace kestrel::testing

@@ -26,7 +26,7 @@ namespace fs = std::filesystem;
 
 constexpr const char* kHome = "/home of/the user";
 
-// A machine with these applications only. GLib looks where they are when it is first asked.
+// A machine with these applications only. GLib reads the directories on first use.
 class Machine : public ::testing::Environment {
   public:
     void SetUp() override {
@@ -40,7 +40,7 @@ class Machine : public ::testing::Environment {
         setenv("PATH", path.c_str(), 1);
 
         ASSERT_EQ(mkfifo((path + "/home").c_str(), 0600), 0);
-        // Held open to the end, so that no one launched waits for a reader.
+        // Kept open, so that launched programs do not block on opening it.
         pipe_.emplace(::open((path + "/home").c_str(), O_RDWR | O_CLOEXEC));
         write("tell-home", "#!/bin/sh\nprintf '%s' \"$HOME\" >" + path + "/home\n");
         fs::permissions(path + "/tell-home", fs::perms::owner_all);
@@ -67,7 +67,7 @@ class Machine : public ::testing::Environment {
 
     const std::string& path() const { return directory_->path(); }
 
-    // What the home directory of the next one launched is.
+    // The HOME of the next launched program.
     std::string read_home() const { return pipe_->read(std::string(kHome).size()); }
 
   private:
@@ -86,10 +86,10 @@ class Machine : public ::testing::Environment {
     std::optional<HostEnd> pipe_;
 };
 
-// GoogleTest takes it over.
+// GoogleTest takes ownership.
 const auto* const machine = static_cast<Machine*>(::testing::AddGlobalTestEnvironment(new Machine));
 
-// What launching one, or opening a URI, says; "(nothing)" if it says nothing.
+// The error of launching an application or opening a URI; "(nothing)" without a callback.
 std::string outcome_of(void (InstalledApps::*start)(const std::string&, InstalledApps::Done),
                        const std::string& what) {
     InstalledApps apps(kHome);
@@ -109,7 +109,7 @@ std::string outcome_of(void (InstalledApps::*start)(const std::string&, Installe
 std::string launch(const std::string& id) { return outcome_of(&InstalledApps::launch, id); }
 std::string open(const std::string& uri) { return outcome_of(&InstalledApps::open, uri); }
 
-TEST(InstalledApps, AreThoseThatTheDesktopShowsSortedByName) {
+TEST(InstalledApps, ListsVisibleAppsSortedByName) {
     EXPECT_THAT(
         InstalledApps(kHome).list(),
         ElementsAre(FieldsAre("console.desktop", "Console", "", ""),
@@ -119,21 +119,21 @@ TEST(InstalledApps, AreThoseThatTheDesktopShowsSortedByName) {
                     FieldsAre("zebra.desktop", "Zebra", "", "")));
 }
 
-TEST(InstalledApps, AreLaunchedInTheUsersOwnHome) {
+TEST(InstalledApps, LaunchesInTheUsersOwnHome) {
     for (const char* id : {"zebra.desktop", "sub-mail.desktop"}) {
         EXPECT_EQ(launch(id), "");
         EXPECT_EQ(machine->read_home(), kHome);
     }
 }
 
-TEST(InstalledApps, AreFoundByTheirIds) {
+TEST(InstalledApps, FindsAppsById) {
     EXPECT_THAT(InstalledApps(kHome).find("org.example.Editor.desktop"),
                 Optional(FieldsAre("org.example.Editor.desktop", "Editor", _, "editor")));
     EXPECT_FALSE(InstalledApps(kHome).find("no-display.desktop"));
     EXPECT_FALSE(InstalledApps(kHome).find(""));
 }
 
-TEST(InstalledApps, OpenWhatTheUserHasChosenThemFor) {
+TEST(InstalledApps, OpensWithTheUsersDefaultApplication) {
     EXPECT_EQ(open("kestrel-test:page"), "");
     EXPECT_EQ(machine->read_home(), kHome);
     for (const char* uri : {"kestrel-unheard-of:page", "file:///missing", "nonsense", ""}) {
@@ -141,7 +141,7 @@ TEST(InstalledApps, OpenWhatTheUserHasChosenThemFor) {
     }
 }
 
-TEST(InstalledApps, TellWhyOneCannotBeLaunched) {
+TEST(InstalledApps, ReportsWhyALaunchFails) {
     EXPECT_THAT(launch("console.desktop"), HasSubstr("terminal"));
     EXPECT_THAT(launch("no-exec.desktop"), HasSubstr("Exec"));
     for (const std::string id :
@@ -153,18 +153,18 @@ TEST(InstalledApps, TellWhyOneCannotBeLaunched) {
     EXPECT_EQ(launch(path), "no application is installed as " + path);
 }
 
-TEST(InstalledApps, CallNobodyOnceTheyAreDestroyed) {
+TEST(InstalledApps, CallsNothingAfterDestruction) {
     {
         InstalledApps apps(kHome);
         for (const char* id : {"no-exec.desktop", "unknown"}) {
             apps.launch(id, [](const std::string&) { FAIL() << "called"; });
         }
     }
-    // Another's answer comes after the time at which theirs would have come.
+    // This answer arrives after theirs would have arrived.
     EXPECT_THAT(launch("no-exec.desktop"), HasSubstr("Exec"));
 }
 
-TEST(InstalledApps, MayBeDestroyedByAnAnswer) {
+TEST(InstalledApps, MayBeDestroyedInTheCallback) {
     auto apps = std::make_unique<InstalledApps>(kHome);
     apps->launch("unknown", [&](const std::string&) { apps.reset(); });
     apps->launch("unknown", [](const std::string&) { FAIL() << "called"; });

@@ -36,7 +36,7 @@ void PrintTo(const Pixel& pixel, std::ostream* out) {
     *out << pixel.red << ',' << pixel.green << ',' << pixel.blue << ',' << pixel.alpha;
 }
 
-// A PNG with these pixels, so many a row; without transparency, if that is asked for.
+// A PNG of these pixels, with or without an alpha channel.
 std::string png_of(const std::vector<Pixel>& pixels, int width, bool has_alpha = true) {
     const int height = static_cast<int>(pixels.size()) / width;
     const Image image(
@@ -64,7 +64,7 @@ std::string base64_uri(const std::string& bytes, const std::string& type = "imag
     return "data:" + type + ";base64," + text.get();
 }
 
-// What a browser would show of a PNG data URI, row by row.
+// The pixels of a PNG data URI, row by row.
 std::vector<Pixel> pixels_of(const std::string& uri) {
     const std::string start = "data:image/png;base64,";
     EXPECT_THAT(uri, StartsWith(start));
@@ -100,7 +100,7 @@ std::string error_of(const std::string& uri) {
 
 class RecoloredImageTest : public ::testing::Test {
   protected:
-    // Its URI. The name's blank travels escaped.
+    // Returns its URI. The blank in the name is escaped.
     std::string write_file(const std::string& bytes) const {
         std::ofstream(directory.path() + "/an image", std::ios::binary) << bytes;
         return "file://" + directory.path() + "/an%20image";
@@ -109,7 +109,7 @@ class RecoloredImageTest : public ::testing::Test {
     TemporaryDirectory directory;
 };
 
-TEST_F(RecoloredImageTest, HasTheColorEverywhereAndKeepsHowOpaqueEachPixelIs) {
+TEST_F(RecoloredImageTest, SetsTheColorAndKeepsOpacity) {
     const std::string png = png_of({{0, 0, 0, 255}, {255, 255, 255, 128}, {9, 8, 7, 1}, {}}, 4);
     const auto expected = ElementsAre(Pixel{63, 94, 251, 255}, Pixel{63, 94, 251, 128},
                                       Pixel{63, 94, 251, 1}, Pixel{63, 94, 251, 0});
@@ -117,13 +117,13 @@ TEST_F(RecoloredImageTest, HasTheColorEverywhereAndKeepsHowOpaqueEachPixelIs) {
     EXPECT_THAT(recolored(base64_uri(png)), expected);
 }
 
-TEST_F(RecoloredImageTest, IsARectangleIfNothingIsTransparent) {
+TEST_F(RecoloredImageTest, FillsAnImageWithoutTransparency) {
     const std::string png = png_of({{1, 2, 3, 255}, {250, 251, 252, 255}}, 2, false);
     EXPECT_THAT(recolored(base64_uri(png)),
                 ElementsAre(Pixel{63, 94, 251, 255}, Pixel{63, 94, 251, 255}));
 }
 
-TEST_F(RecoloredImageTest, MayBeDrawnAsSvg) {
+TEST_F(RecoloredImageTest, ReadsSvg) {
     const std::string svg =
         "<svg xmlns='http://www.w3.org/2000/svg' width='2' height='2'>"
         "<rect width='2' height='1' fill='red'/></svg>";
@@ -136,7 +136,7 @@ TEST_F(RecoloredImageTest, MayBeDrawnAsSvg) {
     EXPECT_THAT(recolored(write_file(svg)), expected);
 }
 
-TEST_F(RecoloredImageTest, IsAsLargeAsTheLimitAndNoLarger) {
+TEST_F(RecoloredImageTest, LimitsTheSize) {
     const auto svg = [](const std::string& width, const std::string& height) {
         return "data:image/svg+xml,<svg xmlns='http://www.w3.org/2000/svg' width='" + width +
                "' height='" + height + "'/>";
@@ -147,8 +147,8 @@ TEST_F(RecoloredImageTest, IsAsLargeAsTheLimitAndNoLarger) {
     EXPECT_EQ(error_of(svg("1", "30000")), error);
 }
 
-// Images whose headers promise gigabytes.
-TEST_F(RecoloredImageTest, IsRefusedBeforeItTakesMemory) {
+// The headers of these images announce gigabytes.
+TEST_F(RecoloredImageTest, RefusesALargeImageBeforeAllocatingIt) {
     std::string png = png_of({{0, 0, 0, 255}}, 1);
     std::memcpy(png.data() + 16, "\0\0\x75\x30\0\0\x75\x30", 8);  // width and height in IHDR
     std::memcpy(png.data() + 29, "\x66\x27\xf8\xba", 4);          // its CRC
@@ -163,7 +163,7 @@ TEST_F(RecoloredImageTest, IsRefusedBeforeItTakesMemory) {
     }
 }
 
-TEST_F(RecoloredImageTest, CannotBeMadeOfWhatIsNoImage) {
+TEST_F(RecoloredImageTest, RefusesOtherData) {
     EXPECT_NE(error_of(write_file("This is a text, and quite a long one.")), "");
     EXPECT_NE(error_of(write_file("")), "");
     EXPECT_NE(error_of("data:,"), "");
@@ -171,7 +171,7 @@ TEST_F(RecoloredImageTest, CannotBeMadeOfWhatIsNoImage) {
     EXPECT_NE(error_of("data:image/svg+xml,<svg"), "");
 }
 
-TEST_F(RecoloredImageTest, CannotBeMadeOfHalfAnImage) {
+TEST_F(RecoloredImageTest, RefusesATruncatedImage) {
     std::vector<Pixel> pixels;
     for (int index = 0; index < 100 * 100; ++index) {
         pixels.push_back({index % 251, index % 241, index % 239, index * index % 256});
@@ -182,7 +182,7 @@ TEST_F(RecoloredImageTest, CannotBeMadeOfHalfAnImage) {
     }
 }
 
-TEST_F(RecoloredImageTest, IsReadFromThisMachineAlone) {
+TEST_F(RecoloredImageTest, ReadsLocalFilesOnly) {
     const std::string error = "an image must be a file or a data URI";
     for (const char* uri : {"http://127.0.0.1/a.png", "https://host/a.png", "ftp://host/a.png",
                             "sftp://host/a.png", "resource:///a.png", "square", "/a.png", ""}) {
@@ -193,7 +193,7 @@ TEST_F(RecoloredImageTest, IsReadFromThisMachineAlone) {
     EXPECT_THAT(error_of("file:a.png"), HasSubstr("this is not the URI of a file on this machine"));
 }
 
-TEST_F(RecoloredImageTest, IsReadFromRegularFilesAlone) {
+TEST_F(RecoloredImageTest, ReadsRegularFilesOnly) {
     EXPECT_EQ(error_of("file://" + directory.path() + "/missing"),
               directory.path() + "/missing: No such file or directory");
     EXPECT_EQ(error_of("file://" + directory.path()), directory.path() + " is not a file");
@@ -203,7 +203,7 @@ TEST_F(RecoloredImageTest, IsReadFromRegularFilesAlone) {
     EXPECT_EQ(error_of("file://" + pipe), pipe + " is not a file");
 }
 
-TEST(ImageSource, IsNoLongerThanTheLimit) {
+TEST(ImageSource, RefusesMoreBytesThanTheLimit) {
     const std::string error = "the image is longer than 4 bytes";
     EXPECT_EQ(read_image_source("data:,%61bcd", 4).bytes, "abcd");
     EXPECT_EQ(read_image_source("data:,abcde", 4).error, error);
@@ -219,7 +219,7 @@ TEST(ImageSource, IsNoLongerThanTheLimit) {
     EXPECT_EQ(read_image_source("file://" + path, 4).error, error);
 }
 
-TEST(ImageSource, KeepsEveryByteOfADataUri) {
+TEST(ImageSource, DecodesEveryByteOfADataUri) {
     EXPECT_EQ(read_image_source("data:,a%00b,c", 100).bytes, "a\0b,c"s);
     EXPECT_EQ(read_image_source("data:;base64,YQBi%59w%3D%3D", 100).bytes, "a\0bc"s);
     EXPECT_EQ(read_image_source("data:image/png", 100).error, "the data URI has no comma");

@@ -1,4 +1,4 @@
-// A second process with the store's database: "PATH set KEY VALUE", or "PATH push PREFIX COUNT",
+// Changes a store database from a second process: "PATH set KEY VALUE" or "PATH push PREFIX COUNT",
 // which subscribes to PREFIX0, PREFIX1, … and moves each to the front.
 #include <cstdlib>
 #include <iostream>

@@ -58,7 +58,7 @@ class StoreDatabaseTest : public ::testing::Test {
     std::string path = directory.path() + "/" + std::string(kStoreDatabaseFile);
 };
 
-TEST_F(StoreDatabaseTest, KeepsItemsAndTheOrderOfSubscriptionsWhenItIsOpenedAgain) {
+TEST_F(StoreDatabaseTest, KeepsItemsAndSubscriptionsWhenReopened) {
     {
         StoreDatabase database(path);
         database.set_item("theme", "light");
@@ -72,7 +72,7 @@ TEST_F(StoreDatabaseTest, KeepsItemsAndTheOrderOfSubscriptionsWhenItIsOpenedAgai
     EXPECT_THAT(database.subscriptions(), ElementsAre("c", "a", "b"));
 }
 
-TEST_F(StoreDatabaseTest, KeepsAnyBytesAsKeyAndValue) {
+TEST_F(StoreDatabaseTest, StoresAnyBytesAsKeyAndValue) {
     const std::array texts = {
         ""s,
         "Grüß Gott – \U0001f426"s,
@@ -92,7 +92,7 @@ TEST_F(StoreDatabaseTest, KeepsAnyBytesAsKeyAndValue) {
     EXPECT_THAT(database.item("emptied"), Optional(""s));
 }
 
-TEST_F(StoreDatabaseTest, KeepsALongValue) {
+TEST_F(StoreDatabaseTest, StoresALongValue) {
     const std::string value(20'000'000, 'v');
     StoreDatabase(path).set_item("long", value);
     EXPECT_TRUE(StoreDatabase(path).item("long") == value);
@@ -109,7 +109,7 @@ TEST_F(StoreDatabaseTest, SubscribesAndUnsubscribesOnce) {
     EXPECT_THAT(database.subscriptions(), ElementsAre(""));
 }
 
-TEST_F(StoreDatabaseTest, MovesToAPositionAndNotBehindTheLast) {
+TEST_F(StoreDatabaseTest, MovesToAPositionUpToTheLast) {
     StoreDatabase database(path);
     for (const char* id : {"a", "gone", "b", "c", "d"}) database.subscribe(id);
     database.unsubscribe("gone");
@@ -126,7 +126,7 @@ TEST_F(StoreDatabaseTest, MovesToAPositionAndNotBehindTheLast) {
     EXPECT_THAT(database.subscriptions(), ElementsAre("b", "c", "a", "d", "e"));
 }
 
-TEST_F(StoreDatabaseTest, SeesWhatAnotherProcessHasChanged) {
+TEST_F(StoreDatabaseTest, SeesChangesOfAnotherProcess) {
     const StoreDatabase database(path);
     ASSERT_TRUE(ends_well(start_probe({path, "set", "key", "from elsewhere"})));
     ASSERT_TRUE(ends_well(start_probe({path, "push", "app", "2"})));
@@ -134,7 +134,7 @@ TEST_F(StoreDatabaseTest, SeesWhatAnotherProcessHasChanged) {
     EXPECT_THAT(database.subscriptions(), ElementsAre("app1", "app0"));
 }
 
-TEST_F(StoreDatabaseTest, KeepsOneOrderWhileTwoProcessesCreateAndChangeIt) {
+TEST_F(StoreDatabaseTest, StaysConsistentWhileTwoProcessesCreateAndChangeIt) {
     constexpr int kCount = 60;
     const std::string count = std::to_string(kCount);
     const pid_t one = start_probe({path, "push", "one", count});
@@ -144,7 +144,7 @@ TEST_F(StoreDatabaseTest, KeepsOneOrderWhileTwoProcessesCreateAndChangeIt) {
 
     std::vector<std::string> ids = StoreDatabase(path).subscriptions();
     ASSERT_EQ(ids.size(), 2 * kCount);
-    // Each has put its own to the front, one after the other.
+    // Each process moved its own ids to the front in order.
     std::ranges::stable_partition(ids, [](const std::string& id) { return id.starts_with("one"); });
     for (int index = 0; index < kCount; ++index) {
         const std::string number = std::to_string(kCount - 1 - index);
@@ -203,29 +203,29 @@ TEST_F(StoreDatabaseTest, LosesNothingWhenTheFileCannotGrow) {
     EXPECT_THAT(StoreDatabase(path).item("key"), Optional("changed"s));
 }
 
-TEST_F(StoreDatabaseTest, LeavesAFileThatIsNoDatabase) {
+TEST_F(StoreDatabaseTest, RefusesOtherFilesWithoutChangingThem) {
     const std::string text(5'000, 't');
     std::ofstream(path) << text;
     EXPECT_EQ(error_of_opening(), path + " is not a database");
     EXPECT_EQ(file_content(path), text);
 }
 
-TEST_F(StoreDatabaseTest, LeavesADatabaseOfAnotherProgram) {
+TEST_F(StoreDatabaseTest, RefusesAnotherProgramsDatabaseWithoutChangingIt) {
     SqliteDatabase(path).run("CREATE TABLE item (other TEXT)");
     const std::string before = file_content(path);
-    EXPECT_EQ(error_of_opening(), path + " is the database of another program");
+    EXPECT_EQ(error_of_opening(), path + " belongs to another program");
     EXPECT_EQ(file_content(path), before);
 }
 
-TEST_F(StoreDatabaseTest, LeavesADatabaseOfANewerVersion) {
+TEST_F(StoreDatabaseTest, RefusesANewerVersionWithoutChangingIt) {
     StoreDatabase(path).set_item("key", "value");
     SqliteDatabase(path).run("PRAGMA user_version = 2");
     const std::string before = file_content(path);
-    EXPECT_EQ(error_of_opening(), path + " is of version 2, but this program knows version 1 only");
+    EXPECT_EQ(error_of_opening(), path + " has version 2, but this program supports only version 1");
     EXPECT_EQ(file_content(path), before);
 }
 
-TEST_F(StoreDatabaseTest, TellsOfADamagedDatabase) {
+TEST_F(StoreDatabaseTest, ReportsADamagedDatabase) {
     {
         StoreDatabase database(path);
         database.set_item("key", std::string(100'000, 'v'));
@@ -239,14 +239,14 @@ TEST_F(StoreDatabaseTest, TellsOfADamagedDatabase) {
     }
 }
 
-TEST_F(StoreDatabaseTest, CannotBeADirectoryOrInAMissingOne) {
+TEST_F(StoreDatabaseTest, RefusesADirectoryAndAMissingDirectory) {
     fs::create_directory(path);
     EXPECT_EQ(error_of_opening(), path + " cannot be opened or created");
     path = directory.path() + "/missing/store.db";
     EXPECT_EQ(error_of_opening(), path + " cannot be opened or created");
 }
 
-TEST_F(StoreDatabaseTest, CannotBeAFileThatTheUserMayOnlyRead) {
+TEST_F(StoreDatabaseTest, RefusesAReadOnlyFile) {
     constexpr uid_t kNobody = 65'534;
     const uid_t user = geteuid();
     { const StoreDatabase database(path); }

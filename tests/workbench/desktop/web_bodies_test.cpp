@@ -1,4 +1,4 @@
-// The bodies of web requests and of their answers: how long they may be, and how they are read.
+// The length and decoding of request and response bodies.
 #include <gio/gio.h>
 #include <gmock/gmock.h>
 
@@ -25,7 +25,7 @@ std::string compressed(std::string text) {
     return bytes;
 }
 
-TEST(WebRequests, BringTenMegabytesWhole) {
+TEST(WebRequests, ReceivesTenMegabytes) {
     std::string body(10'000'000, ' ');
     for (std::size_t index = 0; index < body.size(); ++index) {
         body[index] = static_cast<char>('a' + index % 23);
@@ -36,14 +36,14 @@ TEST(WebRequests, BringTenMegabytesWhole) {
     EXPECT_TRUE(response.body == body);
 }
 
-TEST(WebRequests, SendTenMegabytesWhole) {
+TEST(WebRequests, SendsTenMegabytes) {
     const std::string body(10'000'000, 'b');
     const WebServer server([](const std::string&) { return answer("200 OK", "", ""); });
     EXPECT_EQ(response_to({.url = server.url(), .method = "POST", .body = body}).status, 200);
     EXPECT_TRUE(server.requests().front().ends_with("\r\n\r\n" + body));
 }
 
-TEST(WebRequests, TakeABodyAsLongAsTheLimitAndNoLonger) {
+TEST(WebRequests, AcceptsABodyUpToTheLimit) {
     const WebServer server([](const std::string& request) {
         return answer("200 OK", "",
                       std::string(asks_for(request, "/long") ? 100'001 : 100'000, 'x'));
@@ -54,13 +54,13 @@ TEST(WebRequests, TakeABodyAsLongAsTheLimitAndNoLonger) {
                    "the answer is longer than 100000 bytes");
 }
 
-TEST(WebRequests, StopReadingABodyWithoutAnEnd) {
+TEST(WebRequests, StopsReadingAnEndlessBody) {
     const WebServer server(
         [](const std::string&) { return "HTTP/1.1 200 OK\r\n\r\n" + std::string(20 << 20, 'x'); });
     expect_failure(response_to({.url = server.url()}), "the answer is longer than 16777216 bytes");
 }
 
-TEST(WebRequests, MeasureTheBodyAsThePageWouldGetIt) {
+TEST(WebRequests, LimitsTheDecompressedBody) {
     const WebServer server([](const std::string& request) {
         return answer("200 OK", "Content-Encoding: gzip\r\n",
                       compressed(std::string(asks_for(request, "/long") ? 5'000'000 : 5'000, 'x')));
@@ -71,7 +71,7 @@ TEST(WebRequests, MeasureTheBodyAsThePageWouldGetIt) {
                    "the answer is longer than 100000 bytes");
 }
 
-TEST(WebRequests, DecodeTheBodyAsItsCharsetSays) {
+TEST(WebRequests, DecodesTheBodyFromItsCharset) {
     const WebServer server([](const std::string& request) {
         const std::string charset = asks_for(request, "/latin") ? "; charset=\"iso-8859-1\"" : "";
         return answer("200 OK", "Content-Type: text/plain" + charset + "\r\nX: \xfc\r\n",

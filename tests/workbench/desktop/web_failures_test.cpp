@@ -1,4 +1,4 @@
-// Web requests that come to nothing: the page is told why.
+// Failing web requests: the page gets the reason.
 #include <gmock/gmock.h>
 
 #include <chrono>
@@ -12,7 +12,7 @@ using namespace std::chrono_literals;
 using namespace std::string_literals;
 using ::testing::SizeIs;
 
-TEST(WebRequests, TellThatNobodyListens) {
+TEST(WebRequests, ReportsARefusedConnection) {
     std::string url;
     {
         const WebServer server([](const std::string&) { return kSilence; });
@@ -21,18 +21,18 @@ TEST(WebRequests, TellThatNobodyListens) {
     expect_failure(response_to({.url = url}), "onnect");
 }
 
-TEST(WebRequests, TellThatAHostIsUnknown) {
+TEST(WebRequests, ReportsAnUnknownHost) {
     const WebResponse response = response_to({.url = "http://no-such-host.invalid/"});
     expect_failure(response, "no-such-host.invalid");
 }
 
-TEST(WebRequests, TellThatTheServerIsSilent) {
+TEST(WebRequests, ReportsATimeout) {
     const WebServer server([](const std::string&) { return kSilence; });
     expect_failure(response_to({.url = server.url()}, {.time = 100ms}),
                    "there was no whole answer within 100 ms");
 }
 
-TEST(WebRequests, TellThatTheServerFallsSilentAmidTheBody) {
+TEST(WebRequests, ReportsATimeoutWithinTheBody) {
     const WebServer server([](const std::string&) {
         return WebServer::Saying("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nhalf", false);
     });
@@ -40,7 +40,7 @@ TEST(WebRequests, TellThatTheServerFallsSilentAmidTheBody) {
                    "there was no whole answer within 200 ms");
 }
 
-TEST(WebRequests, TellThatTheServerIsSilentAfterARedirect) {
+TEST(WebRequests, ReportsATimeoutAfterARedirect) {
     const WebServer server([](const std::string& request) {
         return asks_for(request, "/") ? redirect_to("/next") : kSilence;
     });
@@ -49,7 +49,7 @@ TEST(WebRequests, TellThatTheServerIsSilentAfterARedirect) {
     EXPECT_THAT(server.requests(), SizeIs(2));
 }
 
-TEST(WebRequests, TellThatTheConnectionEndsAmidTheBody) {
+TEST(WebRequests, ReportsAConnectionClosedWithinTheBody) {
     const WebServer server(
         [](const std::string&) { return "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nhalf"s; });
     const WebResponse response = response_to({.url = server.url()});
@@ -57,14 +57,14 @@ TEST(WebRequests, TellThatTheConnectionEndsAmidTheBody) {
     expect_failure(response, "");
 }
 
-TEST(WebRequests, TellThatAnAnswerIsNotHttp) {
+TEST(WebRequests, ReportsAnInvalidHttpResponse) {
     const WebServer server([](const std::string&) { return "SSH-2.0-server\r\n"s; });
     const WebResponse response = response_to({.url = server.url()});
     EXPECT_NE(response.status_text, "");
     expect_failure(response, "");
 }
 
-TEST(WebRequests, TellWhatIsWrongWithARequest) {
+TEST(WebRequests, ReportsInvalidRequests) {
     const WebServer server([](const std::string&) { return answer("200 OK", "", ""); });
     expect_failure(response_to({.url = "ftp://127.0.0.1/"}), "only http and https are relayed");
     expect_failure(response_to({.url = "http://[::1"}), "this is not a URL: http://[::1");

@@ -1,4 +1,4 @@
-// Web requests that are sent to another place.
+// Redirected web requests.
 #include <gmock/gmock.h>
 
 #include "tests/workbench/desktop/web_answers.h"
@@ -14,7 +14,7 @@ using ::testing::HasSubstr;
 using ::testing::SizeIs;
 using ::testing::StartsWith;
 
-TEST(WebRequests, FollowARedirectWithoutTheBody) {
+TEST(WebRequests, FollowsARedirectWithoutTheBody) {
     const WebServer server([](const std::string& request) {
         return asks_for(request, "/old") ? redirect_to("new") : answer("200 OK", "", "here");
     });
@@ -27,7 +27,7 @@ TEST(WebRequests, FollowARedirectWithoutTheBody) {
                             AllOf(StartsWith("GET /new HTTP/1.1\r\n"), EndsWith("\r\n\r\n"))));
 }
 
-TEST(WebRequests, LeaveARedirectOfTheBodyToThePage) {
+TEST(WebRequests, ReturnsARedirectOfTheBodyToThePage) {
     const WebServer server(
         [](const std::string&) { return redirect_to("/new", "307 Temporary Redirect"); });
     const WebResponse response =
@@ -37,16 +37,16 @@ TEST(WebRequests, LeaveARedirectOfTheBodyToThePage) {
     EXPECT_THAT(server.requests(), SizeIs(1));
 }
 
-TEST(WebRequests, LeaveARedirectLoop) {
+TEST(WebRequests, StopsARedirectLoop) {
     const WebServer server([](const std::string&) { return redirect_to("/again"); });
     expect_failure(response_to({.url = server.url()}), "redirect");
     EXPECT_THAT(server.requests(), SizeIs(::testing::Le(22)));
 }
 
-TEST(WebRequests, DoNotFollowARedirectOutOfTheWeb) {
+TEST(WebRequests, DoesNotFollowARedirectToAnotherScheme) {
     const WebServer server([](const std::string&) { return redirect_to("file:///etc/hostname"); });
     const WebResponse response = response_to({.url = server.url()});
-    // libsoup 2.4 brings the redirect itself, libsoup 3 an error.
+    // libsoup 2.4 returns the redirect itself, libsoup 3 an error.
     EXPECT_THAT(response.status, AnyOf(302, 0));
     EXPECT_EQ(response.body, "");
 }

@@ -14,7 +14,7 @@ std::string fault_of_headers(const std::string& headers) {
     return check({.url = "http://host/", .headers = headers}).fault;
 }
 
-TEST(WebRequest, HasOneHeaderALine) {
+TEST(WebRequest, ParsesOneHeaderPerLine) {
     const CheckedRequest checked = check(
         {.url = "https://host/",
          .method = "Post",
@@ -27,14 +27,14 @@ TEST(WebRequest, HasOneHeaderALine) {
                             Pair("X-Blanks", "a: b"), Pair("X-Twice", "1"), Pair("X-Twice", "2")));
 }
 
-TEST(WebRequest, IsAGetWithoutHeadersIfThePageSaysNothing) {
+TEST(WebRequest, DefaultsToGetWithoutHeaders) {
     const CheckedRequest checked = check({.url = "HTTP://host/"});
     EXPECT_EQ(checked.fault, "");
     EXPECT_EQ(checked.method, "GET");
     EXPECT_THAT(checked.headers, IsEmpty());
 }
 
-TEST(WebRequest, MustNameAnAddressOfTheWeb) {
+TEST(WebRequest, RejectsOtherSchemes) {
     const auto fault = [](const std::string& url) { return check({.url = url}).fault; };
     EXPECT_EQ(fault(""), "this is not a URL: ");
     EXPECT_EQ(fault("/path"), "this is not a URL: /path");
@@ -46,7 +46,7 @@ TEST(WebRequest, MustNameAnAddressOfTheWeb) {
     }
 }
 
-TEST(WebRequest, MustHaveAMethodThatConcernsTheRequestAlone) {
+TEST(WebRequest, RejectsMethodsOfTheConnection) {
     const auto fault = [](const std::string& method) {
         return check({.url = "http://host/", .method = method}).fault;
     };
@@ -57,7 +57,7 @@ TEST(WebRequest, MustHaveAMethodThatConcernsTheRequestAlone) {
     EXPECT_EQ(fault("connect"), "this is not a method that is relayed: CONNECT");
 }
 
-TEST(WebRequest, MustHaveWholeHeaders) {
+TEST(WebRequest, RejectsMalformedHeaders) {
     for (const char* line : {"no colon", ": no name", "X y: blank in the name", " X: folded",
                              "X : blank behind the name", "Ä: not ASCII"}) {
         EXPECT_EQ(fault_of_headers("Accept: */*\n"s + line),
@@ -65,7 +65,7 @@ TEST(WebRequest, MustHaveWholeHeaders) {
     }
 }
 
-TEST(WebRequest, CannotSmuggleAHeaderInAnothersValue) {
+TEST(WebRequest, RejectsControlCharactersInHeaders) {
     const std::string fault = "this header's value holds a control character: X";
     EXPECT_EQ(fault_of_headers("X: a\rHost: elsewhere"), fault);
     EXPECT_EQ(fault_of_headers("X: a\r\r\nY: b"), fault);
@@ -74,7 +74,7 @@ TEST(WebRequest, CannotSmuggleAHeaderInAnothersValue) {
     EXPECT_EQ(fault_of_headers("X: a\tb"), "");
 }
 
-TEST(WebRequest, LeavesTheConnectionsHeadersToTheHost) {
+TEST(WebRequest, RejectsHeadersOfTheConnection) {
     for (const char* name : {"Connection", "content-length", "EXPECT", "Host", "Keep-Alive", "TE",
                              "Trailer", "Upgrade", "Transfer-Encoding"}) {
         EXPECT_EQ(fault_of_headers(name + ": 1"s),
@@ -82,13 +82,13 @@ TEST(WebRequest, LeavesTheConnectionsHeadersToTheHost) {
     }
 }
 
-TEST(BodyText, IsDecodedAsTheCharsetSays) {
+TEST(BodyText, IsDecodedFromItsCharset) {
     EXPECT_EQ(text_of_body("Gr\xfc\xdf Gott", "ISO-8859-1"), "Grüß Gott");
     EXPECT_EQ(text_of_body("\xff\xfeG\0\xfc\0"s, "utf-16"), "Gü");
     EXPECT_EQ(text_of_body("Grüß Gott", "utf-8"), "Grüß Gott");
 }
 
-TEST(BodyText, IsAlwaysUtf8WithoutNuls) {
+TEST(BodyText, IsValidUtf8WithoutNuls) {
     EXPECT_EQ(text_of_body("", ""), "");
     EXPECT_EQ(text_of_body("", "utf-8"), "");
     EXPECT_EQ(text_of_body("Grüß Gott", ""), "Grüß Gott");

@@ -18,7 +18,7 @@ using ::testing::Not;
 using ::testing::SizeIs;
 using ::testing::StartsWith;
 
-TEST(WebRequests, SendWhatThePageSaysAndBringWhatTheServerSays) {
+TEST(WebRequests, SendsTheRequestAndReturnsTheResponse) {
     const WebServer server([](const std::string&) {
         return answer("201 Made it", "X-One: 1\r\nX-Two: a: b\r\n", "Grüß Gott");
     });
@@ -41,7 +41,7 @@ TEST(WebRequests, SendWhatThePageSaysAndBringWhatTheServerSays) {
                       EndsWith("\r\n\r\n{\"name\": \"Grüß\"}")));
 }
 
-TEST(WebRequests, AddOnlyWhatThePageHasLeftOut) {
+TEST(WebRequests, AddsOnlyMissingHeaders) {
     const WebServer server([](const std::string&) { return answer("204 No Content", "", ""); });
     response_to({.url = server.url(), .method = "POST", .body = "text"});
     response_to({.url = server.url(), .method = "POST", .headers = "user-agent: mine"});
@@ -56,7 +56,7 @@ TEST(WebRequests, AddOnlyWhatThePageHasLeftOut) {
                       Not(HasSubstr("Content-Type"))));
 }
 
-TEST(WebRequests, BringTheServersErrors) {
+TEST(WebRequests, ReturnsServerErrors) {
     const WebServer server(
         [](const std::string&) { return answer("404 Not Found", "", "no such page"); });
     const WebResponse response = response_to({.url = server.url()});
@@ -65,7 +65,7 @@ TEST(WebRequests, BringTheServersErrors) {
     EXPECT_EQ(response.body, "no such page");
 }
 
-TEST(WebRequests, KeepCookies) {
+TEST(WebRequests, KeepsCookies) {
     const WebServer server(
         [](const std::string&) { return answer("200 OK", "Set-Cookie: visit=1; Path=/\r\n", ""); });
     WebRequests requests;
@@ -78,7 +78,7 @@ TEST(WebRequests, KeepCookies) {
                 ElementsAre(Not(HasSubstr("Cookie")), HasSubstr("\r\nCookie: visit=1\r\n")));
 }
 
-TEST(WebRequests, ServeManyAtOnce) {
+TEST(WebRequests, HandlesManyAtOnce) {
     const WebServer server([](const std::string& request) {
         return answer("200 OK", "", request.substr(0, request.find(" HTTP")));
     });
@@ -98,7 +98,7 @@ TEST(WebRequests, ServeManyAtOnce) {
     }
 }
 
-TEST(WebRequests, CallNobodyOnceTheyAreDestroyed) {
+TEST(WebRequests, CallsNothingAfterDestruction) {
     const WebServer server([](const std::string& request) -> WebServer::Saying {
         if (asks_for(request, "/silent")) return kSilence;
         return answer("200 OK", "", "");
@@ -118,7 +118,7 @@ TEST(WebRequests, CallNobodyOnceTheyAreDestroyed) {
     EXPECT_EQ(calls, 2);
 }
 
-TEST(WebRequests, MayBeDestroyedByAnAnswer) {
+TEST(WebRequests, MayBeDestroyedInTheCallback) {
     const WebServer server([](const std::string& request) {
         return asks_for(request, "/") ? answer("200 OK", "", "body") : kSilence;
     });

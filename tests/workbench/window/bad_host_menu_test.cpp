@@ -23,7 +23,7 @@ class BadHostMenuTest : public ::testing::Test {
     ShownWidget shown{menu.widget()};
 };
 
-TEST_F(BadHostMenuTest, HasOneChoiceForEachWayAndShowsIt) {
+TEST_F(BadHostMenuTest, HasAChoiceForEachMisbehaviorAndShowsIt) {
     EXPECT_EQ(label(), "Bad host");
     for (const MisbehaviorRow& row : kMisbehaviors) {
         if (row.kind == Misbehavior::none) continue;
@@ -38,7 +38,7 @@ TEST_F(BadHostMenuTest, HasOneChoiceForEachWayAndShowsIt) {
     EXPECT_EQ(label(), "Bad host");
 }
 
-TEST_F(BadHostMenuTest, DoesSomeAtOnceWithoutChoosingThem) {
+TEST_F(BadHostMenuTest, TriggersSomeImmediatelyWithoutChoosingThem) {
     for (const char* name :
          {"Wrong type now", "Truncated message now", "Oversize now", "Hangs up now"}) {
         choose(name);

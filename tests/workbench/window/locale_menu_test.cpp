@@ -30,7 +30,7 @@ class LocaleMenuTest : public ::testing::Test {
     std::vector<std::string> chosen;
 };
 
-TEST_F(LocaleMenuTest, ShowsTheCurrentLocaleAndTellsWhichIsChosen) {
+TEST_F(LocaleMenuTest, ShowsTheCurrentLocaleAndReportsTheChoice) {
     const auto locales = menu({"de", "fr"}, "fr");
     const ShownWidget shown(locales->widget());
     EXPECT_TRUE(is_active(*locales, "fr"));
@@ -40,7 +40,7 @@ TEST_F(LocaleMenuTest, ShowsTheCurrentLocaleAndTellsWhichIsChosen) {
     EXPECT_THAT(chosen, ElementsAre("de", ""));
 }
 
-TEST_F(LocaleMenuTest, HasTheCurrentLocaleEvenIfItIsNotAmongThem) {
+TEST_F(LocaleMenuTest, IncludesTheCurrentLocaleIfItHasNoCatalogue) {
     const auto locales = menu({"de"}, "de_AT");
     EXPECT_TRUE(is_active(*locales, "de_AT"));
 }

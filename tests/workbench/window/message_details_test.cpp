@@ -11,7 +11,7 @@ namespace {
 
 using ::testing::HasSubstr;
 
-TEST(MessageDetails, ShowsItemsAndBytesToBeCopied) {
+TEST(MessageDetails, ShowsItemsAndBytesAsSelectableText) {
     MessageLog log;
     log.add(from_page(18, {"k\xff", "take"}));
     MessageDetails details;

@@ -29,7 +29,7 @@ class MessageListTest : public ::testing::Test {
     std::vector<std::string> serials() const { return column(rows, 0); }
 
     GtkAdjustment* position() const { return gtk_scrollable_get_vadjustment(GTK_SCROLLABLE(rows)); }
-    // Whether the last row comes into sight when all rows are laid out.
+    // Whether the last row becomes visible once all rows are laid out.
     bool comes_to_end() const {
         return run_main_loop_until([&] {
             const double size = gtk_adjustment_get_page_size(position());
@@ -60,7 +60,7 @@ class MessageListTest : public ::testing::Test {
     GtkWidget* rows = part(list.widget(), "messages");
 };
 
-TEST_F(MessageListTest, ShowsWhatIsKnownOfEachMessage) {
+TEST_F(MessageListTest, ShowsTheColumnsOfEachMessage) {
     log.add(from_page(18, {"key", "take"}));
     log.add(later(to_page(1, {"(() => (take\n)(null))"}), microseconds(4'200)));
     MessageRecord note = record_of("a note");
@@ -76,7 +76,7 @@ TEST_F(MessageListTest, ShowsWhatIsKnownOfEachMessage) {
     EXPECT_THAT(cells(rows, 2), ElementsAre("3", time, "", "", "", "a note", "", ""));
 }
 
-TEST_F(MessageListTest, TiesARequestThatIsShownToItsAnswer) {
+TEST_F(MessageListTest, ShowsTheAnswerOfARequest) {
     log.add(from_page(18, {"key", "take"}));
     wait_for_rows(1);
     EXPECT_THAT(column(rows, kPairColumn), ElementsAre(""));
@@ -107,11 +107,12 @@ TEST_F(MessageListTest, ShowsTheNewestOfABurst) {
     EXPECT_EQ(most_rows, 20'000);
     EXPECT_EQ(cells(rows, 0)[0], "80001");
     EXPECT_EQ(text_in(find("count")), "20,000 shown");
-    EXPECT_LT(updates, kMessages / 500);  // not with every portion: the rest of the window lives
+    EXPECT_LT(updates,
+              kMessages / 500);  // updates are batched, so that the window stays responsive
     EXPECT_TRUE(comes_to_end());
 }
 
-TEST_F(MessageListTest, ReplacesItsRowsPortionByPortion) {
+TEST_F(MessageListTest, DropsOldRowsAsNewOnesArrive) {
     for (int last = 10'000; last <= 50'000; last += 10'000) {
         for (int i = 0; i < 10'000; ++i) log.add(from_page(5, {"action"}));
         ASSERT_TRUE(run_main_loop_until(
@@ -122,7 +123,7 @@ TEST_F(MessageListTest, ReplacesItsRowsPortionByPortion) {
     }
 }
 
-TEST_F(MessageListTest, ShowsWhatTheFilterLetsPass) {
+TEST_F(MessageListTest, ShowsMatchingMessagesOnly) {
     log.add(from_page(18, {"key", "take"}));
     log.add(from_page(19, {"key", "value", "take"}));
     log.add(from_page(6, {}));
@@ -139,7 +140,7 @@ TEST_F(MessageListTest, ShowsWhatTheFilterLetsPass) {
     EXPECT_THAT(serials(), ElementsAre("1", "2", "3", "4", "5"));
 }
 
-TEST_F(MessageListTest, StandsStillWhilePausedAndTellsHowManyWait) {
+TEST_F(MessageListTest, IsFrozenWhilePausedAndCountsWaitingMessages) {
     add_notes(2);
     wait_for_rows(2);
     gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(find("pause")), TRUE);
@@ -151,7 +152,7 @@ TEST_F(MessageListTest, StandsStillWhilePausedAndTellsHowManyWait) {
     EXPECT_EQ(text_in(find("count")), "1,502 shown");
 }
 
-TEST_F(MessageListTest, EmptiesWhenItIsCleared) {
+TEST_F(MessageListTest, IsEmptyAfterClear) {
     add_notes(3);
     wait_for_rows(3);
     gtk_button_clicked(GTK_BUTTON(find("clear")));
@@ -186,7 +187,7 @@ TEST_F(MessageListTest, FollowsTheNewestUntilItIsScrolledUp) {
     EXPECT_TRUE(comes_to_end());
 }
 
-TEST_F(MessageListTest, TellsWhatIsSelectedAndMarksItsPartner) {
+TEST_F(MessageListTest, ReportsTheSelectionAndHighlightsItsPartner) {
     log.add(from_page(18, {"key", "take"}));
     add_notes(1);
     log.add(to_page(1, {"take"}));
@@ -213,7 +214,7 @@ TEST_F(MessageListTest, TellsWhatIsSelectedAndMarksItsPartner) {
     EXPECT_EQ(selected_row(), 3U);
 }
 
-TEST_F(MessageListTest, TellsOfTheSelectedMessageAgainWhenItsPartnerComes) {
+TEST_F(MessageListTest, ReportsTheSelectedMessageAgainWhenItsPartnerArrives) {
     log.add(from_page(18, {"key", "take"}));
     wait_for_rows(1);
     list.select(1);
@@ -222,7 +223,7 @@ TEST_F(MessageListTest, TellsOfTheSelectedMessageAgainWhenItsPartnerComes) {
     EXPECT_THAT(selected, ElementsAre(1, 1));
 }
 
-TEST_F(MessageListTest, KeepsTheSelectionWhenRowsGoAndSelectsNoOther) {
+TEST_F(MessageListTest, KeepsTheSelectionWhenRowsAreDropped) {
     add_notes(10);
     wait_for_rows(10);
     list.select(5);

@@ -57,7 +57,7 @@ TEST_F(SendPanelTest, SendsAPageWithItsResources) {
     EXPECT_THAT(sent, ElementsAre(Pair(0, frame_bytes(34, {}, {"file:///page.html", "{a: 1}"}))));
 }
 
-TEST_F(SendPanelTest, SendsToTheProcessThatIsChosenWhileItIsThere) {
+TEST_F(SendPanelTest, SendsToTheChosenProcessWhileItIsConnected) {
     panel.set_processes(std::array{11, 22});
     choose_process("22");
     send();
@@ -71,12 +71,13 @@ TEST_F(SendPanelTest, SendsToTheProcessThatIsChosenWhileItIsThere) {
     EXPECT_EQ(sent[2].first, 0);
 }
 
-TEST_F(SendPanelTest, SaysWhyItDoesNotSend) {
+TEST_F(SendPanelTest, ShowsWhyItDoesNotSend) {
     type_into(find("script"), std::string(5'000'000, 'x'));
     send();
-    EXPECT_EQ(text_in(find("problem")),
-              "This message has 5000001 bytes; the extension takes 5000000 at most, so it was not "
-              "sent.");
+    EXPECT_EQ(
+        text_in(find("problem")),
+        "This message has 5000001 bytes; the extension accepts at most 5000000, so it was not "
+        "sent.");
     choose_kind("answer");
     send();
     EXPECT_EQ(text_in(find("problem")), "An answer needs a callback expression.");

@@ -25,7 +25,7 @@ class TraceWindowTest : public ::testing::Test {
     const std::string path = directory.path() + "/trace.jsonl";
 };
 
-TEST_F(TraceWindowTest, ShowsWhatTheFileHoldsWithPairsAndNotes) {
+TEST_F(TraceWindowTest, ShowsMessagesPairsAndNotes) {
     write(from_page(18, {"key", "take"}));
     write(later(to_page(1, {"take"}), std::chrono::microseconds(4'200)));
     std::ofstream(path, std::ios::app) << "torn";
@@ -39,7 +39,7 @@ TEST_F(TraceWindowTest, ShowsWhatTheFileHoldsWithPairsAndNotes) {
                 ::testing::HasSubstr("answered by #2, 4.2 ms later\n"));
 }
 
-TEST_F(TraceWindowTest, StopsReadingWhenItIsClosed) {
+TEST_F(TraceWindowTest, StopsReadingWhenClosed) {
     for (int i = 0; i < 100; ++i) write(from_page(5, {std::string(50'000, 'x')}));
     TraceWindow trace(path, nullptr);
     EXPECT_FALSE(trace.is_closed());
@@ -50,7 +50,7 @@ TEST_F(TraceWindowTest, StopsReadingWhenItIsClosed) {
     EXPECT_EQ(row_count(part(trace.pane().widget(), "messages")), 0);
 }
 
-TEST_F(TraceWindowTest, OpensNoFileThatIsMissing) {
+TEST_F(TraceWindowTest, ThrowsForAMissingFile) {
     EXPECT_THROW(TraceWindow(path, nullptr), std::system_error);
 }
 

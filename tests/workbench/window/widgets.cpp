@@ -63,7 +63,7 @@ GtkWidget* part(GtkWidget* root, const std::string& name) {
     Search wanted{name};
     search(root, &wanted);
     if (wanted.found == nullptr) {
-        std::cerr << "no widget is named " << name << '\n';
+        std::cerr << "no widget named " << name << '\n';
         std::abort();
     }
     return wanted.found;

@@ -1,4 +1,4 @@
-// Windows and their parts, as a test sees and uses them.
+// Access to windows and widgets for tests.
 #pragma once
 
 #include <gtk/gtk.h>
@@ -8,7 +8,7 @@
 
 namespace kestrel::testing {
 
-// Shows a widget in a window of its own, until it goes out of scope.
+// Shows a widget in a window for its lifetime.
 class ShownWidget {
   public:
     explicit ShownWidget(GtkWidget* widget);
@@ -20,14 +20,14 @@ class ShownWidget {
     GtkWidget* window_;
 };
 
-// The part of `root` with this name; the test fails, and the program ends, if there is none.
+// The descendant of `root` with this widget name; aborts the program if there is none.
 GtkWidget* part(GtkWidget* root, const std::string& name);
 
 void type_into(GtkWidget* entry_or_text_view, const std::string& text);
 
 std::string text_in(GtkWidget* label_or_text_view);
 
-// The texts of a row of a tree view, as its cells are drawn.
+// The texts of a row of a tree view as drawn.
 std::vector<std::string> cells(GtkWidget* tree_view, int row);
 
 // The texts of a column of all rows.

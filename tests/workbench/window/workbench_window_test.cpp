@@ -33,7 +33,7 @@ class WorkbenchWindowTest : public ::testing::Test {
          .choose_locale = [this](const std::string& name) { events.push_back("locale " + name); }}};
 };
 
-TEST_F(WorkbenchWindowTest, TellsWhatIsAskedForInItsHeader) {
+TEST_F(WorkbenchWindowTest, ReportsTheActionsOfItsHeader) {
     click("reload");
     click("inspector");
     type_into(find("address"), "/store/page.html");
@@ -42,7 +42,7 @@ TEST_F(WorkbenchWindowTest, TellsWhatIsAskedForInItsHeader) {
     EXPECT_THAT(events, ElementsAre("reload", "inspector", "load /store/page.html", "locale de"));
 }
 
-TEST_F(WorkbenchWindowTest, TellsThatItIsClosedAndStays) {
+TEST_F(WorkbenchWindowTest, ReportsClosingAndStaysOpen) {
     gtk_window_close(window.window());
     EXPECT_TRUE(run_main_loop_until([this] { return !events.empty(); }));
     EXPECT_THAT(events, ElementsAre("closed"));

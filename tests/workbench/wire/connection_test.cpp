@@ -19,7 +19,7 @@ class ConnectionTest : public ::testing::Test, public MessageReceiver {
   protected:
     ConnectionTest() : ConnectionTest(socket_pair()) {}
 
-    // Why the connection ended, once it has.
+    // The reason why the connection ended.
     std::string wait_for_end() {
         run_main_loop_until([this] { return connection == nullptr; });
         return end;
@@ -52,8 +52,8 @@ TEST_F(ConnectionTest, ReceivesMessagesInOrder) {
     EXPECT_THAT(received, ElementsAre(first, second));
 }
 
-// Neither end waits for the other: the messages are far longer than what a socket holds.
-TEST_F(ConnectionTest, SendsMessagesInOrderWithoutWaiting) {
+// The messages are much longer than the socket's buffer.
+TEST_F(ConnectionTest, SendsMessagesInOrderWithoutBlocking) {
     const std::string long_text(3'000'000, 'x');
     connection->send(build_frame(1, {}, std::array<std::string_view, 1>{long_text}));
     connection->send(build_frame(0, {}, std::array<std::string_view, 1>{"a"}));
@@ -61,7 +61,8 @@ TEST_F(ConnectionTest, SendsMessagesInOrderWithoutWaiting) {
     EXPECT_EQ(web_process.read_frame(), frame_bytes(0, {}, {"a"}));
     connection->send(build_frame(0, {}, std::array<std::string_view, 1>{"b"}));
     EXPECT_EQ(web_process.read_frame(), frame_bytes(0, {}, {"b"}));
-    EXPECT_EQ(g_main_context_pending(nullptr), FALSE);  // nothing waits for room any more
+    EXPECT_EQ(g_main_context_pending(nullptr),
+              FALSE);  // no source waits for the socket to become writable
 }
 
 TEST_F(ConnectionTest, EndsWhenThePeerCloses) {
@@ -69,34 +70,34 @@ TEST_F(ConnectionTest, EndsWhenThePeerCloses) {
     EXPECT_EQ(wait_for_end(), "closed");
 }
 
-TEST_F(ConnectionTest, EndsInTheMiddleOfAMessage) {
+TEST_F(ConnectionTest, ReportsAnEndWithinAMessage) {
     web_process.write(frame_bytes(5, {}, {"abc"}).substr(0, 19));
     web_process.hang_up();
     EXPECT_EQ(wait_for_end(), "closed in the middle of a message");
 }
 
-TEST_F(ConnectionTest, EndsWithABogusHeader) {
+TEST_F(ConnectionTest, EndsAfterAnInvalidHeader) {
     web_process.write(frame_bytes(7, {}, {}) + header_bytes(5, 0, 1, -1));
     EXPECT_EQ(wait_for_end(), "sent a payload length below zero");
     EXPECT_THAT(received, ElementsAre(frame_bytes(7, {}, {})));
     EXPECT_TRUE(web_process.sees_end());
 }
 
-TEST_F(ConnectionTest, EndsWithAPayloadOverItsLimit) {
+TEST_F(ConnectionTest, EndsAfterAPayloadOverTheLimit) {
     web_process.write(header_bytes(5, 0, 1, (64 << 20) + 1));
     EXPECT_EQ(wait_for_end(), "sent a payload over the limit");
 }
 
-// The default action of SIGPIPE would end this program.
-TEST_F(ConnectionTest, OutlivesAPeerThatGoesBeforeItIsSentTo) {
-    const auto inherited = std::signal(SIGPIPE, SIG_DFL);  // or left by a library
+// The default action of SIGPIPE would terminate this program.
+TEST_F(ConnectionTest, IsSafeWhenThePeerClosesBeforeASend) {
+    const auto inherited = std::signal(SIGPIPE, SIG_DFL);  // or set by a library
     web_process.hang_up();
     connection->send(build_frame(0, {}, std::array<std::string_view, 1>{"a"}));
     EXPECT_EQ(wait_for_end(), "Broken pipe");
     std::signal(SIGPIPE, inherited);
 }
 
-TEST_F(ConnectionTest, EndsWhenThePeerDoesNotReadAllThatItAskedFor) {
+TEST_F(ConnectionTest, EndsWhenThePeerDoesNotReadItsAnswers) {
     const std::string long_text(4'000'000, 'x');
     for (int i = 0; i < 18; ++i) {
         connection->send(build_frame(1, {}, std::array<std::string_view, 1>{long_text}));
@@ -104,7 +105,7 @@ TEST_F(ConnectionTest, EndsWhenThePeerDoesNotReadAllThatItAskedFor) {
     EXPECT_EQ(wait_for_end(), "does not read what it is sent");
 }
 
-TEST_F(ConnectionTest, SendsAPeerThatReadsAsMuchAsItWants) {
+TEST_F(ConnectionTest, SendsAnyAmountToAPeerThatReads) {
     const std::string long_text(4'000'000, 'x');
     for (int i = 0; i < 18; ++i) {
         connection->send(build_frame(1, {}, std::array<std::string_view, 1>{long_text}));

@@ -33,7 +33,7 @@ class DetailsTextTest : public ::testing::Test {
     MessageLog log;
 };
 
-TEST_F(DetailsTextTest, TellsHeaderItemsAndBytesOfAMessage) {
+TEST_F(DetailsTextTest, ShowsHeaderItemsAndBytes) {
     MessageRecord record =
         record_of(Direction::from_page, 42,
                   *build_frame(21, std::array{255, -3}, std::array<std::string_view, 1>{"a\"\n"}));
@@ -55,21 +55,21 @@ TEST_F(DetailsTextTest, TellsHeaderItemsAndBytesOfAMessage) {
               "00000010  32 35 35 00 2d 33 00 61  22 0a 00                 |255.-3.a\"..|\n");
 }
 
-TEST_F(DetailsTextTest, TellsWhichRequestAnAnswerBelongsTo) {
+TEST_F(DetailsTextTest, ShowsTheRequestOfAnAnswer) {
     log.add(from_page(18, {"key", "take"}));
     log.add(later(to_page(1, {"take"}), microseconds(1'250'400)));
     EXPECT_THAT(details(0), HasSubstr("18 getItem\nanswered by #2, 1.250 s later\n"));
     EXPECT_THAT(details(1), HasSubstr("to process 42  1 answer\nanswers #1, 1.250 s after it\n"));
 }
 
-TEST_F(DetailsTextTest, TellsANote) {
+TEST_F(DetailsTextTest, ShowsANote) {
     MessageRecord note = record_of("connection of 7: closed");
     note.time = kRecordTime;
     log.add(note);
     EXPECT_EQ(details(), "#1  13:03:59.000\n\nconnection of 7: closed\n");
 }
 
-TEST_F(DetailsTextTest, SaysWhatDoesNotFitAndWhatIsNotKnown) {
+TEST_F(DetailsTextTest, ReportsInvalidItemsAndUnknownBytes) {
     log.add(record_of(Direction::from_page, 0, webkit_message{18, 1, 0, 0}));
     EXPECT_THAT(details(0), HasSubstr("from process ?  18 getItem"));
     EXPECT_THAT(details(0), HasSubstr("\nThe items do not fit the header.\n"));
@@ -77,12 +77,12 @@ TEST_F(DetailsTextTest, SaysWhatDoesNotFitAndWhatIsNotKnown) {
     inexact.is_exact = false;
     log.add(inexact);
     EXPECT_THAT(details(1), EndsWith("string [0] \"key\"\n\n"
-                                     "The trace does not tell the bytes of this message.\n"));
+                                     "The trace does not contain the bytes of this message.\n"));
     log.add(from_page(7, {}));
     EXPECT_THAT(details(2), HasSubstr("\n\nNo items.\n\n"));
 }
 
-TEST_F(DetailsTextTest, CutsWhatIsTooLongToShow) {
+TEST_F(DetailsTextTest, TruncatesLongItemsAndLists) {
     log.add(from_page(5, {std::string(100'000, 'x')}));
     EXPECT_THAT(details(0), HasSubstr("x\"... 91808 more bytes\n"));
     EXPECT_THAT(details(0), EndsWith("|\n34481 more bytes\n"));
@@ -91,7 +91,7 @@ TEST_F(DetailsTextTest, CutsWhatIsTooLongToShow) {
     EXPECT_THAT(details(1), HasSubstr("string [255] \"\"\n744 more items\n"));
 }
 
-TEST_F(DetailsTextTest, HasShortTextsForAList) {
+TEST_F(DetailsTextTest, FormatsCellTexts) {
     EXPECT_EQ(time_text(kRecordTime), "13:03:59.000");
     EXPECT_EQ(type_text(from_page(19, {})), "19 setItem");
     EXPECT_EQ(type_text(to_page(19, {})), "19 (unknown)");

@@ -8,33 +8,33 @@
 
 namespace kestrel::testing {
 
-// The web process's end of a link, in the same thread as the host under test: whatever waits here
-// runs the default main context meanwhile, ten seconds at most.
+// The web process's end of a link, in the same thread as the host under test. Waiting functions run
+// the default main context, for at most ten seconds.
 class FakeWebProcess {
   public:
     // Connects to a listening host.
     explicit FakeWebProcess(const std::string& socket_path);
-    // Takes over a connected socket.
+    // Takes ownership of a connected socket.
     explicit FakeWebProcess(FileDescriptor socket);
 
     void announce(int pid);
 
-    // Sends what the socket takes, then waits for more room.
+    // Sends all bytes, waiting for room in the socket.
     void write(std::string_view bytes);
 
-    // One frame, or "" when the host has hung up or none comes.
+    // Reads one frame; "" on a closed connection or timeout.
     std::string read_frame();
 
-    // Whether nothing is left to read when the host has done all it could do at once.
+    // Runs the host until it is idle; true if there is nothing to read.
     bool is_quiet();
 
-    // Waits for the end of the stream; false if anything else comes first.
+    // Waits for the end of the stream; false if data arrive first.
     bool sees_end();
 
     void hang_up() { socket_ = FileDescriptor(); }
 
   private:
-    // Waits until `size` bytes have come.
+    // Waits for `size` bytes.
     bool read_until(std::size_t size);
     void read_what_is_there();
 
@@ -43,7 +43,7 @@ class FakeWebProcess {
     bool has_ended_ = false;
 };
 
-// Two ends of a new connection: the host's, then the web process's.
+// The two ends of a new connection: the host's, then the web process's.
 std::pair<FileDescriptor, FileDescriptor> socket_pair();
 
 }  // namespace kestrel::testing

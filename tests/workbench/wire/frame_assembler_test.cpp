@@ -13,7 +13,7 @@ namespace {
 
 constexpr FrameLimits kLimits{.payload = 1'000, .items = 8};
 
-// All frames that come out when `stream` goes in by pieces of `size` bytes.
+// All frames of `stream`, read in pieces of `size` bytes.
 std::vector<std::string> frames_in_pieces_of(std::size_t size, std::string_view stream) {
     FrameAssembler assembler(kLimits);
     std::vector<std::string> frames;
@@ -28,7 +28,7 @@ std::vector<std::string> frames_in_pieces_of(std::size_t size, std::string_view 
     return frames;
 }
 
-// What a header that starts a stream leads to: "" for a frame that goes on.
+// The fault that a header at the start of a stream causes, or "".
 std::string fault_of(const std::string& header) {
     FrameAssembler assembler(kLimits);
     std::span<const char> bytes = header;
@@ -36,7 +36,7 @@ std::string fault_of(const std::string& header) {
     return std::string(assembler.fault());
 }
 
-TEST(FrameAssembler, FindsTheSameFramesHoweverTheStreamIsCut) {
+TEST(FrameAssembler, YieldsTheSameFramesForAnySplit) {
     const std::vector<std::string> frames = {frame_bytes(61, {"4242"}, {}), frame_bytes(6, {}, {}),
                                              frame_bytes(9, {"12", "-3"}, {"ab", ""}),
                                              frame_bytes(19, {}, {std::string(900, 'x'), "y"}),
@@ -48,7 +48,7 @@ TEST(FrameAssembler, FindsTheSameFramesHoweverTheStreamIsCut) {
     }
 }
 
-TEST(FrameAssembler, TellsWhetherItStandsInsideAFrame) {
+TEST(FrameAssembler, ReportsWhetherAFrameIsIncomplete) {
     const std::string frame = frame_bytes(5, {}, {"abc"});
     for (std::size_t taken = 0; taken < frame.size(); ++taken) {
         FrameAssembler assembler(kLimits);
@@ -58,18 +58,18 @@ TEST(FrameAssembler, TellsWhetherItStandsInsideAFrame) {
     }
 }
 
-TEST(FrameAssembler, TakesAPayloadOfTheLimitAndNoMore) {
+TEST(FrameAssembler, AcceptsPayloadsUpToTheLimit) {
     EXPECT_EQ(fault_of(header_bytes(5, 0, 1, 1'000)), "");
     EXPECT_EQ(fault_of(header_bytes(5, 0, 1, 1'001)), "a payload over the limit");
     EXPECT_EQ(fault_of(header_bytes(5, 0, 1, INT_MAX)), "a payload over the limit");
 }
 
-TEST(FrameAssembler, TakesAsManyItemsAsTheLimitAndNoMore) {
+TEST(FrameAssembler, AcceptsItemsUpToTheLimit) {
     EXPECT_EQ(fault_of(header_bytes(5, 3, 5, 100)), "");
     EXPECT_EQ(fault_of(header_bytes(5, 3, 6, 100)), "too many items");
 }
 
-TEST(FrameAssembler, RefusesImpossibleHeaders) {
+TEST(FrameAssembler, RejectsInvalidHeaders) {
     EXPECT_EQ(fault_of(header_bytes(5, 0, 0, -1)), "a payload length below zero");
     EXPECT_EQ(fault_of(header_bytes(5, 0, 0, INT_MIN)), "a payload length below zero");
     EXPECT_EQ(fault_of(header_bytes(5, 1, 0, 1)), "");
@@ -80,7 +80,7 @@ TEST(FrameAssembler, RefusesImpossibleHeaders) {
     EXPECT_EQ(fault_of(header_bytes(5, INT_MAX, INT_MAX, 1)), kCounts);
 }
 
-TEST(FrameAssembler, TakesNothingMoreAfterAFault) {
+TEST(FrameAssembler, ReturnsNothingAfterAFault) {
     FrameAssembler assembler(kLimits);
     const std::string stream = header_bytes(5, 0, 0, -1) + frame_bytes(6, {}, {});
     std::span<const char> bytes = stream;

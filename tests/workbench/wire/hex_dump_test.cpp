@@ -13,9 +13,9 @@ TEST(HexDump, ShowsOffsetsBytesAndCharacters) {
               "00000010  6b 65 79 c3 bc 00 6f 6e  7e 49 74 65 6d 00        |key...on~Item.|\n");
 }
 
-TEST(HexDump, ShowsNothingForNothing) { EXPECT_EQ(hex_dump({}, 10), ""); }
+TEST(HexDump, IsEmptyWithoutBytes) { EXPECT_EQ(hex_dump({}, 10), ""); }
 
-TEST(HexDump, CountsWhatIsBehindTheLimit) {
+TEST(HexDump, CountsBytesAfterTheLimit) {
     EXPECT_EQ(hex_dump(std::string(40, 'a'), 18),
               "00000000  61 61 61 61 61 61 61 61  61 61 61 61 61 61 61 61  |aaaaaaaaaaaaaaaa|\n"
               "00000010  61 61                                             |aa|\n"

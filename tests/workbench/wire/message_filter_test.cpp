@@ -14,12 +14,12 @@ bool matches(std::string_view filter, const MessageRecord& record) {
     return MessageFilter(filter).matches(record);
 }
 
-TEST(MessageFilter, LetsEverythingPassUntilAWordIsTyped) {
+TEST(MessageFilter, MatchesEverythingWithoutWords) {
     EXPECT_TRUE(MessageFilter().matches(from_page(6, {})));
     EXPECT_TRUE(matches(" \t\n", record_of("note")));
 }
 
-TEST(MessageFilter, FindsPartsOfNamesAndItemsInAnyCase) {
+TEST(MessageFilter, MatchesPartsOfNamesAndItemsInAnyCase) {
     const MessageRecord record = from_page(18, {"Some Key", "onItem"});
     for (const char* filter :
          {"getItem", "GETIT", "some", "ONITEM", "key getitem", " Key  some "}) {
@@ -30,7 +30,7 @@ TEST(MessageFilter, FindsPartsOfNamesAndItemsInAnyCase) {
     }
 }
 
-TEST(MessageFilter, FindsNumbersOfTypesAndProcessesAsAWhole) {
+TEST(MessageFilter, MatchesWholeTypeNumbersAndProcessIds) {
     const MessageRecord record = from_page(18, {}, 4242);
     EXPECT_TRUE(matches("18", record));
     EXPECT_TRUE(matches("4242", record));
@@ -38,14 +38,14 @@ TEST(MessageFilter, FindsNumbersOfTypesAndProcessesAsAWhole) {
     EXPECT_FALSE(matches("42", record));
 }
 
-TEST(MessageFilter, FindsIntegerItems) {
+TEST(MessageFilter, MatchesIntegerItems) {
     const std::array<int, 2> ints{-300, 7};
     const MessageRecord record = record_of(Direction::from_page, 1, *build_frame(10, ints, {}));
     EXPECT_TRUE(matches("-300", record));
     EXPECT_FALSE(matches("8", record));
 }
 
-TEST(MessageFilter, FindsNotesAndUnknownAndMalformedMessages) {
+TEST(MessageFilter, MatchesNotesAndUnknownAndMalformedMessages) {
     EXPECT_TRUE(matches("CLOSED", record_of("connection of 7: closed")));
     EXPECT_FALSE(matches("opened", record_of("connection of 7: closed")));
     EXPECT_TRUE(matches("(unknown)", from_page(99, {"\xff"})));

@@ -10,7 +10,7 @@ namespace {
 
 using std::chrono::microseconds;
 
-TEST(MessageLog, NumbersItsRowsFromOneOn) {
+TEST(MessageLog, NumbersRowsFromOne) {
     MessageLog log;
     EXPECT_EQ(log.next_serial(), 1U);
     EXPECT_EQ(log.add(record_of("a")), 1U);
@@ -20,7 +20,7 @@ TEST(MessageLog, NumbersItsRowsFromOneOn) {
     EXPECT_EQ(log.rows()[1].record->note, "b");
 }
 
-TEST(MessageLog, LosesTheOldestRowsFirst) {
+TEST(MessageLog, DropsTheOldestRowsFirst) {
     MessageLog log({.rows = 3, .bytes = 1'000});
     for (int i = 0; i < 5; ++i) log.add(record_of("note"));
     ASSERT_EQ(log.rows().size(), 3U);
@@ -31,21 +31,21 @@ TEST(MessageLog, LosesTheOldestRowsFirst) {
     EXPECT_EQ(find_message(log.rows(), 6), nullptr);
 }
 
-TEST(MessageLog, KeepsNoMoreBytesThanItMay) {
+TEST(MessageLog, LimitsItsBytes) {
     MessageLog log({.rows = 100, .bytes = 100});
     const MessageRecord forty_bytes = from_page(5, {std::string(23, 'x')});
     ASSERT_EQ(forty_bytes.size, 40U);
     for (int i = 0; i < 3; ++i) log.add(forty_bytes);
     EXPECT_EQ(log.rows().size(), 2U);
-    log.add(from_page(5, {std::string(1'000, 'x')}));  // the newest stays in any case
+    log.add(from_page(5, {std::string(1'000, 'x')}));  // the newest is always kept
     EXPECT_EQ(log.rows().size(), 1U);
     log.add(forty_bytes);
     EXPECT_EQ(log.rows().size(), 1U);
     EXPECT_EQ(log.rows().front().serial, 5U);
 }
 
-// A line of a trace may tell another size.
-TEST(MessageLog, CountsTheBytesThatItKeeps) {
+// The size in a trace file may be wrong.
+TEST(MessageLog, CountsItsBytes) {
     MessageLog log({.rows = 100, .bytes = 100});
     MessageRecord record = from_page(5, {std::string(90, 'x')});
     record.size = 0;
@@ -53,7 +53,7 @@ TEST(MessageLog, CountsTheBytesThatItKeeps) {
     EXPECT_EQ(log.rows().size(), 1U);
 }
 
-TEST(MessageLog, TiesARequestToItsAnswer) {
+TEST(MessageLog, PairsARequestWithItsAnswer) {
     MessageLog log;
     log.add(from_page(18, {"key", "take"}));
     log.add(record_of("between"));
@@ -66,7 +66,7 @@ TEST(MessageLog, TiesARequestToItsAnswer) {
     EXPECT_FALSE(log.rows()[1].partner);
 }
 
-TEST(MessageLog, TiesNothingToARowThatHasGone) {
+TEST(MessageLog, PairsNothingWithADroppedRow) {
     MessageLog log({.rows = 2, .bytes = 1'000});
     log.add(from_page(18, {"key", "take"}));
     log.add(record_of("a"));
@@ -79,7 +79,7 @@ TEST(MessageLog, TiesNothingToARowThatHasGone) {
     EXPECT_FALSE(log.rows().back().partner);
 }
 
-TEST(MessageLog, GoesOnCountingWhenItHasBeenCleared) {
+TEST(MessageLog, ContinuesNumberingAfterClear) {
     MessageLog log;
     log.add(from_page(18, {"key", "take"}));
     log.clear();
@@ -88,7 +88,7 @@ TEST(MessageLog, GoesOnCountingWhenItHasBeenCleared) {
     EXPECT_FALSE(log.rows()[0].partner);
 }
 
-TEST(MessageLog, TellsItsListenerOnceHoweverMuchHasChanged) {
+TEST(MessageLog, NotifiesOnceForManyChanges) {
     MessageLog log;
     int calls = 0;
     log.set_listener([&] { ++calls; });

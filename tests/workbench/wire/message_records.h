@@ -1,4 +1,4 @@
-// Records for tests of what keeps and shows them.
+// Message records for tests.
 #pragma once
 
 #include <chrono>
@@ -17,7 +17,7 @@ inline constexpr std::chrono::system_clock::time_point kRecordTime{
 MessageRecord from_page(int type, std::initializer_list<std::string_view> strings, int pid = 42);
 MessageRecord to_page(int type, std::initializer_list<std::string_view> strings, int pid = 42);
 
-// The same record, so much later.
+// The same record at a later time.
 MessageRecord later(MessageRecord record, std::chrono::microseconds by);
 
 }  // namespace kestrel::testing

@@ -22,13 +22,13 @@ namespace {
 
 using ::testing::ElementsAre;
 
-// Answers every message with one that carries the sender's process id.
+// Answers every message with the sender's process id.
 class MessageServerTest : public ::testing::Test, public MessageReceiver {
   protected:
     const std::string& path() const { return path_; }
     void listen() { server.emplace(path(), *this); }
 
-    // Asks and gives the answer.
+    // Sends a request and returns the answer.
     static std::string ask(FakeWebProcess& web_process) {
         web_process.write(frame_bytes(7, {}, {}));
         return web_process.read_frame();
@@ -55,7 +55,7 @@ class MessageServerTest : public ::testing::Test, public MessageReceiver {
     std::string path_ = directory_.path() + "/socket";
 };
 
-TEST_F(MessageServerTest, ServesTwoWebProcessesAtOnce) {
+TEST_F(MessageServerTest, ServesTwoWebProcesses) {
     listen();
     FakeWebProcess first(path());
     FakeWebProcess second(path());
@@ -69,7 +69,7 @@ TEST_F(MessageServerTest, ServesTwoWebProcessesAtOnce) {
     EXPECT_TRUE(second.is_quiet());
 }
 
-TEST_F(MessageServerTest, KeepsTheOthersWhenOneIsBad) {
+TEST_F(MessageServerTest, KeepsOtherConnectionsWhenOneIsFaulty) {
     listen();
     FakeWebProcess good(path());
     good.announce(11);
@@ -84,8 +84,8 @@ TEST_F(MessageServerTest, KeepsTheOthersWhenOneIsBad) {
     EXPECT_EQ(ask(silent), frame_bytes(0, {"33"}, {}));
 }
 
-// It stands still in the middle of a frame, and does not read either.
-TEST_F(MessageServerTest, KeepsTheOthersWhenOneStalls) {
+// It stops in the middle of a frame and does not read.
+TEST_F(MessageServerTest, KeepsOtherConnectionsWhenOneStalls) {
     listen();
     FakeWebProcess stalled(path());
     std::string requests;
@@ -96,7 +96,7 @@ TEST_F(MessageServerTest, KeepsTheOthersWhenOneStalls) {
     EXPECT_EQ(ask(good), frame_bytes(0, {"11"}, {}));
 }
 
-TEST_F(MessageServerTest, HasConnectionsUntilTheyHaveEnded) {
+TEST_F(MessageServerTest, HasConnectionsUntilTheyEnd) {
     listen();
     EXPECT_FALSE(server->has_connections());
     FakeWebProcess web_process(path());
@@ -106,7 +106,7 @@ TEST_F(MessageServerTest, HasConnectionsUntilTheyHaveEnded) {
     EXPECT_THAT(ends, ElementsAre("0 closed"));
 }
 
-TEST_F(MessageServerTest, TurnsAwayMoreThanSixtyFour) {
+TEST_F(MessageServerTest, LimitsConnectionsToSixtyFour) {
     listen();
     std::vector<FakeWebProcess> web_processes;
     web_processes.reserve(65);
@@ -115,8 +115,8 @@ TEST_F(MessageServerTest, TurnsAwayMoreThanSixtyFour) {
     EXPECT_EQ(ask(web_processes[63]), frame_bytes(0, {"0"}, {}));
 }
 
-TEST_F(MessageServerTest, LeavesNothingBehind) {
-    run_main_loop_until_idle();  // the loop has descriptors of its own
+TEST_F(MessageServerTest, RemovesItsSocket) {
+    run_main_loop_until_idle();  // lets the main loop open its descriptors
     const std::size_t before = open_descriptors();
     listen();
     FakeWebProcess web_process(path());
@@ -128,17 +128,17 @@ TEST_F(MessageServerTest, LeavesNothingBehind) {
     EXPECT_FALSE(std::filesystem::exists(path()));
 }
 
-// Another host has started where this one's socket had been removed.
-TEST_F(MessageServerTest, LeavesWhatHasTakenThePlaceOfItsSocketAlone) {
+// Another host has created its socket after this one's was removed.
+TEST_F(MessageServerTest, KeepsAFileThatReplacedItsSocket) {
     listen();
-    const std::string own = path() + ".own";  // keeps its inode from being used again
+    const std::string own = path() + ".own";  // prevents the reuse of its inode
     std::filesystem::rename(path(), own);
     const ListeningHost another(path());
     server.reset();
     EXPECT_TRUE(std::filesystem::is_socket(path()));
 }
 
-TEST_F(MessageServerTest, ServesOnWhenAThousandConnect) {
+TEST_F(MessageServerTest, SurvivesAThousandConnections) {
     rlimit limit{};
     getrlimit(RLIMIT_NOFILE, &limit);
     limit.rlim_cur = limit.rlim_max;
@@ -154,7 +154,7 @@ TEST_F(MessageServerTest, ServesOnWhenAThousandConnect) {
             crowd.emplace_back(path());
             run_main_loop_until_idle();
         }
-        // Those beyond the limit are turned away, and cost the host no descriptor.
+        // Connections beyond the limit are closed and use no descriptor.
         EXPECT_LE(open_descriptors(), before + 1'000 + 63);
         EXPECT_TRUE(crowd.back().sees_end());
         EXPECT_EQ(ask(first), frame_bytes(0, {"11"}, {}));
@@ -164,7 +164,7 @@ TEST_F(MessageServerTest, ServesOnWhenAThousandConnect) {
     EXPECT_EQ(ask(late), frame_bytes(0, {"0"}, {}));
 }
 
-TEST_F(MessageServerTest, LeavesALivingHostAlone) {
+TEST_F(MessageServerTest, RefusesTheSocketOfARunningHost) {
     const ListeningHost living(path());
     EXPECT_THROW(listen(), AddressInUse);
     EXPECT_TRUE(std::filesystem::is_socket(path()));

@@ -21,7 +21,7 @@ class MessageViewTest : public ::testing::Test {
     MessageView view{log};
 };
 
-TEST_F(MessageViewTest, BeginsWithWhatIsThere) {
+TEST_F(MessageViewTest, StartsWithTheLogsRows) {
     add({"a", "b"});
     EXPECT_THAT(view.update(), FieldsAre(true, 0, 0));
     EXPECT_THAT(view.serials(), ElementsAre(1, 2));
@@ -38,7 +38,7 @@ TEST_F(MessageViewTest, FollowsTheLog) {
     EXPECT_EQ(view.waiting(), 0U);
 }
 
-TEST_F(MessageViewTest, LeavesOutWhatHasComeAndGoneBetweenUpdates) {
+TEST_F(MessageViewTest, OmitsRowsAddedAndDroppedBetweenUpdates) {
     view.update();
     add({"a"});
     view.update();
@@ -47,7 +47,7 @@ TEST_F(MessageViewTest, LeavesOutWhatHasComeAndGoneBetweenUpdates) {
     EXPECT_THAT(view.serials(), ElementsAre(5, 6, 7, 8));
 }
 
-TEST_F(MessageViewTest, ShowsWhatTheFilterLetsPass) {
+TEST_F(MessageViewTest, ShowsMatchingMessagesOnly) {
     add({"a", "b", "ab"});
     view.update();
     view.set_filter("b");
@@ -63,7 +63,7 @@ TEST_F(MessageViewTest, ShowsWhatTheFilterLetsPass) {
     EXPECT_THAT(view.serials(), ElementsAre(4, 5, 6, 7));
 }
 
-TEST_F(MessageViewTest, StandsStillWhileItIsPaused) {
+TEST_F(MessageViewTest, IsFrozenWhilePaused) {
     add({"a", "b"});
     view.set_paused(true);
     view.update();
@@ -86,7 +86,7 @@ TEST_F(MessageViewTest, StandsStillWhileItIsPaused) {
     EXPECT_EQ(view.waiting(), 0U);
 }
 
-TEST_F(MessageViewTest, EmptiesWithTheLog) {
+TEST_F(MessageViewTest, IsEmptyAfterTheLogIsCleared) {
     add({"a", "b"});
     view.update();
     log.clear();

@@ -50,7 +50,7 @@ class TraceFileTest : public ::testing::Test {
     int pieces = 0;
 };
 
-TEST_F(TraceFileTest, GivesBackEachMessageThatWasTraced) {
+TEST_F(TraceFileTest, ReadsBackEachTracedMessage) {
     const std::array<std::string_view, 3> wild{"a\"\\\n\x01", "\xff\xfe", "\xc3\xbc"};
     const auto records =
         read(line(Direction::from_page, 42, *build_frame(21, std::array{-1, 2}, wild)) +
@@ -66,7 +66,7 @@ TEST_F(TraceFileTest, GivesBackEachMessageThatWasTraced) {
     EXPECT_EQ(bytes(records[1]), frame_bytes(77, {}, {}));
 }
 
-TEST_F(TraceFileTest, GivesBackTheBytesOfAMessageWhoseItemsDoNotFit) {
+TEST_F(TraceFileTest, ReadsBackTheBytesOfAMalformedMessage) {
     const std::string malformed = header_bytes(18, 5, 0, 2) + std::string("\0\xff", 2);
     Frame frame(static_cast<webkit_message*>(std::malloc(malformed.size())));
     std::copy(malformed.begin(), malformed.end(), reinterpret_cast<char*>(frame.get()));
@@ -76,7 +76,7 @@ TEST_F(TraceFileTest, GivesBackTheBytesOfAMessageWhoseItemsDoNotFit) {
     EXPECT_TRUE(records[0].is_exact);
 }
 
-TEST_F(TraceFileTest, SaysWhenTheItemsDoNotTellTheBytes) {
+TEST_F(TraceFileTest, MarksARebuiltFrameAsInexact) {
     const auto records =
         read(R"({"time":"2026-11-21T13:03:59.000021Z","pid":42,"direction":"to-host","type":18,)"
              R"("name":"getItem","length":9,"ints":[],"strings":["key"]})"
@@ -94,7 +94,7 @@ TEST_F(TraceFileTest, ReadsNotesAndDroppedFrames) {
                 ElementsAre("closed", "frames dropped: 3"));
 }
 
-TEST_F(TraceFileTest, SkipsEachLineThatTellsNothingAndSaysWhy) {
+TEST_F(TraceFileTest, ReportsEachInvalidLine) {
     const std::string start = R"({"time":"2026-11-21T13:03:59.000021Z","pid":1,)";
     const std::string message = start + R"("direction":"to-host","type":1,"length":)";
     const std::array<std::pair<std::string, const char*>, 19> lines = {{
@@ -103,21 +103,21 @@ TEST_F(TraceFileTest, SkipsEachLineThatTellsNothingAndSaysWhy) {
         {"\xff\xfe", "not JSON"},
         {"[1,2]", "not a JSON object"},
         {"{}", "no \"time\""},
-        {R"({"time":"yesterday"})", "\"time\" is no time"},
-        {R"({"time":"9999-01-01T00:00:00Z","note":"x"})", "\"time\" is no time"},
-        {R"({"time":5})", "\"time\" is no text"},
-        {start + R"("note":{}})", "\"note\" is no text"},
+        {R"({"time":"yesterday"})", "\"time\" is not a time"},
+        {R"({"time":"9999-01-01T00:00:00Z","note":"x"})", "\"time\" is not a time"},
+        {R"({"time":5})", "\"time\" is not a string"},
+        {start + R"("note":{}})", "\"note\" is not a string"},
         {start + R"("direction":"up"})", "\"direction\" is neither to-host nor to-page"},
-        {start + R"("direction":"to-page","type":1e99})", "\"type\" is no 32-bit integer"},
+        {start + R"("direction":"to-page","type":1e99})", "\"type\" is not a 32-bit integer"},
         {start + R"("direction":"to-page","type":18446744073709551615})",
-         "\"type\" is no 32-bit integer"},
-        {message + "-1}", "\"length\" is below zero"},
-        {message + R"(0,"ints":5,"strings":[]})", "\"ints\" is no list"},
-        {message + R"(0,"ints":[],"strings":[1]})", "\"strings\" is no text"},
-        {message + R"(0,"ints":[],"strings":["a\u0000"]})", "a string holds a NUL"},
+         "\"type\" is not a 32-bit integer"},
+        {message + "-1}", "\"length\" is negative"},
+        {message + R"(0,"ints":5,"strings":[]})", "\"ints\" is not an array"},
+        {message + R"(0,"ints":[],"strings":[1]})", "\"strings\" is not a string"},
+        {message + R"(0,"ints":[],"strings":["a\u0000"]})", "a string contains a NUL"},
         {message + R"(0,"ints":[],"strings":[{"hex":"abc"}]})", "\"hex\" is not hexadecimal"},
         {message + R"(0,"payload":{"hex":"0g"}})", "\"hex\" is not hexadecimal"},
-        {R"({"a":[[[[1]]]]})", "no line of a trace"},
+        {R"({"a":[[[[1]]]]})", "not a trace line"},
     }};
     std::string content;
     std::vector<std::string> expected;
@@ -128,7 +128,7 @@ TEST_F(TraceFileTest, SkipsEachLineThatTellsNothingAndSaysWhy) {
     EXPECT_EQ(notes(content), expected);
 }
 
-TEST_F(TraceFileTest, TellsATornLastLineAndKeepsWhatStandsBeforeIt) {
+TEST_F(TraceFileTest, ReportsAnIncompleteLastLine) {
     const std::string whole = line(Direction::from_page, 42, *build_frame(6, {}, {}));
     const auto records = read(whole + whole.substr(0, whole.size() / 2));
     ASSERT_EQ(records.size(), 2U);
@@ -152,7 +152,7 @@ TEST_F(TraceFileTest, ReadsALargeFileInPieces) {
     EXPECT_GT(pieces, 10);
 }
 
-TEST_F(TraceFileTest, KeepsNoLineThatNeverEnds) {
+TEST_F(TraceFileTest, LimitsTheLengthOfALine) {
     std::ofstream(path) << "{";
     ASSERT_EQ(truncate(path.c_str(), 100 << 20), 0);
     std::ofstream(path, std::ios::app) << "\n" << dropped_json(kRecordTime, 1, 2) << "\n";
@@ -163,7 +163,7 @@ TEST_F(TraceFileTest, KeepsNoLineThatNeverEnds) {
     EXPECT_THAT(heard, ElementsAre("line 1: too long", "frames dropped: 2"));
 }
 
-TEST_F(TraceFileTest, OpensNothingButAFile) {
+TEST_F(TraceFileTest, OpensRegularFilesOnly) {
     EXPECT_THROW(TraceFile(directory.path() + "/missing"), std::system_error);
     EXPECT_THROW(TraceFile(directory.path()), std::system_error);
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);

@@ -17,7 +17,7 @@ namespace {
 
 using ::testing::MatchesRegex;
 
-TEST(Transcript, PutsTheTimeBeforeEachLine) {
+TEST(Transcript, StartsEachLineWithTheTime) {
     std::ostringstream out;
     Transcript transcript(out);
     transcript.message(Direction::from_page, 42, *build_frame(6, {}, {}));
@@ -26,7 +26,7 @@ TEST(Transcript, PutsTheTimeBeforeEachLine) {
     EXPECT_THAT(out.str(), MatchesRegex(time + "<-      42   6 logoff\n" + time + "-- a note\n"));
 }
 
-TEST(Transcript, KeepsACopyAsLinesOfJson) {
+TEST(Transcript, WritesACopyAsJsonLines) {
     const TemporaryDirectory directory;
     const std::string path = directory.path() + "/lines.jsonl";
     std::ostringstream out;
@@ -49,7 +49,7 @@ TEST(Transcript, KeepsACopyAsLinesOfJson) {
     EXPECT_FALSE(transcript.copy_to(directory.path() + "/missing/lines"));
 }
 
-TEST(Transcript, KeepsEveryMessageOfABurstAtItsEnd) {
+TEST(Transcript, WritesEveryMessageOfABurst) {
     const TemporaryDirectory directory;
     const std::string path = directory.path() + "/lines.jsonl";
     constexpr int kMessages = 10'000;
@@ -69,7 +69,7 @@ TEST(Transcript, KeepsEveryMessageOfABurstAtItsEnd) {
     EXPECT_EQ(messages, kMessages);
 }
 
-TEST(Transcript, SaysOnceThatItsFileCannotBeWritten) {
+TEST(Transcript, ReportsAWriteErrorOnce) {
     std::ostringstream out;
     Transcript transcript(out);
     ASSERT_TRUE(transcript.copy_to("/dev/full"));
@@ -81,7 +81,7 @@ TEST(Transcript, SaysOnceThatItsFileCannotBeWritten) {
                                         ".* -- second\n"));
 }
 
-TEST(Transcript, TellsItsListenerEachNoteAndNoMessage) {
+TEST(Transcript, NotifiesItsListenerOfNotesOnly) {
     std::ostringstream out;
     Transcript transcript(out);
     std::vector<std::string> heard;
