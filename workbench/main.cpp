@@ -1,7 +1,5 @@
 // A host for developing store pages: shows a page, answers its calls and lists the messages.
 #include <gtk/gtk.h>
-#include <pwd.h>
-#include <unistd.h>
 
 #include <csignal>
 #include <cstdlib>
@@ -12,6 +10,7 @@
 #include <system_error>
 #include <vector>
 
+#include "base/password_entry.h"
 #include "log/zynlog.h"
 #include "program/language.h"
 #include "program/translation.h"
@@ -26,21 +25,22 @@ constexpr int kUsageStatus = 2;
 // started.
 void set_up_environment(const kestrel::Options& options, const kestrel::PrivateHome& home) {
     setenv("HOME", home.path().c_str(), 1);
-    // Mesa's threads would write there while it is being removed.
+    // Mesa's threads would write into the home directory while it is being removed.
     setenv("MESA_SHADER_CACHE_DISABLE", "true", 0);
-    // The client's directory is open to web processes in their sandbox.
+    // Sandboxed web processes can read the client's directory.
     if (!options.locale.empty()) kestrel::use_language(options.locale, home.client_directory());
 }
 
-// GLib keeps the first home directory that it sees, and WebKit crashes when that is missing.
+// GLib caches the home directory on first use, and WebKit crashes if it does not exist.
 void ensure_home_directory() {
-    const auto is_usable = [](const char* path) {
+    const auto is_usable = [](const std::string& path) {
         std::error_code error;
-        return path != nullptr && *path == '/' && std::filesystem::is_directory(path, error);
+        return path.starts_with('/') && std::filesystem::is_directory(path, error);
     };
-    if (is_usable(std::getenv("HOME"))) return;
-    const passwd* const user = getpwuid(getuid());
-    setenv("HOME", user != nullptr && is_usable(user->pw_dir) ? user->pw_dir : "/", 1);
+    const char* const home = std::getenv("HOME");
+    if (home != nullptr && is_usable(home)) return;
+    const std::string user_home = kestrel::password_entry_of_caller().home;
+    setenv("HOME", is_usable(user_home) ? user_home.c_str() : "/", 1);
 }
 
 struct Outcome {

@@ -11,7 +11,7 @@ namespace {
 
 // Milliseconds.
 constexpr int kBusyTimeout = 5'000;
-constexpr int kPause = 5;
+constexpr int kRetryInterval = 5;
 
 struct Explanation {
     int result_code;
@@ -55,11 +55,12 @@ void SqliteDatabase::run(const char* sql) const {
 }
 
 void SqliteDatabase::run_when_unlocked(const char* sql) const {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kBusyTimeout);
+    const auto deadline =
+        std::chrono::steady_clock::now() + std::chrono::milliseconds(kBusyTimeout);
     int result = SQLITE_OK;
     while ((result = sqlite3_exec(get(), sql, nullptr, nullptr, nullptr)) == SQLITE_BUSY &&
            std::chrono::steady_clock::now() < deadline) {
-        sqlite3_sleep(kPause);
+        sqlite3_sleep(kRetryInterval);
     }
     if (result != SQLITE_OK) fail(result);
 }

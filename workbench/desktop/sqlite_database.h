@@ -29,9 +29,9 @@ class SqliteDatabase {
     // Runs statements without parameters and results. Throws DatabaseError.
     void run(const char* sql) const;
 
-    // The same for a statement that turns a read lock into a write lock, such as a change of the
-    // journal mode: when two processes do that at once, SQLite fails without waiting. Retries for
-    // five seconds.
+    // Like run, for a statement that upgrades a read lock to a write lock, such as a change of the
+    // journal mode. If two processes do that at once, SQLite fails without waiting; this retries
+    // for five seconds.
     void run_when_unlocked(const char* sql) const;
 
     // Throws the DatabaseError for a result code of SQLite.

@@ -10,11 +10,11 @@
 namespace kestrel {
 namespace {
 
-// The sandbox has directories of its own there.
+// The sandbox mounts its own directories over these.
 constexpr std::array<std::string_view, 5> kHidden = {"/dev/", "/proc/", "/sys/", "/var/run/",
                                                      "/var/tmp/"};
 
-// The socket at which its web processes find the session bus, in the home directory.
+// The socket of the sandbox's session bus proxy, in the home directory.
 constexpr std::string_view kBusSocket = "/.cache/webkitgtk/bus-proxy-XXXXXX";
 
 bool is_hidden(const std::string& path) {
@@ -22,9 +22,8 @@ bool is_hidden(const std::string& path) {
                                [&](std::string_view start) { return path.starts_with(start); });
 }
 
-// Whether this machine lets its users make the namespaces of which the sandbox is made. Inside
-// containers it often does not.
-bool can_make_namespaces() {
+// Whether users can create the namespaces that the sandbox needs. In containers they often cannot.
+bool can_create_namespaces() {
     std::array arguments = {"bwrap", "--ro-bind", "/", "/", "--unshare-all", "true"};
     std::array<char*, arguments.size() + 1> argv{};
     for (std::size_t i = 0; i < arguments.size(); ++i) argv[i] = const_cast<char*>(arguments[i]);
@@ -44,7 +43,7 @@ std::string sandbox_obstacle(const std::string& home, const std::vector<std::str
     if (home.size() + kBusSocket.size() >= sizeof sockaddr_un::sun_path) {
         return "its socket would have too long a path in " + home;
     }
-    return can_make_namespaces() ? "" : "this machine does not let us make one";
+    return can_create_namespaces() ? "" : "this machine does not let us make one";
 }
 
 }  // namespace kestrel

@@ -221,7 +221,8 @@ TEST_F(StoreDatabaseTest, RefusesANewerVersionWithoutChangingIt) {
     StoreDatabase(path).set_item("key", "value");
     SqliteDatabase(path).run("PRAGMA user_version = 2");
     const std::string before = file_content(path);
-    EXPECT_EQ(error_of_opening(), path + " has version 2, but this program supports only version 1");
+    EXPECT_EQ(error_of_opening(),
+              path + " has version 2, but this program supports only version 1");
     EXPECT_EQ(file_content(path), before);
 }
 
