@@ -5,7 +5,7 @@
 namespace kestrel::testing {
 namespace {
 
-constexpr gint64 kPatience = 30 * G_TIME_SPAN_SECOND;
+constexpr gint64 kPatience = 90 * G_TIME_SPAN_SECOND;
 
 // Some conditions change without an event of this process: they are looked at this often.
 constexpr guint kTickMilliseconds = 20;

@@ -4,7 +4,7 @@
 
 namespace kestrel::testing {
 
-// Runs the default main context until `condition` holds; false when it did not within thirty
+// Runs the default main context until `condition` holds; false when it did not within ninety
 // seconds.
 bool run_main_loop_until(const std::function<bool()>& condition);
 
