@@ -1,5 +1,5 @@
-// What a log line costs its caller: suppressed, against an empty call; emitted, against a bare
-// write of the same bytes to the same kind of socket, and against two other ways to log.
+// The cost of a log line to its caller: suppressed, against an empty call; emitted, against a bare
+// write of the same bytes to the same kind of socket, and against two other loggers.
 
 #include <benchmark/benchmark.h>
 #include <spdlog/sinks/syslog_sink.h>
@@ -26,7 +26,7 @@
 namespace {
 
 constexpr const char* kFormat = "Value of server_fd %d, retries left : %d\n";
-constexpr std::size_t kRecordSize = 26 + 40;  // its fields, and "… 7, … 9\n" with its NUL
+constexpr std::size_t kRecordSize = 26 + 40;  // fields, and "… 7, … 9\n" with its NUL
 
 const kestrel::bench::Sink* sink = nullptr;
 
@@ -42,7 +42,7 @@ void suppressed_line(benchmark::State& state) {
     }
 }
 
-// The longest walk that there is: a class, its group, the root.
+// The slowest lookup of a level: class, group, root.
 void suppressed_line_of_a_group(benchmark::State& state) {
     for (auto _ : state) {
         __ZynTrace(kestrel::kLogKestrelExtension, kestrel::kVerbose, "", "", 0, kFormat, 7, 9);
@@ -108,5 +108,5 @@ int main(int argc, char** argv) {
     kestrel::bench::write_measurements(options.out, medians);
     home.reset();
     std::fflush(stdout);
-    _exit(EXIT_SUCCESS);  // the sinks' threads still read
+    _exit(EXIT_SUCCESS);  // the sinks' threads are still running
 }

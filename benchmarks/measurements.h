@@ -1,4 +1,4 @@
-// What a benchmark program has measured, and how it is told what to do.
+// Measurements and command-line options of a benchmark program.
 #pragma once
 
 #include <nlohmann/json.hpp>
@@ -7,21 +7,21 @@
 
 namespace kestrel::bench {
 
-// Measurements by name. Times are nanoseconds; sizes say so in their names.
+// Measurements by name. Times are in nanoseconds.
 using Measurements = nlohmann::ordered_json;
 
 struct Options {
-    std::string out;     // --out FILE: where the measurements go
-    bool smoke = false;  // --smoke: as short as can be, to see that everything runs
+    std::string out;     // --out FILE: receives the measurements
+    bool smoke = false;  // --smoke: as brief as possible, only to check that everything runs
 };
 
-// Ends the program with a line on standard error on anything else.
+// Ends the program with an error line on unknown arguments.
 Options parse_options(int argc, char** argv);
 
-// Ends the program with a line on standard error when the file cannot be written.
+// Ends the program with an error line when the file cannot be written.
 void write_measurements(const std::string& file, const Measurements& measurements);
 
-// The middle one, or the higher of the two; 0 of none.
+// The upper median; 0 if there are no values.
 double median(std::vector<double> values);
 
 }  // namespace kestrel::bench

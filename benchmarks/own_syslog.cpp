@@ -10,7 +10,7 @@
 namespace kestrel::bench {
 namespace {
 
-// Root may do without a user namespace.
+// Root needs no user namespace.
 bool enter_mount_namespace() {
     if (unshare(CLONE_NEWNS) == 0) return true;
     const std::string uid = std::to_string(getuid());

@@ -2,8 +2,8 @@
 
 namespace kestrel::bench {
 
-// Gives the calling process a /dev of its own, empty but for what it makes there: a place for a
-// /dev/log that no system logger sees. Before any thread is started. False when the kernel refuses.
+// Gives the calling process an empty /dev of its own, in which it can create a private /dev/log.
+// Call it before any thread starts. False when the kernel refuses.
 bool enter_own_dev();
 
 }  // namespace kestrel::bench

@@ -12,7 +12,7 @@ constexpr int kRepetitions = 11;
 constexpr double kSecondsOfOneRepetition = 0.05;
 constexpr int kManualIterations = 25;
 
-// Shows the table and keeps the medians.
+// Prints the table and keeps the medians.
 class MedianReporter : public benchmark::ConsoleReporter {
   public:
     void ReportRuns(const std::vector<Run>& runs) override {

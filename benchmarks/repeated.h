@@ -1,5 +1,4 @@
-// Google Benchmark, as this project uses it: all measurements repeated and interleaved at random,
-// the median of each kept.
+// Google Benchmark with repetitions in random order; results are medians.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -13,17 +12,17 @@ namespace kestrel::bench {
 
 enum class Clock : std::uint8_t {
     own_time,  // processor time of the thread that runs the measurement
-    manual,    // what the measurement sets; each iteration is worth milliseconds
+    manual,    // set by the measurement; an iteration takes milliseconds
 };
 
 struct Measurement {
     const char* name;
     void (*function)(benchmark::State&);
     Clock clock = Clock::own_time;
-    int batch = 1;  // what one iteration does that often; the median is of one
+    int batch = 1;  // operations per iteration; the median is per operation
 };
 
-// The median of each in nanoseconds, by name.
+// Medians in nanoseconds, by name.
 Measurements measure(std::span<const Measurement> measurements, bool smoke);
 
 }  // namespace kestrel::bench

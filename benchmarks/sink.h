@@ -4,11 +4,10 @@
 
 namespace kestrel::bench {
 
-// Takes connections and whatever comes through them, as a peer that is never late. Its threads end
-// with the process.
+// Accepts connections and discards all data. Its threads end with the process.
 class Sink {
   public:
-    // Listens for streams, or takes datagrams. Ends the program when it cannot.
+    // `type` is SOCK_STREAM or SOCK_DGRAM. Ends the program on errors.
     Sink(const std::string& path, int type);
 
     int connect_to() const;

@@ -6,7 +6,7 @@
 #include <webkit2/webkit-web-extension.h>
 
 #include <chrono>
-#include <cstdlib>
+#include <ctime>
 #include <memory>
 #include <string>
 
@@ -37,6 +37,16 @@ JSValueRef now(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*sel
                size_t /*count*/, const JSValueRef /*arguments*/[], JSValueRef* /*exception*/) {
     return number(context,
                   static_cast<double>(std::chrono::steady_clock::now().time_since_epoch().count()));
+}
+
+// Nanoseconds for which this thread has used a processor.
+JSValueRef processor_time(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
+                          size_t /*count*/, const JSValueRef /*arguments*/[],
+                          JSValueRef* /*exception*/) {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return number(context,
+                  static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec));
 }
 
 // ask(text, callback): sends a message to the view and calls the callback with the reply's text.
@@ -116,9 +126,11 @@ constexpr JSPropertyAttributes kReadOnly = kJSPropertyAttributeReadOnly;
 
 constexpr JSStaticFunction kFunctions[] = {
     {"now", now, kReadOnly},
+    {"processorTime", processor_time, kReadOnly},
     {"prepare", kestrel::bench::prepare, kReadOnly},
     {"readTexts", kestrel::bench::read_texts, kReadOnly},
     {"convert", kestrel::bench::convert, kReadOnly},
+    {"evaluate", kestrel::bench::evaluate, kReadOnly},
     {"ask", ask, kReadOnly},
     {"loadingFigures", loading_figures, kReadOnly},
     {"load", load, kReadOnly},

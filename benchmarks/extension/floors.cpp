@@ -69,4 +69,13 @@ JSValueRef convert(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /
     return JSValueMakeUndefined(context);
 }
 
+JSValueRef evaluate(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
+                    size_t /*count*/, const JSValueRef arguments[], JSValueRef* exception) {
+    const JSStringRef text = JSValueToStringCopy(context, arguments[0], exception);
+    const JSValueRef result = JSEvaluateScript(context, text, nullptr, nullptr, 1, exception);
+    JSStringRelease(text);
+    const JSObjectRef callback = JSValueToObject(context, result, exception);
+    return JSObjectCallAsFunction(context, callback, nullptr, 0, nullptr, exception);
+}
+
 }  // namespace kestrel::bench

@@ -1,4 +1,4 @@
-// Functions of the object `bench` that a page call is compared with.
+// Functions of the object `bench` that page calls and answers are compared with.
 #pragma once
 
 #include <JavaScriptCore/JavaScript.h>
@@ -20,5 +20,9 @@ ScriptFunction read_texts;
 // convert(text...): converts the texts with JSStringGetUTF8CString into the prepared frame and
 // writes it once.
 ScriptFunction convert;
+
+// evaluate(text): the least that an answer costs. Evaluates the text and calls the resulting
+// function.
+ScriptFunction evaluate;
 
 }  // namespace kestrel::bench

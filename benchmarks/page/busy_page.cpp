@@ -11,7 +11,7 @@
 namespace kestrel::bench {
 namespace {
 
-// Runs the main loop, without which WebKit shows no frames.
+// Runs the main loop, which WebKit needs to render frames.
 void run_for(double seconds) {
     const double end = monotonic_seconds() + seconds;
     while (monotonic_seconds() < end) g_main_context_iteration(nullptr, FALSE);
@@ -26,7 +26,7 @@ double time_to_effect(PageHost& host, const Frame& script) {
     return (host.finished_at() - start) * kNanoseconds;
 }
 
-// The pauses vary, so that the scripts arrive at different moments of the page's work.
+// The pauses vary, so that scripts arrive at different moments of the page's work.
 std::vector<double> times_to_effect(PageHost& host, int scripts) {
     constexpr double kPause = 0.0137;
     const Frame script =

@@ -1,4 +1,4 @@
-// How long the host's scripts take to reach a page whose main thread is always busy.
+// The latency of the host's scripts in a page whose main thread is always busy.
 #pragma once
 
 #include "benchmarks/measurements.h"
@@ -7,8 +7,8 @@
 
 namespace kestrel::bench {
 
-// A script from sent to effect: on a quiet page the median, on busy pages the highest median of any
-// load and the longest time of all.
+// From sending a script to its effect: on a quiet page the median; on busy pages the highest median
+// of all loads, and the longest time.
 void measure_busy_pages(const PageView& view, PageHost& host, int scripts, Measurements& to);
 
 }  // namespace kestrel::bench

@@ -22,8 +22,8 @@ double until_read(const PageView& view, PageHost& host, const std::string& subje
     return (host.finished_at() * kNanoseconds - start) / calls;
 }
 
-// What hosts send: an expression that carries its value, another one each time. WebKit's function
-// gets the call alone, the shortest script with the same effect.
+// Expressions as hosts send them: each carries its value, so that no two are alike. WebKit's
+// function gets the same expressions, called.
 struct Scripts {
     std::string answers;  // frames
     std::vector<std::string> evaluations;
@@ -39,23 +39,23 @@ Scripts distinct_scripts(int count) {
             build_frame(to_page("answer"), {}, std::array{std::string_view(expression)});
         const std::span<const char> bytes = bytes_of(*answer);
         scripts.answers.append(bytes.data(), bytes.size());
-        scripts.evaluations.push_back(call);
+        scripts.evaluations.push_back(expression + "()");
     }
     return scripts;
 }
 
-// The page is stuck when what waits for the host has stopped growing.
-std::size_t waiting_when_stuck(const PageHost& host) {
+// The page is blocked when the unread bytes stop growing.
+std::size_t unread_when_blocked(const PageHost& host) {
     constexpr int kQuietTurns = 25;
     constexpr auto kTurn = std::chrono::milliseconds(20);
-    std::size_t waiting = 0;
+    std::size_t unread = 0;
     for (int quiet = 0; quiet < kQuietTurns; ++quiet) {
         std::this_thread::sleep_for(kTurn);
-        const std::size_t now = host.waiting();
-        if (now != waiting || now == 0) quiet = 0;
-        waiting = now;
+        const std::size_t now = host.unread();
+        if (now != unread || now == 0) quiet = 0;
+        unread = now;
     }
-    return waiting;
+    return unread;
 }
 
 }  // namespace
@@ -77,6 +77,7 @@ void measure_answers(const PageView& view, PageHost& host, int answers, int roun
                      Measurements& to) {
     std::vector<double> delivered;
     std::vector<double> evaluated;
+    std::vector<double> floors;
     for (int round = 0; round < rounds; ++round) {
         const Scripts scripts = distinct_scripts(answers);
         host.expect(sizeof(webkit_message) * static_cast<std::size_t>(answers));
@@ -86,13 +87,15 @@ void measure_answers(const PageView& view, PageHost& host, int answers, int roun
         start = monotonic_seconds();
         view.evaluate(scripts.evaluations);
         evaluated.push_back((monotonic_seconds() - start) * kNanoseconds / answers);
+        floors.push_back(view.number("return timeOfEvaluations(" + std::to_string(answers) + ")"));
     }
-    if (view.number("return answers") != 2.0 * answers * rounds) {
+    if (view.number("return answers") != 3.0 * answers * rounds) {
         std::fputs("Not every answer has called its callback.\n", stderr);
         std::exit(EXIT_FAILURE);
     }
     to["answers"] = median(delivered);
     to["evaluate_javascript"] = median(evaluated);
+    to["evaluate_callback"] = median(floors);
 }
 
 void measure_pause(const PageView& view, PageHost& host, Measurements& to) {
@@ -102,9 +105,9 @@ void measure_pause(const PageView& view, PageHost& host, Measurements& to) {
     host.set_task(PageHost::Task::keep);
     host.pause();
     host.expect(kCalls * kSize);
-    // Later, or the page would be stuck before this call of it has returned.
+    // Delayed, because the page would block before this call returned.
     view.run("setTimeout(() => numbered(" + std::to_string(kCalls) + "), 100)");
-    to["paused_calls"] = waiting_when_stuck(host) / kSize;
+    to["paused_calls"] = unread_when_blocked(host) / kSize;
     host.resume();
     host.finished_at();
     std::size_t in_order = 0;

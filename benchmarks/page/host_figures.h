@@ -1,4 +1,4 @@
-// The figures whose end the host sees.
+// Figures that end when the host receives the last bytes.
 #pragma once
 
 #include "benchmarks/measurements.h"
@@ -7,14 +7,15 @@
 
 namespace kestrel::bench {
 
-// Many calls, and as many bare writes, until the host has read the last byte.
+// Many calls, and as many of the floor, until the host has read the last byte.
 void measure_burst(const PageView& view, PageHost& host, int calls, int rounds, Measurements& to);
 
-// Many answers, and as many scripts of WebKit's own, until the last has run.
+// Many answers, and as many scripts through WebKit, until the last has run; and their floor.
 void measure_answers(const PageView& view, PageHost& host, int answers, int rounds,
                      Measurements& to);
 
-// How many calls fit while the host does not read, and whether all of them come, in order.
+// The number of calls until the page blocks because the host does not read, and how many of all
+// calls are lost or out of order later.
 void measure_pause(const PageView& view, PageHost& host, Measurements& to);
 
 }  // namespace kestrel::bench

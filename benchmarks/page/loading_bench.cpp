@@ -1,5 +1,4 @@
-// What loading the extension costs a web process: time, relocations and memory, measured in several
-// web processes.
+// Loading the extension: time, relocations and memory, measured in several web processes.
 #include <algorithm>
 #include <cstdlib>
 #include <map>
@@ -16,7 +15,7 @@ using kestrel::bench::median;
 using kestrel::bench::PageEnvironment;
 using kestrel::bench::PageSession;
 
-// What is still allocated after the page's start is freed during this time.
+// Lets the page's start finish.
 constexpr const char* kSettle = "await new Promise(done => setTimeout(done, 500));";
 
 double memory_added(const PageSession& session, const std::string& call) {
@@ -39,7 +38,7 @@ Measurements measure_loading(const PageEnvironment& environment, int starts) {
     }
     Measurements medians;
     for (const auto& [name, values] : figures) medians[name] = median(values);
-    // Other work of the process during a measurement adds memory, so the smallest is the truest.
+    // Other work of the process can only add memory: the smallest value is the most exact.
     medians["private_bytes"] = std::ranges::min(loaded) - std::ranges::min(empty);
     return medians;
 }
@@ -48,7 +47,7 @@ Measurements measure_loading(const PageEnvironment& environment, int starts) {
 
 int main(int argc, char** argv) {
     const kestrel::bench::Options options = kestrel::bench::parse_options(argc, argv);
-    // WebKit's own allocator returns memory at times of its own, which would hide the extension's.
+    // Turns WebKit's own allocator off: it returns memory at unpredictable times.
     setenv("Malloc", "1", 1);
     const PageEnvironment environment;
     kestrel::bench::write_measurements(options.out,

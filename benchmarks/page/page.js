@@ -1,5 +1,5 @@
-// The page's part of the benchmarks. `bench` is the second extension's; `external` comes with
-// bench.load(). All times are nanoseconds.
+// The page's part of the benchmarks. The second extension provides `bench`; bench.load() adds
+// `external`. All times are in nanoseconds.
 'use strict';
 
 const HEADER = 16;
@@ -12,7 +12,7 @@ const textOf = {
 
 const utf8Size = text => new TextEncoder().encode(text).length;
 
-// All that the page has posted so far has come when this has.
+// Resolves after everything posted so far has arrived.
 const settled = () => webkit.messageHandlers.ask.postMessage('');
 
 const median = times => times.sort((a, b) => a - b)[times.length >> 1];
@@ -23,7 +23,7 @@ function timed(call, values) {
   return (bench.now() - start) / values.length;
 }
 
-// Each round measures every subject once; the first warms up and does not count.
+// Each round measures every subject once; the first is a warm-up and does not count.
 async function interleaved(subjects, rounds, measure) {
   const names = Object.keys(subjects);
   const times = Object.fromEntries(names.map(name => [name, []]));
@@ -90,14 +90,14 @@ function memoryAdded(call) {
   return bench.privateMemory() - before;
 }
 
-// Page call, host's answer, the page's callback; one after the other.
+// Page call, host's answer, the page's callback, one after the other.
 const tripSubjects = {
   link: values => new Promise(done => {
     let at = 0;
     const start = bench.now();
     const call = () => external.ajax(values[at], '', '', '', '', '');
     window.zyns_ajax_complete = text => {
-      if (text.length !== values[at].length) throw new Error('another text came back');
+      if (text.length !== values[at].length) throw new Error('unexpected text');
       if (++at < values.length) call(); else done((bench.now() - start) / values.length);
     };
     call();
@@ -170,7 +170,16 @@ function answered() {
   ++answers;
 }
 
-// Values that tell their place, all of one size.
+// Processor time per text like those of the host's answers.
+let evaluated = 0;
+function timeOfEvaluations(count) {
+  const texts = Array.from({length: count}, () => `(() => (answered)('text ${++evaluated}'))`);
+  const start = bench.processorTime();
+  for (const text of texts) bench.evaluate(text);
+  return (bench.processorTime() - start) / count;
+}
+
+// Values that contain their position, all of one size.
 function numbered(calls) {
   for (let i = 0; i < calls; ++i) external.setItem('k', String(100000 + i), 'cb');
 }
@@ -211,7 +220,7 @@ const LOADS = {
   channel: () => again(channel, 5),
 };
 
-// Keeps the main thread busy until calmDown.
+// Keeps the main thread busy until calmDown().
 function keepBusy(load) {
   isBusy = true;
   LOADS[load]();

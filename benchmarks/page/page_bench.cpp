@@ -1,4 +1,4 @@
-// What a page sees of the library, in a real WebKit: this program is the host.
+// Figures of a page. This program is the host of a real WebKit.
 #include <string>
 #include <utility>
 #include <vector>

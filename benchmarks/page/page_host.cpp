@@ -95,7 +95,7 @@ void PageHost::resume() {
     paused_.notify_one();
 }
 
-std::size_t PageHost::waiting() const {
+std::size_t PageHost::unread() const {
     int bytes = 0;
     ioctl(peer_, FIONREAD, &bytes);
     return static_cast<std::size_t>(bytes);

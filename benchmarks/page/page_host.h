@@ -10,14 +10,14 @@
 
 namespace kestrel::bench {
 
-// The host's end of the link, in a thread of its own: reads all that comes. It listens from the
-// start, and serves one web process. Its functions are for one other thread.
+// The host's end of the link. A thread of its own reads everything from one web process. All
+// functions must be called from one thread.
 class PageHost {
   public:
     enum class Task : std::uint8_t {
-        count,  // bytes, and nothing else
-        echo,   // each frame of type 11 is answered: its first string comes back to the page
-        keep,   // the payload of every frame
+        count,  // only counts bytes
+        echo,   // answers each frame of type 11 with its first string
+        keep,   // keeps the payload of each frame
     };
 
     explicit PageHost(const std::string& client_directory);
@@ -25,25 +25,25 @@ class PageHost {
     PageHost(const PageHost&) = delete;
     PageHost& operator=(const PageHost&) = delete;
 
-    // Only while nothing is under way.
+    // Only while no bytes are expected.
     void set_task(Task task) { task_ = task; }
 
-    // Forgets what has come; finished_at tells when `bytes` more have.
+    // Starts to wait for `bytes` more bytes and drops the kept payloads.
     void expect(std::uint64_t bytes);
 
-    // Whether the expected bytes have come.
+    // Whether the expected bytes have arrived.
     bool has_finished() const { return finished_at_ != 0; }
 
-    // Waits until the expected bytes have come, a minute at most, and says when that was, in
+    // Waits for the expected bytes, at most a minute. Returns the time of their arrival in
     // seconds of the monotonic clock.
     double finished_at() const;
 
-    // Stops reading once the next piece has come, or goes on.
+    // Stops reading after the next read, or resumes it.
     void pause() { paused_ = true; }
     void resume();
 
-    // Bytes that wait to be read.
-    std::size_t waiting() const;
+    // Bytes in the socket that are not yet read.
+    std::size_t unread() const;
 
     void send(std::string_view bytes) const;
 
@@ -69,6 +69,6 @@ class PageHost {
 
 double monotonic_seconds();
 
-inline constexpr double kNanoseconds = 1e9;  // a second
+inline constexpr double kNanoseconds = 1e9;  // per second
 
 }  // namespace kestrel::bench

@@ -12,11 +12,11 @@ void set_extension(WebKitWebContext* context, void* library) {
         context, g_variant_new("(ss)", library, BENCH_EMPTY_LIBRARY));
 }
 
-// The peer of a page call.
+// Peer of a page call.
 void ignore_message(WebKitUserContentManager* /*manager*/, WebKitJavascriptResult* /*result*/,
                     void* /*user_data*/) {}
 
-// The peers of a round trip: what came goes back.
+// Peers of a round trip: reply with the message.
 gboolean reply_to_script(WebKitUserContentManager* /*manager*/, JSCValue* value,
                          WebKitScriptMessageReply* reply, void* /*user_data*/) {
     webkit_script_message_reply_return_value(reply, value);
@@ -42,7 +42,7 @@ void add_peers(WebKitWebView* view) {
 
 void end_program(WebKitWebView* /*view*/, WebKitWebProcessTerminationReason /*reason*/,
                  void* /*user_data*/) {
-    std::fputs("The web process has ended.\n", stderr);
+    std::fputs("The web process has exited.\n", stderr);
     std::exit(EXIT_FAILURE);
 }
 
@@ -56,7 +56,7 @@ void run_until(const bool& done) {
 
 struct Result {
     const std::string& body;
-    bool come = false;
+    bool arrived = false;
     std::string text;
 };
 
@@ -71,7 +71,7 @@ void take_result(GObject* view, GAsyncResult* async, void* data) {
     }
     char* text = jsc_value_to_string(value);
     result->text = text;
-    result->come = true;
+    result->arrived = true;
     g_free(text);
     g_object_unref(value);
 }
@@ -105,7 +105,7 @@ std::string PageView::run(const std::string& body) const {
     Result result{body, false, ""};
     webkit_web_view_call_async_javascript_function(view_, body.c_str(), -1, nullptr, nullptr,
                                                    nullptr, nullptr, take_result, &result);
-    run_until(result.come);
+    run_until(result.arrived);
     return result.text;
 }
 

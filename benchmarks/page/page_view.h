@@ -8,7 +8,7 @@
 
 namespace kestrel::bench {
 
-// A web view that shows the benchmarks' page. Ends the program when its web process ends.
+// A web view that shows the benchmarks' page. Ends the program when the web process exits.
 class PageView {
   public:
     // Returns when the page has loaded; its bench.load() loads `library`.
@@ -17,7 +17,7 @@ class PageView {
     PageView(const PageView&) = delete;
     PageView& operator=(const PageView&) = delete;
 
-    // The text of what the body of an asynchronous function returns, when it has.
+    // Runs `body` as an asynchronous function and returns its result as text.
     std::string run(const std::string& body) const;
     double number(const std::string& body) const { return std::stod(run(body)); }
 

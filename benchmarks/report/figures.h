@@ -1,4 +1,4 @@
-// The figures: what is compared with what, and how good it has to be.
+// The figures with their floors, peers and targets.
 #pragma once
 
 #include <array>
@@ -18,8 +18,8 @@ struct Figure {
     std::string_view title;
     std::string_view measurement;
     std::string_view against;                // in words
-    std::array<std::string_view, 2> floors;  // measurements: the one, or the smaller of two
-    std::optional<double> target;            // the highest good ratio or value
+    std::array<std::string_view, 2> floors;  // measurements: the smaller of up to two
+    std::optional<double> target;            // the highest ratio or value that passes
     Unit unit = Unit::time;
 };
 

@@ -7,7 +7,7 @@
 namespace kestrel::testing {
 
 // The time limit of every wait in a test, in milliseconds.
-inline constexpr int kPatience = 30'000;
+inline constexpr int kPatience = 90'000;
 
 // Waits until `condition` holds, and calls `pause` between the checks; false when it does not hold
 // in time. For conditions that no event announces to the test; main_loop.h has the same for a test
