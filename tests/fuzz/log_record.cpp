@@ -1,5 +1,5 @@
-// The settings that all programs share, as another program may have left them on disk. The first
-// byte chooses how much of the file is cut off while it is mapped.
+// The shared settings file with any content. The first byte selects how far the file is truncated
+// while it is mapped.
 #include <unistd.h>
 
 #include <cstdlib>
