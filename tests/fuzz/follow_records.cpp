@@ -1,5 +1,5 @@
-// What `kestrel-log follow` takes from a process, and what it prints of it. The first byte is the
-// size of the pieces in which it comes.
+// The stream of a process as `kestrel-log follow` reads and prints it. The first byte is the size
+// of the pieces in which the stream arrives.
 #include <sys/socket.h>
 
 #include <array>

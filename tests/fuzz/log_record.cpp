@@ -1,13 +1,12 @@
-// The settings that all programs share, as another program may have left them on disk. The first
-// byte chooses how much of the file is cut off while it is mapped.
-#include "log/log_record.h"
-
+// The shared settings file with any content. The first byte selects how far the file is truncated
+// while it is mapped.
 #include <unistd.h>
 
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
 
+#include "log/log_record.h"
 #include "log/shared_config.h"
 #include "log/zynlog.h"
 #include "log/zynlog_config.h"

@@ -1,4 +1,4 @@
-// The page's locale comes from the client's message catalogue, as the process's language finds it.
+// The page's locale comes from the client's message catalogue in the language of the environment.
 #include <cstdlib>
 #include <filesystem>
 
@@ -9,7 +9,9 @@
 namespace kestrel::testing {
 namespace {
 
-// The example of a language, compiled into an install root.
+using Catalogue = StoreTest;
+
+// Compiles the example catalogue of a language into an install root.
 void compile_catalogue(const std::string& root, const std::string& language) {
     const std::string directory = root + "/nls/" + language + "/LC_MESSAGES";
     std::filesystem::create_directories(directory);
@@ -18,7 +20,7 @@ void compile_catalogue(const std::string& root, const std::string& language) {
     ASSERT_EQ(std::system(command.c_str()), 0);
 }
 
-TEST_F(StoreTest, TakesTheLocaleFromACompiledCatalogue) {
+TEST_F(Catalogue, SetsTheLocale) {
     const TemporaryDirectory root;
     compile_catalogue(root.path(), "de");
     compile_catalogue(root.path(), "fr");
@@ -29,7 +31,7 @@ TEST_F(StoreTest, TakesTheLocaleFromACompiledCatalogue) {
     EXPECT_EQ(store.evaluate("ZYNS.getLocale()"), "fr-fr,fr;q=0.8,en;q=0.5");
 }
 
-TEST_F(StoreTest, FallsBackToEnglishForALanguageWithoutACatalogue) {
+TEST_F(Catalogue, FallsBackToEnglish) {
     const TemporaryDirectory root;
     compile_catalogue(root.path(), "de");
     use_language("fr", client_directory());

@@ -1,5 +1,5 @@
-// Asked for by the leak sanitizer. The test program is a GTK program with a web view; its libraries
-// keep what they make once per process, and some forget where.
+// Called by the leak sanitizer. Some libraries of GTK and WebKit lose the pointers to objects that
+// they allocate once per process.
 extern "C" [[gnu::visibility("default")]] const char* __lsan_default_suppressions() {
     return "leak:libfontconfig.so\n"            // patterns of the fonts that are in use
            "leak:libGLX_mesa.so\n"              // extensions of the display, from Mesa 25 on

@@ -1,4 +1,4 @@
-// Hosts, web processes and log daemons that stop, die and come back.
+// Hosts, web processes and log daemons that stop, end or restart.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -13,7 +13,10 @@
 namespace kestrel::testing {
 namespace {
 
-TEST_F(ConnectedStoreTest, RunsAnswersInThePageThatIsShownAfterGoingBack) {
+using Recovery = ConnectedStoreTest;
+using LogDaemon = StoreTest;
+
+TEST_F(Recovery, RunsAnswersInAPageOfTheBackForwardCache) {
     store.load("<title>first</title>");
     store.evaluate("window.kept = true");
     store.load("<title>second</title>");
@@ -24,18 +27,20 @@ TEST_F(ConnectedStoreTest, RunsAnswersInThePageThatIsShownAfterGoingBack) {
     EXPECT_EQ(store.evaluate("document.title"), "answered true");
 }
 
-TEST_F(ConnectedStoreTest, AWebProcessThatWasKilledIsFollowedByOneThatWorks) {
+TEST_F(Recovery, StartsAnotherWebProcessAfterOneWasKilled) {
     const pid_t first = announced(host);
     kill(first, SIGKILL);
     ASSERT_TRUE(run_main_loop_until([&] { return store.process_has_gone(); }));
     webkit_web_view_load_uri(store.view(), "about:blank");
     ASSERT_TRUE(host.wait_for(61, 2));
     EXPECT_NE(announced(host), first);
+    // An answer to a page that is being replaced is not run.
+    ASSERT_TRUE(run_main_loop_until([&] { return !webkit_web_view_is_loading(store.view()); }));
     host.send(1, {"String"});
     EXPECT_TRUE(host.wait_for(33));
 }
 
-TEST_F(ConnectedStoreTest, AStoppedWebProcessLosesNothing) {
+TEST_F(Recovery, DeliversAnswersToAStoppedWebProcess) {
     const pid_t process = announced(host);
     kill(process, SIGSTOP);
     for (int i = 0; i < 200; ++i) host.send(1, {"String"});
@@ -43,7 +48,7 @@ TEST_F(ConnectedStoreTest, AStoppedWebProcessLosesNothing) {
     EXPECT_TRUE(host.wait_for(33, 200));
 }
 
-TEST_F(ConnectedStoreTest, NavigatesWhileAnswersAreOnTheirWay) {
+TEST_F(Recovery, DeliversAnswersDuringNavigations) {
     for (int page = 0; page < 10; ++page) {
         for (int i = 0; i < 50; ++i) host.send(1, {"(() => 1)"});
         store.load("<title>page</title>");
@@ -52,11 +57,10 @@ TEST_F(ConnectedStoreTest, NavigatesWhileAnswersAreOnTheirWay) {
     EXPECT_FALSE(store.process_has_gone());
 }
 
-// The host goes with part of a message written, at every place where it could break.
-class HostThatDies : public ConnectedStoreTest,
-                     public ::testing::WithParamInterface<std::size_t> {};
+// The host ends after it has written some bytes of a message.
+class HostEnds : public ConnectedStoreTest, public ::testing::WithParamInterface<std::size_t> {};
 
-TEST_P(HostThatDies, LeavesThePageAlive) {
+TEST_P(HostEnds, KeepsThePage) {
     const std::string answer = frame_bytes(1, {}, {"(() => { document.title = 'reached' })"});
     host.send_bytes(answer.substr(0, GetParam()));
     host.hang_up();
@@ -65,9 +69,9 @@ TEST_P(HostThatDies, LeavesThePageAlive) {
     EXPECT_FALSE(store.process_has_gone());
 }
 
-INSTANTIATE_TEST_SUITE_P(At, HostThatDies, ::testing::Values(0, 1, 15, 16, 17, 30, 54));
+INSTANTIATE_TEST_SUITE_P(AfterBytes, HostEnds, ::testing::Values(0, 1, 15, 16, 17, 30, 54));
 
-TEST_F(StoreTest, TheLogDaemonMayGoAndComeBack) {
+TEST_F(LogDaemon, MayRestart) {
     const std::string socket = client_directory() + "/.zynlogsocket";
     auto daemon = std::make_unique<ListeningHost>(socket);
     host.listen();
