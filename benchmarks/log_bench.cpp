@@ -11,8 +11,8 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <string>
+#include <optional>
+#include <string_view>
 
 #include "benchmarks/empty_call.h"
 #include "benchmarks/own_syslog.h"
@@ -21,6 +21,7 @@
 #include "log/zynlog.h"
 #include "log/zynlog_config.h"
 #include "log/zynlog_paths.h"
+#include "tests/support/temporary_directory.h"
 
 namespace {
 
@@ -92,10 +93,9 @@ std::span<const kestrel::bench::Measurement> measurable(bool has_syslog) {
 int main(int argc, char** argv) {
     const kestrel::bench::Options options = kestrel::bench::parse_options(argc, argv);
     const bool has_syslog = kestrel::bench::enter_own_dev();
-    std::string home = std::filesystem::temp_directory_path() / "log-bench-XXXXXX";
-    if (mkdtemp(home.data()) == nullptr) return EXIT_FAILURE;
-    setenv("HOME", home.c_str(), 1);
-    if (!std::string_view(GetSocketFilePath()).starts_with(home)) {
+    auto home = std::make_optional<kestrel::testing::TemporaryDirectory>();
+    setenv("HOME", home->path().c_str(), 1);
+    if (!std::string_view(GetSocketFilePath()).starts_with(home->path())) {
         std::fputs("The system-wide log directory is in use: not measured.\n", stderr);
         return EXIT_FAILURE;
     }
@@ -106,7 +106,7 @@ int main(int argc, char** argv) {
 
     const auto medians = kestrel::bench::measure(measurable(has_syslog), options.smoke);
     kestrel::bench::write_measurements(options.out, medians);
-    std::filesystem::remove_all(home);
+    home.reset();
     std::fflush(stdout);
     _exit(EXIT_SUCCESS);  // the sinks' threads still read
 }

@@ -6,6 +6,8 @@
 #include <fstream>
 #include <string_view>
 
+#include "benchmarks/require.h"
+
 namespace kestrel::bench {
 
 Options parse_options(int argc, char** argv) {
@@ -29,10 +31,7 @@ void write_measurements(const std::string& file, const Measurements& measurement
     std::ofstream out(file);
     out << measurements.dump(2) << '\n';
     out.close();
-    if (out.fail()) {
-        std::perror(file.c_str());
-        std::exit(EXIT_FAILURE);
-    }
+    require(!out.fail(), file);
 }
 
 double median(std::vector<double> values) {

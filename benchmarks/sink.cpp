@@ -27,7 +27,7 @@ void serve(int listener) {
 }  // namespace
 
 Sink::Sink(const std::string& path, int type) : path_(path) {
-    const int fd = waiting_socket(path, type);
+    const int fd = bound_socket(path, type);
     std::thread(type == SOCK_DGRAM ? drain : serve, fd).detach();
 }
 

@@ -2,8 +2,7 @@
 
 #include <sys/un.h>
 
-#include <cstdio>
-#include <cstdlib>
+#include "benchmarks/require.h"
 
 namespace kestrel::bench {
 namespace {
@@ -21,13 +20,7 @@ int socket_at(const std::string& path, int type, Call call) {
 
 }  // namespace
 
-void require(bool ok, const std::string& what) {
-    if (ok) return;
-    std::perror(what.c_str());
-    std::exit(EXIT_FAILURE);
-}
-
-int waiting_socket(const std::string& path, int type) {
+int bound_socket(const std::string& path, int type) {
     const int fd = socket_at(path, type, bind);
     if (type == SOCK_STREAM) require(listen(fd, 8) == 0, path);
     return fd;

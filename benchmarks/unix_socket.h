@@ -1,3 +1,4 @@
+// AF_UNIX sockets. Errors end the program.
 #pragma once
 
 #include <sys/socket.h>
@@ -6,13 +7,10 @@
 
 namespace kestrel::bench {
 
-// Ends the program, and says why, unless `ok`; errno tells more.
-void require(bool ok, const std::string& what);
+// A socket bound to `path`; listens if `type` is SOCK_STREAM.
+int bound_socket(const std::string& path, int type = SOCK_STREAM);
 
-// A socket that waits at `path`: for connections, if it is a stream.
-int waiting_socket(const std::string& path, int type = SOCK_STREAM);
-
-// A stream to the one that waits at `path`.
+// A stream socket connected to `path`.
 int connected_socket(const std::string& path);
 
 }  // namespace kestrel::bench

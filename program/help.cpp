@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "program/translation.h"
 
@@ -16,6 +17,17 @@ class HelpFormatter : public CLI::Formatter {
               translatable("Positionals"), translatable("REQUIRED"), translatable("TEXT")}) {
             label(word, translate(word));
         }
+        label("POSITIONALS", translate("Positionals"));  // as CLI11 2.6 has it
+    }
+
+    // CLI11 2.6 leaves out the word before the program's name.
+    std::string make_usage(const CLI::App* app, std::string name) const override {
+        std::string usage = CLI::Formatter::make_usage(app, std::move(name));
+        const std::string word = get_label("Usage") + ":";
+        if (usage.find(word) == std::string::npos) {
+            usage.insert(usage.find_first_not_of('\n'), word + " ");
+        }
+        return usage;
     }
 
     // CLI11 has no label for this sentence.

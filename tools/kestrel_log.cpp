@@ -57,9 +57,8 @@ void add_commands(CLI::App& app, Arguments& arguments, Command& command) {
     };
 
     add("show",
-        translate(
-            "Show all settings: the own and the working level of each class, flags, output, "
-            "rollover and sessions"),
+        translate("Show all settings: the own and the working level of each class, flags, output, "
+                  "rollover and sessions"),
         [&] { show_settings(arguments.json); });
 
     CLI::App* const level = add("level", translate("Set the level of a class"),

@@ -33,7 +33,7 @@ void open_settings() {
                      : formatted(translate("cannot open the settings at %s"), path.c_str()));
 }
 
-// Checks the result of a ZynLogSet… call.
+// Checks the result of a ZynLogSet... function.
 void expect_set(int result) {
     if (result == 1) return;
     throw std::runtime_error(formatted(translate("cannot change the settings at %s: the file was "

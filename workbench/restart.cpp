@@ -36,7 +36,7 @@ std::vector<std::string> copy_of_environment() {
 
 void restart(std::vector<std::string> arguments, std::vector<std::string> environment) {
     execve("/proc/self/exe", pointers_to(arguments).data(), pointers_to(environment).data());
-    throw std::system_error(errno, std::generic_category(), translate("cannot start anew"));
+    throw std::system_error(errno, std::generic_category(), translate("cannot restart"));
 }
 
 }  // namespace kestrel

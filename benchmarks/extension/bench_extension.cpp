@@ -1,122 +1,45 @@
-// A second extension, beside the library under test: gives the page the object `bench`, with the
-// floors and peers that a page call is compared with, and a clock that a page may look at.
+// A second extension, beside the library under test. It gives the page the object `bench`: the
+// floors and a peer of a page call, a clock, and functions that load the library under test and
+// measure it.
 #include <JavaScriptCore/JavaScript.h>
-#include <unistd.h>
+#include <malloc.h>
 #include <webkit2/webkit-web-extension.h>
 
-#include <cerrno>
 #include <chrono>
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 #include <string>
-#include <vector>
 
+#include "benchmarks/extension/floors.h"
 #include "benchmarks/extension/library_facts.h"
 #include "benchmarks/extension/loaded_extension.h"
+#include "benchmarks/extension/private_memory.h"
 
-// The one way to collect garbage before going on; declared in no public header.
+// JavaScriptCore exports it but declares it in no public header; no other function collects garbage
+// before it returns.
 extern "C" void JSSynchronousGarbageCollectForDebugging(JSContextRef context);
 
 namespace {
 
-using kestrel::bench::link_descriptor;
+struct Paths {
+    std::string library;  // under test
+    std::string empty_library;
+};
 
-kestrel::bench::Paths paths;
+Paths paths;
 WebKitWebExtension* web_extension = nullptr;
-kestrel::bench::Shown shown;
-
-// A frame's bytes, of a size that the page has asked for.
-std::vector<char> frame(16);
-constexpr std::size_t kHeaderSize = 16;
+kestrel::bench::Page shown;
 
 JSValueRef number(JSContextRef context, double value) { return JSValueMakeNumber(context, value); }
 
-double number_of(JSContextRef context, JSValueRef value) {
-    return JSValueToNumber(context, value, nullptr);
-}
-
-// In one write, unless a signal cuts it short: JavaScriptCore stops threads with signals.
-void write_whole(const char* bytes, std::size_t size) {
-    while (size > 0) {
-        const ssize_t written = write(link_descriptor(), bytes, size);
-        if (written < 0 && errno != EINTR) std::abort();
-        if (written < 0) continue;
-        bytes += written;
-        size -= static_cast<std::size_t>(written);
-    }
-}
-
-// Nanoseconds of a clock that is the same in all processes.
+// Nanoseconds of a clock that all processes share.
 JSValueRef now(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
                size_t /*count*/, const JSValueRef /*arguments*/[], JSValueRef* /*exception*/) {
     return number(context,
                   static_cast<double>(std::chrono::steady_clock::now().time_since_epoch().count()));
 }
 
-// prepare(size): the next writes are of so many bytes.
-JSValueRef prepare(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
-                   size_t /*count*/, const JSValueRef arguments[], JSValueRef* /*exception*/) {
-    frame.assign(static_cast<std::size_t>(number_of(context, arguments[0])), 'x');
-    return JSValueMakeUndefined(context);
-}
-
-// One write of the prepared bytes, whatever the arguments.
-JSValueRef write_prepared(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
-                          size_t /*count*/, const JSValueRef /*arguments*/[],
-                          JSValueRef* /*exception*/) {
-    write_whole(frame.data(), frame.size());
-    return JSValueMakeUndefined(context);
-}
-
-// writeMany(count): so many bare writes in a loop. Returns when it started.
-JSValueRef write_many(JSContextRef context, JSObjectRef function, JSObjectRef self,
-                      size_t /*count*/, const JSValueRef arguments[], JSValueRef* exception) {
-    const JSValueRef start = now(context, function, self, 0, nullptr, exception);
-    for (int left = static_cast<int>(number_of(context, arguments[0])); left > 0; --left) {
-        write_whole(frame.data(), frame.size());
-    }
-    return start;
-}
-
-// What no library can do without: each argument's text, a look at all of its characters, which have
-// two bytes each, and a copy of half as many bytes; then one write of the prepared bytes.
-JSValueRef read_texts(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
-                      size_t count, const JSValueRef arguments[], JSValueRef* exception) {
-    constexpr char kNowhere = 0x01;     // in no text
-    constexpr std::size_t kShort = 12;  // up to here, a conversion takes less than a look
-    std::size_t at = kHeaderSize;
-    for (std::size_t i = 0; i < count; ++i) {
-        const JSStringRef text = JSValueToStringCopy(context, arguments[i], exception);
-        const std::size_t length = JSStringGetLength(text);
-        if (length > kShort) {
-            const auto* const half = reinterpret_cast<const char*>(JSStringGetCharactersPtr(text));
-            std::memcpy(frame.data() + at, half, length);
-            if (std::memchr(half + length, kNowhere, length) != nullptr) std::abort();
-        } else {
-            JSStringGetUTF8CString(text, frame.data() + at, frame.size() - at);
-        }
-        at += length + 1;
-        JSStringRelease(text);
-    }
-    write_whole(frame.data(), frame.size());
-    return JSValueMakeUndefined(context);
-}
-
-// Puts the arguments' texts into the prepared bytes as JavaScriptCore converts them, and writes.
-JSValueRef convert(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
-                   size_t count, const JSValueRef arguments[], JSValueRef* exception) {
-    std::size_t at = kHeaderSize;
-    for (std::size_t i = 0; i < count; ++i) {
-        const JSStringRef text = JSValueToStringCopy(context, arguments[i], exception);
-        at += JSStringGetUTF8CString(text, frame.data() + at, frame.size() - at);
-        JSStringRelease(text);
-    }
-    write_whole(frame.data(), at);
-    return JSValueMakeUndefined(context);
-}
-
-// ask(text, callback): sends the view a message and calls back with the text of its reply.
+// ask(text, callback): sends a message to the view and calls the callback with the reply's text.
 JSValueRef ask(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
                size_t /*count*/, const JSValueRef arguments[], JSValueRef* exception) {
     struct Callback {
@@ -149,48 +72,64 @@ JSValueRef ask(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*sel
     return JSValueMakeUndefined(context);
 }
 
-JSValueRef load(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
-                size_t /*count*/, const JSValueRef /*arguments*/[], JSValueRef* /*exception*/) {
-    const std::string json = kestrel::bench::load_extension(paths, web_extension, shown);
-    const JSStringRef text = JSStringCreateWithUTF8CString(json.c_str());
+// loadingFigures(): JSON text; only before load().
+JSValueRef loading_figures(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
+                           size_t /*count*/, const JSValueRef /*arguments*/[],
+                           JSValueRef* /*exception*/) {
+    const kestrel::bench::LibraryFacts facts = kestrel::bench::facts_of(paths.library.c_str());
+    char* const json =
+        g_strdup_printf(R"({"load_empty_library": %.0f, "load_library": %.0f, "relocations": %zu, )"
+                        R"("constructors": %zu})",
+                        kestrel::bench::nanoseconds_to_load(paths.empty_library.c_str()),
+                        kestrel::bench::nanoseconds_to_load(paths.library.c_str()),
+                        facts.relocations, facts.constructors);
+    const JSStringRef text = JSStringCreateWithUTF8CString(json);
+    g_free(json);
     const JSValueRef value = JSValueMakeString(context, text);
     JSStringRelease(text);
     return value;
 }
 
-// attach(count): nanoseconds a time.
-JSValueRef attach(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
-                  size_t /*count*/, const JSValueRef arguments[], JSValueRef* /*exception*/) {
-    const int times = static_cast<int>(number_of(context, arguments[0]));
-    return number(context, kestrel::bench::attach(shown, times));
+JSValueRef load(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
+                size_t /*count*/, const JSValueRef /*arguments*/[], JSValueRef* /*exception*/) {
+    kestrel::bench::load_extension(paths.library.c_str(), web_extension, shown);
+    return JSValueMakeUndefined(context);
 }
 
-// The bytes in memory after all garbage has been collected.
-JSValueRef resident(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
-                    size_t /*count*/, const JSValueRef /*arguments*/[], JSValueRef* /*exception*/) {
+// attach(count): nanoseconds per attachment.
+JSValueRef attach(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
+                  size_t /*count*/, const JSValueRef arguments[], JSValueRef* exception) {
+    const double count = JSValueToNumber(context, arguments[0], exception);
+    return number(context, kestrel::bench::attach(shown, static_cast<int>(count)));
+}
+
+// privateMemory(): bytes, after garbage and free heap pages are returned to the system.
+JSValueRef private_memory(JSContextRef context, JSObjectRef /*function*/, JSObjectRef /*self*/,
+                          size_t /*count*/, const JSValueRef /*arguments*/[],
+                          JSValueRef* /*exception*/) {
     JSSynchronousGarbageCollectForDebugging(context);
-    return number(context, static_cast<double>(kestrel::bench::resident_bytes()));
+    malloc_trim(0);
+    return number(context, static_cast<double>(kestrel::bench::private_memory(paths.library)));
 }
 
 constexpr JSPropertyAttributes kReadOnly = kJSPropertyAttributeReadOnly;
 
 constexpr JSStaticFunction kFunctions[] = {
     {"now", now, kReadOnly},
-    {"prepare", prepare, kReadOnly},
-    {"write", write_prepared, kReadOnly},
-    {"writeMany", write_many, kReadOnly},
-    {"readTexts", read_texts, kReadOnly},
-    {"convert", convert, kReadOnly},
+    {"prepare", kestrel::bench::prepare, kReadOnly},
+    {"readTexts", kestrel::bench::read_texts, kReadOnly},
+    {"convert", kestrel::bench::convert, kReadOnly},
     {"ask", ask, kReadOnly},
+    {"loadingFigures", loading_figures, kReadOnly},
     {"load", load, kReadOnly},
     {"attach", attach, kReadOnly},
-    {"resident", resident, kReadOnly},
+    {"privateMemory", private_memory, kReadOnly},
     {nullptr, nullptr, 0},
 };
 
-// Made as the library under test makes `external`.
-void give_bench(WebKitScriptWorld* /*world*/, WebKitWebPage* page, WebKitFrame* main_frame,
-                void* /*user_data*/) {
+// Added in the same way as `external` by the library under test.
+void add_bench(WebKitScriptWorld* /*world*/, WebKitWebPage* page, WebKitFrame* main_frame,
+               void* /*user_data*/) {
     if (shown.page != nullptr) return;  // attached again by attach()
     shown = {page, main_frame};
     G_GNUC_BEGIN_IGNORE_DEPRECATIONS
@@ -216,5 +155,5 @@ extern "C" [[gnu::visibility("default")]] void webkit_web_extension_initialize_w
     g_variant_get(user_data, "(&s&s)", &library, &empty_library);
     paths = {library, empty_library};
     g_signal_connect(webkit_script_world_get_default(), "window-object-cleared",
-                     G_CALLBACK(give_bench), nullptr);
+                     G_CALLBACK(add_bench), nullptr);
 }

@@ -6,15 +6,34 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <fstream>
+#include <cstdio>
+#include <cstdlib>
 #include <map>
-#include <string>
+#include <memory>
 
 namespace kestrel::bench {
+namespace {
 
-LibraryFacts facts_of(void* library) {
+struct Unload {
+    void operator()(void* library) const { dlclose(library); }
+};
+using Library = std::unique_ptr<void, Unload>;
+
+Library load(const char* path) {
+    Library library(dlopen(path, RTLD_NOW));
+    if (library == nullptr) {
+        std::fprintf(stderr, "%s\n", dlerror());
+        std::exit(EXIT_FAILURE);
+    }
+    return library;
+}
+
+}  // namespace
+
+LibraryFacts facts_of(const char* path) {
+    const Library library = load(path);
     link_map* map = nullptr;
-    if (dlinfo(library, RTLD_DI_LINKMAP, &map) != 0) return {};
+    if (dlinfo(library.get(), RTLD_DI_LINKMAP, &map) != 0) return {};
     std::map<ElfW(Sxword), std::size_t> sizes;
     for (const ElfW(Dyn)* entry = map->l_ld; entry->d_tag != DT_NULL; ++entry) {
         sizes[entry->d_tag] = entry->d_un.d_val;
@@ -23,24 +42,13 @@ LibraryFacts facts_of(void* library) {
             sizes[DT_INIT_ARRAYSZ] / sizeof(void (*)())};
 }
 
-std::size_t resident_bytes() {
-    std::ifstream file("/proc/self/smaps_rollup");
-    for (std::string word; file >> word;) {
-        std::size_t kilobytes = 0;
-        if (word == "Rss:" && file >> kilobytes) return kilobytes * 1024;
-    }
-    return 0;
-}
-
 double nanoseconds_to_load(const char* path) {
     std::array<double, 15> times{};
     for (double& time : times) {
         const auto start = std::chrono::steady_clock::now();
-        void* const library = dlopen(path, RTLD_NOW);
+        const Library library = load(path);
         const std::chrono::duration<double, std::nano> taken =
             std::chrono::steady_clock::now() - start;
-        if (library == nullptr) return 0;
-        dlclose(library);
         time = taken.count();
     }
     std::ranges::sort(times);

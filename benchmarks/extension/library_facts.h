@@ -4,19 +4,16 @@
 
 namespace kestrel::bench {
 
-// What loading a library gives the dynamic linker to do.
+// The dynamic linker's work for a library.
 struct LibraryFacts {
     std::size_t relocations = 0;
     std::size_t constructors = 0;
 };
 
-// `library` is a handle of dlopen.
-LibraryFacts facts_of(void* library);
+// Loads and unloads the library at `path`.
+LibraryFacts facts_of(const char* path);
 
-// The bytes of this process that are in memory, exactly.
-std::size_t resident_bytes();
-
-// Nanoseconds that loading the library at `path` takes: the median of several times.
+// Median time to load the library at `path`, which must not be loaded.
 double nanoseconds_to_load(const char* path);
 
 }  // namespace kestrel::bench

@@ -1,34 +1,25 @@
-// The library under test, loaded into a web process that already shows a page, so that what it
-// costs can be told from what WebKit costs.
+// The library under test, loaded into a web process that already shows a page, so that its costs
+// can be told from WebKit's.
 #pragma once
 
 #include <webkit2/webkit-web-extension.h>
 
-#include <string>
-
 namespace kestrel::bench {
 
-struct Paths {
-    std::string extension;
-    std::string empty_library;
-};
-
-// The page, and its main frame.
-struct Shown {
+struct Page {
     WebKitWebPage* page = nullptr;
-    WebKitFrame* frame = nullptr;
+    WebKitFrame* main_frame = nullptr;
 };
 
-// Loads it, calls its entry, waits until its reader has announced the process, attaches the page,
-// and has `external` called a few times. Returns what that took, as the text of a JSON object.
-// Main thread, once.
-std::string load_extension(const Paths& paths, WebKitWebExtension* web_extension,
-                           const Shown& shown);
+// Loads the library, calls its entry point, waits until its reader thread has announced the process
+// to the host (unless it is the empty library, which has no link), and attaches the page. Call
+// once, on the main thread.
+void load_extension(const char* path, WebKitWebExtension* web_extension, const Page& page);
 
-// The descriptor of its link to the host.
+// The descriptor of the link to the host.
 int link_descriptor();
 
-// Has the page attached `count` times, as if it had been loaded anew; nanoseconds a time.
-double attach(const Shown& shown, int count);
+// Attaches the page `count` times as if it had been loaded again; nanoseconds per attachment.
+double attach(const Page& page, int count);
 
 }  // namespace kestrel::bench

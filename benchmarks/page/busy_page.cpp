@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "ipc/frame.h"
+#include "ipc/frame_builder.h"
 
 namespace kestrel::bench {
 namespace {
@@ -25,7 +26,7 @@ double time_to_effect(PageHost& host, const Frame& script) {
     return (host.finished_at() - start) * kNanoseconds;
 }
 
-// Sent at other moments of the page's turn each time.
+// The pauses vary, so that the scripts arrive at different moments of the page's work.
 std::vector<double> times_to_effect(PageHost& host, int scripts) {
     constexpr double kPause = 0.0137;
     const Frame script =

@@ -17,10 +17,10 @@ const settled = () => webkit.messageHandlers.ask.postMessage('');
 
 const median = times => times.sort((a, b) => a - b)[times.length >> 1];
 
-function timed(call, count) {
+function timed(call, values) {
   const start = bench.now();
-  for (let i = 0; i < count; ++i) call(i);
-  return (bench.now() - start) / count;
+  for (let i = 0; i < values.length; ++i) call(values[i]);
+  return (bench.now() - start) / values.length;
 }
 
 // Each round measures every subject once; the first warms up and does not count.
@@ -37,44 +37,57 @@ async function interleaved(subjects, rounds, measure) {
   return Object.fromEntries(names.map(name => [name, median(times[name])]));
 }
 
-// setItem against the floors and peers, which take the same three strings; `values` are of one size.
-function callSubjects(values) {
+const CALLS = {
+  nothing: value => bench.now('k', value, 'cb'),
+  call: value => external.setItem('k', value, 'cb'),
+  texts: value => bench.readTexts('k', value, 'cb'),
+  convert: value => bench.convert('k', value, 'cb'),
+  post: value => webkit.messageHandlers.post.postMessage(['k', value, 'cb']),
+};
+
+// Nanoseconds per call of each subject, by its name; all values have one size.
+function timesOfCalls(subjects, values, rounds) {
   bench.prepare(HEADER + 2 + utf8Size(values[0]) + 1 + 3);
-  return {
-    call: i => external.setItem('k', values[i], 'cb'),
-    write: i => bench.write('k', values[i], 'cb'),
-    read: i => bench.readTexts('k', values[i], 'cb'),
-    convert: i => bench.convert('k', values[i], 'cb'),
-    post: i => webkit.messageHandlers.post.postMessage(['k', values[i], 'cb']),
-  };
+  const calls = Object.fromEntries(subjects.map(name => [name, CALLS[name]]));
+  return interleaved(calls, rounds, call => timed(call, values));
 }
 
 const same = text => count => Array(count).fill(text);
 
-// Values of 16 bytes, none like the one before: the library keeps short ones that come often.
+// Distinct values of 16 bytes.
 let made = 10000000;
-const different = count => Array.from({length: count}, () => `another ${++made}`);
+const distinct = count => Array.from({length: count}, () => `another ${++made}`);
 
 const VALUES = [
-  {name: '1B', values: same('v'), calls: 1000},
-  {name: '16B', values: same(textOf.ascii(16)), calls: 1000},
-  {name: '16B_new', values: different, calls: 1000},
-  {name: '4KB', values: same(textOf.ascii(4096)), calls: 1000},
-  {name: '1MB', values: same(textOf.ascii(1 << 20)), calls: 20},
-  {name: '4KB_latin1', values: same(textOf.latin1(4096)), calls: 1000},
-  {name: '1MB_latin1', values: same(textOf.latin1(1 << 20)), calls: 20},
-  {name: '4KB_cyrillic', values: same(textOf.cyrillic(4096)), calls: 1000},
-  {name: '1MB_cyrillic', values: same(textOf.cyrillic(1 << 20)), calls: 20},
+  {name: '1B', values: same('v'), calls: 1000, subjects: ['call', 'texts']},
+  {name: '16B', values: distinct, calls: 1000, subjects: ['call', 'post']},
+  {name: '4KB', values: same(textOf.ascii(4096)), calls: 1000, subjects: ['call', 'post']},
+  {name: '1MB', values: same(textOf.ascii(1 << 20)), calls: 20,
+   subjects: ['call', 'texts', 'post']},
+  {name: '1MB_latin1', values: same(textOf.latin1(1 << 20)), calls: 20,
+   subjects: ['call', 'convert']},
+  {name: '1MB_cyrillic', values: same(textOf.cyrillic(1 << 20)), calls: 20,
+   subjects: ['call', 'convert']},
 ];
 
 async function callFigures(rounds) {
   const figures = {};
-  for (const {name, values, calls} of VALUES) {
-    const subjects = callSubjects(values(calls));
-    const times = await interleaved(subjects, rounds, call => timed(call, calls));
+  for (const {name, values, calls, subjects} of VALUES) {
+    const times = await timesOfCalls(subjects, values(calls), rounds);
     for (const subject in times) figures[`page_${subject}_${name}`] = times[subject];
   }
   return figures;
+}
+
+// Private memory that the extension, its connection and its first calls add.
+function memoryAdded(call) {
+  const CALL_COUNT = 100;
+  const repeat = each => { for (let i = 0; i < CALL_COUNT; ++i) each('v'); };
+  repeat(CALLS.nothing);  // memory that any script needs
+  const before = bench.privateMemory();
+  bench.load();
+  repeat(call);
+  return bench.privateMemory() - before;
 }
 
 // Page call, host's answer, the page's callback; one after the other.
@@ -106,7 +119,7 @@ const tripSubjects = {
 };
 
 const TRIPS = [
-  {name: '16B', values: different, count: 100},
+  {name: '16B', values: distinct, count: 100},
   {name: '4KB', values: same(textOf.ascii(4096)), count: 100},
   {name: '1MB', values: same(textOf.ascii(1 << 20)), count: 4},
 ];
@@ -120,34 +133,41 @@ async function tripFigures(rounds) {
   return figures;
 }
 
-// The cost of one call as payloads and numbers of calls grow, beside one bare write each.
+// Time per call and of its floor as values grow.
 async function payloadGrowth(rounds, largest) {
-  const series = {call: [], write: []};
+  const series = {call: [], texts: []};
   for (let size = 10; size <= largest; size *= 10) {
     const calls = Math.max(3, Math.min(1000, 1e7 / size));
-    const {call, write} = callSubjects(same(textOf.ascii(size))(calls));
-    const times = await interleaved({call, write}, rounds, each => timed(each, calls));
+    const values = same(textOf.ascii(size))(calls);
+    const times = await timesOfCalls(['call', 'texts'], values, rounds);
     for (const subject in times) series[subject].push([size, times[subject]]);
   }
   return series;
 }
 
+// The same as the number of calls in a row grows.
 async function countGrowth(most) {
-  const series = {call: [], write: []};
-  const {call, write} = callSubjects(same('v')(most));
+  const series = {call: [], texts: []};
   for (let count = 1; count <= most; count *= 10) {
     const rounds = Math.max(3, Math.min(99, 1e5 / count)) | 1;
-    const times = await interleaved({call, write}, rounds, each => timed(each, count));
+    const times = await timesOfCalls(['call', 'texts'], same('v')(count), rounds);
     for (const subject in times) series[subject].push([count, times[subject]]);
   }
   return series;
 }
 
-// Returns when it started.
-function burst(calls) {
+// Returns the time of the start.
+function burst(subject, count) {
+  const call = CALLS[subject];
   const start = bench.now();
-  for (let i = 0; i < calls; ++i) external.setItem('k', 'v', 'cb');
+  for (let i = 0; i < count; ++i) call('v');
   return start;
+}
+
+// Called by the host's answers.
+let answers = 0;
+function answered() {
+  ++answers;
 }
 
 // Values that tell their place, all of one size.
@@ -191,7 +211,7 @@ const LOADS = {
   channel: () => again(channel, 5),
 };
 
-// The main thread has no rest until calmDown.
+// Keeps the main thread busy until calmDown.
 function keepBusy(load) {
   isBusy = true;
   LOADS[load]();

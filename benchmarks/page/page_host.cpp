@@ -7,8 +7,10 @@
 #include <array>
 #include <chrono>
 
+#include "benchmarks/require.h"
 #include "benchmarks/unix_socket.h"
 #include "ipc/frame.h"
+#include "ipc/frame_builder.h"
 
 namespace kestrel::bench {
 namespace {
@@ -28,7 +30,7 @@ double monotonic_seconds() {
 
 PageHost::PageHost(const std::string& client_directory)
     : path_(client_directory + "/webkit_socket2"),
-      listener_(waiting_socket(path_)),
+      listener_(bound_socket(path_)),
       assembler_({64'000'000, 100}) {
     thread_ = std::thread(&PageHost::serve, this);
 }

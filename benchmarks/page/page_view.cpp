@@ -6,10 +6,10 @@
 namespace kestrel::bench {
 namespace {
 
-void set_extension(WebKitWebContext* context, void* /*user_data*/) {
+void set_extension(WebKitWebContext* context, void* library) {
     webkit_web_context_set_web_extensions_directory(context, BENCH_EXTENSION_DIRECTORY);
     webkit_web_context_set_web_extensions_initialization_user_data(
-        context, g_variant_new("(ss)", KESTREL_EXTENSION, BENCH_EMPTY_LIBRARY));
+        context, g_variant_new("(ss)", library, BENCH_EMPTY_LIBRARY));
 }
 
 // The peer of a page call.
@@ -78,9 +78,10 @@ void take_result(GObject* view, GAsyncResult* async, void* data) {
 
 }  // namespace
 
-PageView::PageView() {
+PageView::PageView(const char* library) {
     WebKitWebContext* context = webkit_web_context_new_ephemeral();
-    g_signal_connect(context, "initialize-web-extensions", G_CALLBACK(set_extension), nullptr);
+    g_signal_connect(context, "initialize-web-extensions", G_CALLBACK(set_extension),
+                     const_cast<char*>(library));
     view_ = WEBKIT_WEB_VIEW(webkit_web_view_new_with_context(context));
     g_object_unref(context);
     add_peers(view_);
@@ -108,16 +109,16 @@ std::string PageView::run(const std::string& body) const {
     return result.text;
 }
 
-void PageView::evaluate(const char* script, int times) const {
-    int left = times;
-    for (int i = 0; i < times; ++i) {
+void PageView::evaluate(const std::vector<std::string>& scripts) const {
+    std::size_t left = scripts.size();
+    for (const std::string& script : scripts) {
         webkit_web_view_evaluate_javascript(
-            view_, script, -1, nullptr, nullptr, nullptr,
+            view_, script.c_str(), -1, nullptr, nullptr, nullptr,
             [](GObject* view, GAsyncResult* result, void* data) {
                 JSCValue* value = webkit_web_view_evaluate_javascript_finish(WEBKIT_WEB_VIEW(view),
                                                                              result, nullptr);
                 g_clear_object(&value);
-                --*static_cast<int*>(data);
+                --*static_cast<std::size_t*>(data);
             },
             &left);
     }

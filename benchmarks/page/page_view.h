@@ -3,16 +3,16 @@
 #include <gtk/gtk.h>
 #include <webkit2/webkit2.h>
 
-#include <functional>
 #include <string>
+#include <vector>
 
 namespace kestrel::bench {
 
 // A web view that shows the benchmarks' page. Ends the program when its web process ends.
 class PageView {
   public:
-    // Returns when the page has loaded.
-    PageView();
+    // Returns when the page has loaded; its bench.load() loads `library`.
+    explicit PageView(const char* library);
     ~PageView();
     PageView(const PageView&) = delete;
     PageView& operator=(const PageView&) = delete;
@@ -21,8 +21,8 @@ class PageView {
     std::string run(const std::string& body) const;
     double number(const std::string& body) const { return std::stod(run(body)); }
 
-    // Has the page evaluate `script` that often, and waits until all are done.
-    void evaluate(const char* script, int times) const;
+    // Evaluates the scripts in the page and waits until all have run.
+    void evaluate(const std::vector<std::string>& scripts) const;
 
   private:
     WebKitWebView* view_;

@@ -16,6 +16,7 @@
 #include <string_view>
 
 #include "ipc/frame.h"
+#include "ipc/frame_builder.h"
 #include "ipc/frame_observer.h"
 #include "tests/faults/faults.h"
 #include "tests/faults/link_life.h"

@@ -15,12 +15,13 @@
 #include <string_view>
 #include <utility>
 
+#include "ipc/items.h"
 #include "tests/fuzz/check.h"
 #include "tests/fuzz/fake_machine.h"
 #include "tests/fuzz/input.h"
 #include "tests/fuzz/quiet.h"
 #include "tests/support/temporary_directory.h"
-#include "tests/workbench/fake_desktop.h"
+#include "tests/workbench/desktop/fake_user_interface.h"
 #include "workbench/answers/commands.h"
 #include "workbench/session.h"
 
@@ -93,7 +94,7 @@ std::string check_answer(const webkit_message& frame, const std::string& callbac
 class Host {
   public:
     explicit Host(bool user_agrees) {
-        desktop_.agrees = user_agrees;
+        user_interface_.agrees = user_agrees;
         std::array<int, 2> ends{};
         check(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) == 0);
         web_process_ = kestrel::FileDescriptor(ends[1]);
@@ -131,12 +132,12 @@ class Host {
     kestrel::StoreDatabase database_{":memory:"};
     kestrel::InstalledApps apps_{directory()};
     kestrel::WebRequests requests_;
-    kestrel::testing::FakeDesktop desktop_;
+    kestrel::testing::FakeUserInterface user_interface_;
     kestrel::Services services_{"file://" + directory() + "/page.html",
                                 database_,
                                 apps_,
                                 requests_,
-                                desktop_,
+                                user_interface_,
                                 [](const std::string& icon) { return "data:," + icon; }};
     std::ostringstream lines_;
     kestrel::Transcript transcript_{lines_};

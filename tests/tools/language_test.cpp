@@ -3,13 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <ostream>
 #include <string>
 #include <vector>
 
+#include "program/language.h"
 #include "tests/log/machine.h"
 #include "tests/tools/program.h"
 
@@ -18,12 +18,12 @@ namespace {
 using kestrel::testing::kestrel_log;
 using kestrel::testing::Outcome;
 using testing::AllOf;
+using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::Not;
 
 void set_language(const std::string& language) {
-    setenv("LC_ALL", "C.UTF-8", 1);
-    setenv("LANGUAGE", language.c_str(), 1);
+    kestrel::use_language(language, kestrel::testing::home());
 }
 
 struct ErrorCase {
@@ -112,15 +112,16 @@ INSTANTIATE_TEST_SUITE_P(Every, KestrelLogError, testing::ValuesIn(kErrors),
 
 TEST(KestrelLogHelp, IsTranslated) {
     set_language("de");
+    // Versions of CLI11 differ in blanks and empty lines.
     EXPECT_THAT(kestrel_log({"--help"}).output,
-                AllOf(HasSubstr("\nAufruf: kestrel-log [OPTIONEN] BEFEHL\n\nOptionen:\n"),
-                      HasSubstr("\nBefehle:\n")));
+                AllOf(HasSubstr("\nAufruf: kestrel-log [OPTIONEN] BEFEHL\n"),
+                      HasSubstr("\nOptionen:\n"), HasSubstr("\nBefehle:\n")));
     EXPECT_THAT(kestrel_log({"level", "--help"}).output,
                 AllOf(HasSubstr("\nArgumente:\n  CLASS TEXT NÖTIG "),
-                      HasSubstr("\nOptionen:\n  -h,--help   "), Not(HasSubstr("Options"))));
+                      ContainsRegex("\nOptionen:\n  -h, *--help   "), Not(HasSubstr("Options"))));
     EXPECT_THAT(kestrel_log({"rollover", "--help"}).output,
-                AllOf(HasSubstr("\nMindestens eine der Optionen ist nötig.\nAufruf: "),
-                      HasSubstr("\n  --size 1-2000 "), HasSubstr("\n  --count 0-100 ")));
+                AllOf(ContainsRegex("\nMindestens eine der Optionen ist nötig. ?\n+Aufruf: "),
+                      ContainsRegex("\n +--size 1-2000 "), ContainsRegex("\n +--count 0-100 ")));
 }
 
 }  // namespace

@@ -249,16 +249,15 @@ TEST(KestrelLogOnAFullDisk, ReportsFailedChanges) {
 }
 
 TEST_F(KestrelLog, StopsQuietlyWhenOutputIsClosed) {
-    const std::string tool = KESTREL_LOG_PROGRAM;
-    const Outcome outcome =
-        kestrel::testing::run({"bash", "-c", tool + " show | true; echo ${PIPESTATUS[0]}"});
+    const Outcome outcome = kestrel::testing::run(
+        {"bash", "-c", "\"$0\" show | true; echo ${PIPESTATUS[0]}", KESTREL_LOG_PROGRAM});
     EXPECT_EQ(outcome.output, "0\n");
     EXPECT_EQ(outcome.error, "");
 }
 
 TEST_F(KestrelLog, ReportsWriteErrors) {
-    const std::string tool = KESTREL_LOG_PROGRAM;
-    const Outcome outcome = kestrel::testing::run({"bash", "-c", tool + " show >/dev/full"});
+    const Outcome outcome =
+        kestrel::testing::run({"bash", "-c", "\"$0\" show >/dev/full", KESTREL_LOG_PROGRAM});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.error, HasSubstr("No space left on device"));
 }
@@ -266,8 +265,8 @@ TEST_F(KestrelLog, ReportsWriteErrors) {
 // The completions that bash offers for word number `word`.
 std::string completions(const std::string& words, int word) {
     return kestrel::testing::run({"bash", "-c",
-                                  "PATH=" KESTREL_LOG_DIRECTORY
-                                  ":$PATH; source " KESTREL_LOG_COMPLETION "; COMP_WORDS=(" +
+                                  "PATH=\"" KESTREL_LOG_DIRECTORY
+                                  "\":$PATH; source \"" KESTREL_LOG_COMPLETION "\"; COMP_WORDS=(" +
                                       words + "); COMP_CWORD=" + std::to_string(word) +
                                       "; _kestrel_log; echo \"${COMPREPLY[@]}\""})
         .output;

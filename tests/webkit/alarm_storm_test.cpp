@@ -12,8 +12,11 @@
 namespace kestrel::testing {
 namespace {
 
-// Before main, and so before there are threads.
-[[gnu::constructor]] void preload() { setenv("LD_PRELOAD", ALARM_STORM, 1); }
+// Before main, and so before there are threads. A path in LD_PRELOAD may have no blanks.
+[[gnu::constructor]] void preload() {
+    setenv("LD_LIBRARY_PATH", ALARM_STORM_DIRECTORY, 1);
+    setenv("LD_PRELOAD", ALARM_STORM, 1);
+}
 
 // How many have come so far.
 std::uint64_t alarms() {

@@ -2,6 +2,7 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "program/language.h"
 #include "tests/support/temporary_directory.h"
 #include "tests/webkit/store_fixture.h"
 
@@ -12,8 +13,8 @@ namespace {
 void compile_catalogue(const std::string& root, const std::string& language) {
     const std::string directory = root + "/nls/" + language + "/LC_MESSAGES";
     std::filesystem::create_directories(directory);
-    const std::string command = "msgfmt --check --output-file=" + directory +
-                                "/kestrel.mo " EXAMPLE_CATALOGUES "/" + language + ".po";
+    const std::string command = "msgfmt --check --output-file='" + directory +
+                                "/kestrel.mo' '" EXAMPLE_CATALOGUES "/" + language + ".po'";
     ASSERT_EQ(std::system(command.c_str()), 0);
 }
 
@@ -21,7 +22,7 @@ TEST_F(StoreTest, TakesTheLocaleFromACompiledCatalogue) {
     const TemporaryDirectory root;
     compile_catalogue(root.path(), "de");
     compile_catalogue(root.path(), "fr");
-    setenv("LANGUAGE", "fr:de", 1);
+    use_language("fr:de", client_directory());
     host.listen();
     StoreView store(root.path(), "{}");
     store.load("");
@@ -31,7 +32,7 @@ TEST_F(StoreTest, TakesTheLocaleFromACompiledCatalogue) {
 TEST_F(StoreTest, FallsBackToEnglishForALanguageWithoutACatalogue) {
     const TemporaryDirectory root;
     compile_catalogue(root.path(), "de");
-    setenv("LANGUAGE", "fr", 1);
+    use_language("fr", client_directory());
     host.listen();
     StoreView store(root.path(), "{}");
     store.load("");

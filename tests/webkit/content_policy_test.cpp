@@ -1,5 +1,5 @@
-// Pages whose policies forbid or watch script made from text: what the host sends is trusted and
-// takes no part in that.
+// Pages whose policies forbid or watch script made from text: they do not apply to the host, which
+// is trusted.
 #include <algorithm>
 #include <string>
 
@@ -23,7 +23,7 @@ struct Policy {
 
 class ContentPolicy : public ConnectedStoreTest, public ::testing::WithParamInterface<Policy> {
   protected:
-    // Loads a page with the policy and the resources, which tells when its policies are asked.
+    // Loads a page with the policy and the resources, which counts calls of its policies.
     void SetUp() override {
         ConnectedStoreTest::SetUp();
         host.send(34, {server.url(), "{greeting: 'hello'}"});

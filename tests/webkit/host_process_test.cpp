@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
-#include "tests/support/process_state.h"
 #include "tests/support/stderr_capture.h"
+#include "tests/support/wait_until.h"
 #include "tests/webkit/store_fixture.h"
 #include "tests/webkit/web_process.h"
 
@@ -48,7 +48,7 @@ class HostProcessTest : public ::testing::Test {
         ASSERT_TRUE(page_waits_for_host(announced(*host)));
     }
 
-    // The page checks the order of the host's answers and tells of every ten thousandth.
+    // The page checks the order of the host's answers and reports every ten thousandth.
     void expect_answers(const std::string& action, std::size_t count) {
         constexpr std::size_t kStep = 10'000;
         const std::string all = std::to_string(count);
@@ -78,7 +78,7 @@ TEST_F(HostProcessTest, LosesNothingAndKeepsTheOrderWhenItIsStoppedAndResumedAmi
         for (int stop = 0; stop < kStopsARound && host->frames(19).size() < all; ++stop) {
             const std::size_t taken = host->bytes();
             host->resume();
-            ASSERT_TRUE(comes_true([&] { return host->bytes() > taken; }));
+            ASSERT_TRUE(wait_until([&] { return host->bytes() > taken; }));
             host->stop();
         }
         host->resume();
@@ -110,7 +110,7 @@ TEST_F(HostProcessTest, KeepsTheLinkWhenHeadersComeInTwoPieces) { expect_answers
 TEST_F(HostProcessTest, EndsTheWebProcessWhoseCallItLeavesHalfTakenAndServesTheNextOne) {
     ASSERT_NO_FATAL_FAILURE(call_and_wait(0));
     const pid_t first = announced(*host);
-    host->die();
+    host->kill();
     ASSERT_TRUE(run_main_loop_until([this] { return store.process_has_gone(); }));
     connect();
     EXPECT_NE(announced(*host), first);

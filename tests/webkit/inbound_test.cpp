@@ -102,5 +102,20 @@ TEST_F(ConnectedStoreTest, RunsScriptsInThePageThatIsShownAfterGoingBack) {
     EXPECT_TRUE(store.wait_for("document.title === 'reached'"));
 }
 
+// The page has had time to replace what script offers.
+TEST_F(ConnectedStoreTest, RunsMicrotasksOfAnAnswerBeforeTheNextOneAfterGoingBack) {
+    store.load("<title>first</title>");
+    store.evaluate(
+        "kept = true; calls = 0; order = ''; Event = EventTarget = function() { ++calls };"
+        "answer = () => { order += 'a'; Promise.resolve().then(() => { order += 'm' }) }; 0");
+    store.load("<title>second</title>");
+    store.go_back();
+    ASSERT_EQ(store.evaluate("window.kept"), "true") << "the page did not come from the cache";
+    for (int i = 0; i < 100; ++i) host.send(1, {"answer"});
+    ASSERT_TRUE(host.wait_for(33, 100));
+    EXPECT_EQ(store.evaluate("order === 'am'.repeat(100)"), "true") << store.evaluate("order");
+    EXPECT_EQ(store.evaluate("calls"), "0");
+}
+
 }  // namespace
 }  // namespace kestrel::testing

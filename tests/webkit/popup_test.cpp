@@ -99,6 +99,22 @@ TEST_F(Popup, ThatIsEmptyGivesThePageBackWhenItCloses) {
     expect_current_page("");
 }
 
+// The page has had time to replace what script offers.
+TEST_F(Popup, ThatClosesLeavesThePageItsMicrotasks) {
+    open(kOpenEmpty);
+    store.evaluate(
+        "first.document.title = 'empty'; calls = 0; order = '';"
+        "Event = EventTarget = function() { ++calls };"
+        "answer = () => { order += 'a'; Promise.resolve().then(() => { order += 'm' }) }; 0");
+    close(kCloseFirst);
+    expect_current_page("");
+    const std::size_t before = host.frames(33).size();
+    for (int i = 0; i < 100; ++i) host.send(1, {"answer"});
+    ASSERT_TRUE(host.wait_for(33, before + 100));
+    EXPECT_EQ(store.evaluate("order === 'am'.repeat(100)"), "true") << store.evaluate("order");
+    EXPECT_EQ(store.evaluate("calls"), "0");
+}
+
 TEST_F(Popup, MayOpenAnother) {
     open(kOpenEmpty);
     store.evaluate("first.document.title = 'empty'");

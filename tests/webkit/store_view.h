@@ -7,6 +7,9 @@
 
 namespace kestrel::testing {
 
+// The directory that holds the built extension. A test may set another one before its first page.
+extern std::string extension_directory;
+
 // The address of a new page with this content: a file in the home directory.
 std::string page_uri(const std::string& html);
 

@@ -1,4 +1,4 @@
-// What GLib hands out, with owners that release it.
+// Owners for GLib objects.
 #pragma once
 
 #include <glib-object.h>
@@ -27,7 +27,7 @@ struct ObjectRelease {
 template <typename T>
 using ObjectHandle = std::unique_ptr<T, ObjectRelease>;
 
-// For a new widget, whose floating reference nobody has taken yet.
+// Takes the floating reference of a new widget.
 template <typename T>
 ObjectHandle<T> take_reference(T* object) {
     return ObjectHandle<T>(static_cast<T*>(g_object_ref_sink(object)));
