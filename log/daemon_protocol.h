@@ -1,8 +1,8 @@
-// What travels from a process to the log daemon over its Unix socket: a hello, then a record for
-// each line. The daemon never answers.
+// The protocol between a process and the log daemon, over a Unix socket: the process sends a hello,
+// then a record for each line. The daemon sends nothing.
 //
-// Every message begins with the number of bytes that follow its first four, and its type. Integers
-// are little-endian and not aligned; texts end with a NUL, which is counted.
+// Every message begins with a prefix: the length of the rest, and the type. Integers are
+// little-endian and not aligned; texts end with a NUL, which is counted.
 #pragma once
 
 #include <bit>
@@ -32,7 +32,7 @@ struct [[gnu::packed]] LogRecordFields {
     MessagePrefix prefix;
     std::uint16_t level;
     std::uint16_t log_class;
-    std::uint16_t thread;  // the kernel's id, cut
+    std::uint16_t thread;  // the low 16 bits of the kernel's thread id
     std::uint64_t seconds;
     std::uint64_t microseconds;
 };

@@ -37,7 +37,7 @@ void LogRecord::append_v(const char* format, std::va_list arguments) {
     if (room <= 1) return;
     const int length = std::vsnprintf(end, room, format, arguments);
     if (length < 0) {
-        *end = '\0';  // a text that cannot be converted is left out
+        *end = '\0';  // a text that cannot be converted is omitted
         return;
     }
     size_ += std::min(static_cast<std::size_t>(length), room - 1);

@@ -10,8 +10,8 @@
 
 namespace kestrel::logging {
 
-// The bytes that one line is to the daemon, made now, by this thread. About 8 KB, for the stack;
-// only what is used of it is ever written to.
+// A serialised log record, with the current time and the calling thread. About 8 KB, for the stack;
+// only the used part is initialised.
 class LogRecord {
   public:
     [[gnu::format(printf, 4, 0)]] LogRecord(std::uint32_t log_class, int level, const char* format,

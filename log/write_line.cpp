@@ -22,9 +22,9 @@ bool is_valid(int level, int highest_level, const char* aux1, const char* aux2,
            format != nullptr && level >= kVerbose && level <= highest_level;
 }
 
-// Nothing is formatted for a line that does not pass: most lines never do, and cost this alone.
+// Checked before anything is formatted, as most lines do not pass.
 [[gnu::always_inline]] inline bool passes(std::uint32_t log_class, int level) {
-    // Signed: failure, and levels that no program should have set, count as below all levels.
+    // Signed: kLogFailure and invalid levels count as below all levels.
     const auto working_level =
         static_cast<std::int32_t>(kestrel::logging::working_level(log_class));
     if (level != kAlwaysOn && (working_level > level || working_level < kVerbose)) return false;

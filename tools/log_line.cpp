@@ -33,8 +33,8 @@ constexpr std::string_view colour_of(std::uint32_t level) {
     }
 }
 
-// Local time by two strftime formats, with the microseconds between them. A time beyond the
-// calendar is given in seconds.
+// Local time in two strftime formats, with the microseconds between them. A time that localtime_r
+// rejects is given in seconds.
 std::string local_time(const LogLine& line, const char* before, const char* after) {
     const auto seconds = static_cast<std::time_t>(line.seconds);
     std::array<char, 64> fraction{};

@@ -5,7 +5,7 @@
 
 namespace kestrel::tools {
 
-// A log line as it has come from a process.
+// A log line received from a process.
 struct LogLine {
     std::string process;
     std::uint32_t thread;
@@ -16,7 +16,7 @@ struct LogLine {
     std::string text;
 };
 
-// One line for people: local time, process and thread, level, class, text.
+// One line for humans: local time, process and thread, level, class, text.
 std::string text_of(const LogLine& line, bool colours);
 
 // One line of JSON.

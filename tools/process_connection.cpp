@@ -24,7 +24,7 @@ Fields fields_of(std::string_view message) {
     return fields;
 }
 
-// What follows the fields, up to its NUL.
+// The text after the fields, up to its NUL.
 template <typename Fields>
 std::string text_after(std::string_view message) {
     const std::string_view text = message.substr(sizeof(Fields));

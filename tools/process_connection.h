@@ -8,15 +8,15 @@
 
 namespace kestrel::tools {
 
-// The connection of one process that logs.
+// The connection of a process that writes log lines.
 class ProcessConnection {
   public:
     explicit ProcessConnection(FileDescriptor socket) : socket_(std::move(socket)) {}
 
     int fd() const { return socket_.get(); }
 
-    // Takes what has come, without waiting, and hands on the lines that are complete. False when
-    // the process has gone, or has sent what no process of the family sends.
+    // Reads without blocking and calls `take_line` for each complete line. False if the process has
+    // closed the connection or sent an invalid message.
     bool receive(const std::function<void(const LogLine&)>& take_line);
 
   private:

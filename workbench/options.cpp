@@ -25,7 +25,7 @@ constexpr const char* kExtensionFile = "libkestrel-extension.so";
 constexpr const char* kDataDirectory = "kestrel-workbench";
 constexpr int kMaxTimeout = 3'600;
 
-// From the program's directory: in a build tree, and as installed.
+// Relative to the program: in the build tree, and installed.
 constexpr std::array kExtensionDirectories = {"../web-extensions", WORKBENCH_EXTENSIONS_FROM_BIN};
 constexpr const char* kSampleStore = WORKBENCH_STORE_FROM_BIN;
 

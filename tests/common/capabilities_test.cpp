@@ -27,7 +27,7 @@ using ::testing::ElementsAre;
 
 namespace {
 
-// Takes the place of the dynamic linker, and makes every user root unless told otherwise.
+// Replaces the dynamic linker, and makes every user root unless set otherwise.
 struct FakeLoader {
     bool is_root = true;
     std::set<std::string> libraries = {"libcap.so.2"};
@@ -39,7 +39,7 @@ struct FakeLoader {
 
 std::unique_ptr<FakeLoader> loader;
 
-// Written by the stand-in of dlclose, as its place among the messages counts too.
+// Written by the replacement of dlclose: its order among the messages is tested, too.
 constexpr const char* kReleased = "<released>\n";
 
 void* library_handle() { return &loader->libraries; }
@@ -119,7 +119,7 @@ class CapabilityLibrary : public ::testing::Test {
 
 constexpr const char* kSet = "cap_from_text = cap_dac_override+ep cap_dac_read_search+p";
 
-TEST_F(CapabilityLibrary, SetIsAppliedAndTheLibraryReleased) {
+TEST_F(CapabilityLibrary, AppliesTheSetAndUnloads) {
     const StderrCapture err;
     EXPECT_EQ(LinuxCommonUtils::drop_capability(), 0);
     EXPECT_THAT(loader->calls, ElementsAre("dlopen libcap.so.2 lazy", "dlsym cap_from_text",
@@ -128,7 +128,7 @@ TEST_F(CapabilityLibrary, SetIsAppliedAndTheLibraryReleased) {
     EXPECT_EQ(err.text(), kReleased);
 }
 
-TEST_F(CapabilityLibrary, OlderOneIsUsedWhereTheNewerIsMissing) {
+TEST_F(CapabilityLibrary, FallsBackToTheOlderVersion) {
     loader->libraries = {"libcap.so.1"};
     const StderrCapture err;
     EXPECT_EQ(LinuxCommonUtils::drop_capability(), 0);
@@ -139,7 +139,7 @@ TEST_F(CapabilityLibrary, OlderOneIsUsedWhereTheNewerIsMissing) {
     EXPECT_EQ(err.text(), kReleased);
 }
 
-TEST_F(CapabilityLibrary, MissingIsTwoLinesAndAFailure) {
+TEST_F(CapabilityLibrary, ReportsAMissingLibrary) {
     loader->libraries = {};
     const StderrCapture err;
     EXPECT_EQ(LinuxCommonUtils::drop_capability(), -1);
@@ -152,7 +152,7 @@ TEST_F(CapabilityLibrary, MissingIsTwoLinesAndAFailure) {
 class MissingCapabilityFunction : public CapabilityLibrary,
                                   public ::testing::WithParamInterface<const char*> {};
 
-TEST_P(MissingCapabilityFunction, EndsTheSearchAndReleasesTheLibrary) {
+TEST_P(MissingCapabilityFunction, EndsTheSearchAndUnloads) {
     loader->functions.erase(GetParam());
     const StderrCapture err;
     EXPECT_EQ(LinuxCommonUtils::drop_capability(), -1);
@@ -172,7 +172,7 @@ INSTANTIATE_TEST_SUITE_P(Each, MissingCapabilityFunction,
                          ::testing::Values("cap_from_text", "cap_set_proc", "cap_free"),
                          [](const auto& name) { return std::string(name.param); });
 
-TEST_F(CapabilityLibrary, RefusalIsALineAndAFailureAndReleasesAll) {
+TEST_F(CapabilityLibrary, ReportsRejectedSetsAndUnloads) {
     loader->result_of_set_proc = -1;
     const StderrCapture err;
     EXPECT_EQ(LinuxCommonUtils::drop_capability(), -1);
@@ -181,7 +181,7 @@ TEST_F(CapabilityLibrary, RefusalIsALineAndAFailureAndReleasesAll) {
                 ElementsAre("cap_set_proc the set", "cap_free the set", "dlclose"));
 }
 
-TEST_F(CapabilityLibrary, SetThatItDoesNotUnderstandIsPassedOnToBeRefused) {
+TEST_F(CapabilityLibrary, PassesOnANullSet) {
     loader->is_text_understood = false;
     loader->result_of_set_proc = -1;
     const StderrCapture err;
@@ -191,13 +191,13 @@ TEST_F(CapabilityLibrary, SetThatItDoesNotUnderstandIsPassedOnToBeRefused) {
                 ElementsAre("cap_set_proc null", "cap_free null", "dlclose"));
 }
 
-TEST_F(CapabilityLibrary, SuccessWithAnotherNumberIsAFailure) {
+TEST_F(CapabilityLibrary, TreatsEveryNonZeroResultAsFailure) {
     loader->result_of_set_proc = 1;
     const StderrCapture err;
     EXPECT_EQ(LinuxCommonUtils::drop_capability(), -1);
 }
 
-// The lines of /proc/self/status that tell of the capability sets in use.
+// The lines of /proc/self/status about capability sets.
 std::string capability_lines() {
     std::ifstream status("/proc/self/status");
     std::string lines;
@@ -218,7 +218,7 @@ bool is_libcap_loaded() {
     return false;
 }
 
-TEST(Capabilities, RootKeepsTheTwoOfFileAccess) {
+TEST(Capabilities, RootKeepsTwoForFileAccess) {
     if (!is_root()) GTEST_SKIP() << "needs root";
     const Output output = in_child([] {
         std::cout << LinuxCommonUtils::drop_capability() << '\n' << capability_lines();
@@ -233,8 +233,8 @@ TEST(Capabilities, RootKeepsTheTwoOfFileAccess) {
                               ""}));
 }
 
-// A root that has given up everything may not have the two back.
-TEST(Capabilities, RefusalByTheKernelIsAFailure) {
+// After root has dropped all capabilities, it cannot get the two back.
+TEST(Capabilities, ReportsRejectionByTheKernel) {
     if (!is_root()) GTEST_SKIP() << "needs root";
     const Output output = in_child([] {
         __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
@@ -245,7 +245,7 @@ TEST(Capabilities, RefusalByTheKernelIsAFailure) {
     EXPECT_EQ(output, (Output{"-10", "cap_set_proc : failed\n"}));
 }
 
-TEST(Capabilities, OrdinaryUserHasNothingToDrop) {
+TEST(Capabilities, OrdinaryUsersDropNothing) {
     const Output output = as_ordinary_user([] {
         loader = std::make_unique<FakeLoader>();
         loader->is_root = false;

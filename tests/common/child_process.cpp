@@ -27,7 +27,7 @@ struct Pipe {
     int writing() const { return ends[1]; }
 };
 
-// What comes up to `end`, or to the end of the stream; closes nothing.
+// Reads up to `end` or the end of the stream; closes nothing.
 std::string read_up_to(int fd, int end) {
     std::string text;
     for (char byte = '\0'; read(fd, &byte, 1) == 1 && byte != end;) text.push_back(byte);
@@ -44,7 +44,7 @@ std::string read_all(const Pipe& pipe) {
 
 }  // namespace
 
-// Pipes, not files: a child may be one that cannot write to files.
+// Pipes, because the child may be unable to write files.
 Output in_child(const std::function<void()>& body) {
     const Pipe out;
     const Pipe err;

@@ -19,19 +19,18 @@ struct Output {
     }
 };
 
-// What `body` writes, run in a forked child: it may change user, environment and locale. A child
-// that ends otherwise than by returning from `body` is a test failure.
+// The output of `body`, run in a forked child: it may change user, environment and locale. The test
+// fails if the child exits without returning from `body`.
 Output in_child(const std::function<void()>& body);
 
-// The same as a user without privileges and without a password entry: for a test run by root,
-// that user; otherwise the tester, who may have an entry.
+// The same as an unprivileged user. If root runs the test, the user has no password entry.
 Output as_ordinary_user(const std::function<void()>& body);
 
 // Whether this process may become another user.
 bool is_root();
 
-// A running program, whose standard output is read line by line. It is told to end by the end of
-// its standard input, and waited for.
+// A running program whose standard output is read line by line. The destructor closes its standard
+// input and waits until it exits.
 class RunningProgram {
   public:
     explicit RunningProgram(std::vector<std::string> arguments);
@@ -39,7 +38,7 @@ class RunningProgram {
     RunningProgram(const RunningProgram&) = delete;
     RunningProgram& operator=(const RunningProgram&) = delete;
 
-    // The next line, without its newline. What comes before the end if there is none.
+    // The next line without its newline, or the rest of the output.
     std::string read_line() const;
 
     pid_t pid() const { return pid_; }

@@ -68,7 +68,7 @@ const std::vector<std::pair<const char*, std::function<void()>>> kMembers = {
     {"CharToWChar", [] { std::free(LinuxCommonUtils::CharToWChar("text")); }},
 };
 
-// A client that is installed for a user with a home, in a directory of its own.
+// A client installation and a home in a temporary directory.
 struct Installation {
     TemporaryDirectory directory;
     std::string home = directory.path() + "/home";
@@ -93,7 +93,7 @@ struct Installation {
     }
 };
 
-// What goes wrong; nothing does in the first.
+// The failures; none in the first case.
 const std::vector<std::pair<const char*, std::function<void(const Installation&)>>> kConditions = {
     {"all is well", [](const Installation&) {}},
     {"no home, root or version file",
@@ -101,7 +101,7 @@ const std::vector<std::pair<const char*, std::function<void(const Installation&)
     {"no variables",
      [](const Installation&) {
          for (const char* variable : {"HOME", "USER", "QUOROOT"}) unsetenv(variable);
-         // The tester's home is not to be written to.
+         // Tests must not write to the real home.
          setenv("HOME", "", 1);
      }},
     {"directories in the place of files",
@@ -119,20 +119,22 @@ const std::vector<std::pair<const char*, std::function<void(const Installation&)
 TEST(Descriptors, AreAllClosedOnEveryPath) {
     for (const auto& [condition, arrange] : kConditions) {
         const Installation installation;
-        const std::string report =
-            in_child([&, &arrange = arrange] {
-                setenv("HOME", installation.home.c_str(), 1);
-                setenv("QUOROOT", installation.root.c_str(), 1);
-                arrange(installation);
-                // Standard error's pipe would be full before anybody reads it.
-                if (std::freopen("/dev/null", "w", stderr) == nullptr) return;
-                for (const auto& [name, call] : kMembers) {
-                    call();  // what the C library keeps open for itself, it opens now
-                    const std::ptrdiff_t before = open_descriptors();
-                    for (int i = 0; i < kCalls; ++i) call();
-                    if (open_descriptors() != before) std::cout << name << " leaks\n";
-                }
-            }).out;
+        const std::string report = in_child([&, &arrange = arrange] {
+                                       setenv("HOME", installation.home.c_str(), 1);
+                                       setenv("QUOROOT", installation.root.c_str(), 1);
+                                       arrange(installation);
+                                       // The pipe of standard error would fill up before it is
+                                       // read.
+                                       if (std::freopen("/dev/null", "w", stderr) == nullptr)
+                                           return;
+                                       for (const auto& [name, call] : kMembers) {
+                                           call();  // the C library opens its own descriptors now
+                                           const std::ptrdiff_t before = open_descriptors();
+                                           for (int i = 0; i < kCalls; ++i) call();
+                                           if (open_descriptors() != before)
+                                               std::cout << name << " leaks\n";
+                                       }
+                                   }).out;
         EXPECT_EQ(report, "") << condition;
     }
 }

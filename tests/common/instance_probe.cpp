@@ -1,5 +1,5 @@
-// A program that must run once: says on standard output what the lock named by its first argument
-// says, then runs until the end of its standard input.
+// A single-instance program: prints the result of the lock named by its first argument, then runs
+// until the end of its standard input.
 #include <iostream>
 
 #include "common/LinuxCommonUtils.h"

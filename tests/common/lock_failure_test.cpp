@@ -1,4 +1,4 @@
-// A lock that cannot be read or taken.
+// A lock that cannot be read or acquired.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
@@ -25,20 +25,20 @@ namespace fs = std::filesystem;
 
 class LockFailure : public LockTest {};
 
-TEST_F(LockFailure, UnreadableFileIsAFailure) {
+TEST_F(LockFailure, ReportsAnUnreadableFile) {
     write_lock(lock_bytes(-1));
     fs::permissions(lock_, fs::perms{0});
     EXPECT_EQ(as_ordinary_user([] { print_lock_state("catalook"); }),
               (Output{"running", advice()}));
 }
 
-TEST_F(LockFailure, FileThatCannotBeMadeIsAFailure) {
+TEST_F(LockFailure, ReportsAFileThatCannotBeCreated) {
     fs::permissions(scratch_, fs::perms{0555});
     EXPECT_EQ(as_ordinary_user([] { print_lock_state("catalook"); }),
               (Output{"running", "error opening write : Permission denied\n" + advice()}));
 }
 
-TEST_F(LockFailure, StaleFileThatMayNotBeWrittenIsAFailure) {
+TEST_F(LockFailure, ReportsAnUnwritableStaleFile) {
     write_lock(lock_bytes(-1));
     fs::permissions(lock_, fs::perms{0444});
     EXPECT_EQ(as_ordinary_user([] { print_lock_state("catalook"); }),
@@ -46,13 +46,13 @@ TEST_F(LockFailure, StaleFileThatMayNotBeWrittenIsAFailure) {
     EXPECT_EQ(file_content(lock_), lock_bytes(-1));
 }
 
-TEST_F(LockFailure, DirectoryInItsPlaceIsAFailure) {
+TEST_F(LockFailure, ReportsADirectory) {
     fs::create_directory(lock_);
     EXPECT_EQ(in_child([] { print_lock_state("catalook"); }),
               (Output{"running", "reading error for lock file: Is a directory\n" + advice()}));
 }
 
-TEST_F(LockFailure, FileThatMayNotGrowIsAFailure) {
+TEST_F(LockFailure, ReportsAFileThatCannotGrow) {
     const Output output = in_child([] {
         std::signal(SIGXFSZ, SIG_IGN);
         const rlimit nothing{0, 0};
@@ -63,7 +63,7 @@ TEST_F(LockFailure, FileThatMayNotGrowIsAFailure) {
     EXPECT_EQ(file_content(lock_), "");
 }
 
-TEST_F(LockFailure, InterruptedWaitIsAFailure) {
+TEST_F(LockFailure, ReportsAnInterruptedWait) {
     write_lock(lock_bytes(-1));
     const FileDescriptor file(open(lock_.c_str(), O_WRONLY | O_CLOEXEC));
     ASSERT_EQ(__real_flock(file.get(), LOCK_EX), 0);
@@ -71,7 +71,7 @@ TEST_F(LockFailure, InterruptedWaitIsAFailure) {
         struct sigaction action {};
         action.sa_handler = [](int) {};
         sigaction(SIGALRM, &action, nullptr);
-        // Again and again, as the first may come before the wait.
+        // Repeatedly: the first signal may arrive before the wait.
         const itimerval soon{{0, 10'000}, {0, 10'000}};
         setitimer(ITIMER_REAL, &soon, nullptr);
         print_lock_state("catalook");
@@ -80,7 +80,7 @@ TEST_F(LockFailure, InterruptedWaitIsAFailure) {
     EXPECT_EQ(file_content(lock_), lock_bytes(-1));
 }
 
-TEST_F(LockFailure, LockThatFailsBeforeWritingIsAFailure) {
+TEST_F(LockFailure, ReportsAFailedLockBeforeWriting) {
     EXPECT_EQ(in_child([] {
                   on_flock = [](int, int) { return ENOLCK; };
                   print_lock_state("catalook");
@@ -89,7 +89,7 @@ TEST_F(LockFailure, LockThatFailsBeforeWritingIsAFailure) {
     EXPECT_EQ(file_content(lock_), "");
 }
 
-TEST_F(LockFailure, LockThatFailsLeavesNoFileOpen) {
+TEST_F(LockFailure, LeavesNoFileOpen) {
     const Output output = in_child([] {
         on_flock = [](int, int) { return ENOLCK; };
         if (std::freopen("/dev/null", "w", stderr) == nullptr) return;

@@ -1,5 +1,5 @@
-// A home with an empty scratch directory, in which programs lock each other out; and the lock's
-// system calls, which tests may watch and let fail.
+// A home with an empty scratch directory for locks, and the system calls of the lock, which tests
+// may observe and make fail.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -18,15 +18,15 @@ extern "C" int __real_flock(int fd, int operation);
 
 namespace kestrel::testing {
 
-// Seen before each kill and flock of the code under test; a result other than 0 is an error number
-// that the call fails with.
+// Called before each kill and flock of the code under test; the call fails with a result other than
+// 0 as its errno.
 extern std::function<void(pid_t)> on_kill;
 extern std::function<int(int fd, int operation)> on_flock;
 
-// A process id as it lies in a lock.
+// A process id as stored in a lock file.
 std::string lock_bytes(std::int32_t id);
 
-// Takes the lock and prints "owner", or "running".
+// Tries to acquire the lock, and prints "owner" or "running".
 void print_lock_state(const std::string& name);
 
 class LockTest : public ::testing::Test {

@@ -1,4 +1,4 @@
-// Names of locks: each is part of a path, which is resolved as any other, but without links.
+// Lock names are parts of paths, which are resolved without following links.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -39,7 +39,7 @@ TEST_F(LockName, WithoutSlashStaysInTheScratchDirectory) {
     }
 }
 
-TEST_F(LockName, TooLongForAFileIsAFailure) {
+TEST_F(LockName, ReportsATooLongName) {
     const std::string name(256, 'n');
     EXPECT_EQ(ask(name), (Output{"running", advice(name)}));
 }
@@ -60,7 +60,7 @@ TEST_F(LockName, WithDotsMayLeaveTheScratchDirectory) {
 }
 
 // ".." is the parent of the directory itself, not of a link to it.
-TEST_F(LockName, WithDotsLeavesTheDirectoryThatTheUsersLinkPointsTo) {
+TEST_F(LockName, WithDotsLeavesTheTargetOfTheUsersLink) {
     fs::remove(scratch_);
     fs::create_directories(elsewhere_ + "/scratch");
     fs::create_directory_symlink(elsewhere_ + "/scratch", scratch_);
@@ -68,7 +68,7 @@ TEST_F(LockName, WithDotsLeavesTheDirectoryThatTheUsersLinkPointsTo) {
     EXPECT_EQ(file_content(elsewhere_ + "/outside.lock"), lock_bytes(getpid()));
 }
 
-TEST_F(LockName, WithAMissingDirectoryIsAFailureWithTheSystemsError) {
+TEST_F(LockName, ReportsAMissingDirectory) {
     for (const std::string name : {"a/b", "catalook/", "a/../b", "/etc/a/b"}) {
         EXPECT_EQ(ask(name),
                   (Output{"running",
@@ -77,13 +77,13 @@ TEST_F(LockName, WithAMissingDirectoryIsAFailureWithTheSystemsError) {
     EXPECT_TRUE(fs::is_empty(scratch_));
 }
 
-TEST_F(LockName, WithAFileInsteadOfADirectoryIsAFailure) {
+TEST_F(LockName, ReportsAFileInsteadOfADirectory) {
     std::ofstream(scratch_ + "/.a") << "precious";
     EXPECT_EQ(ask("a/b"), (Output{"running", advice("a/b")}));
     EXPECT_EQ(file_content(scratch_ + "/.a"), "precious");
 }
 
-TEST_F(LockName, WithADirectoryThatMayOnlyBeSearchedIsOpened) {
+TEST_F(LockName, OpensFilesInASearchOnlyDirectory) {
     fs::create_directory(scratch_ + "/.a");
     std::ofstream(scratch_ + "/.a/b.lock") << "st";
     fs::permissions(scratch_ + "/.a/b.lock", fs::perms{0666});
@@ -91,7 +91,7 @@ TEST_F(LockName, WithADirectoryThatMayOnlyBeSearchedIsOpened) {
     EXPECT_EQ(as_ordinary_user([] { print_lock_state("a/b"); }), (Output{"owner", ""}));
 }
 
-TEST_F(LockName, FollowsNoLinkAmongItsDirectories) {
+TEST_F(LockName, FollowsNoLinkInItsDirectories) {
     fs::create_directory(elsewhere_);
     fs::create_directory(scratch_ + "/.a");
     fs::create_directory_symlink(elsewhere_, scratch_ + "/.link");

@@ -1,4 +1,4 @@
-// What neighbours may have put in the place of the lock, and of the directory that it lies in.
+// Files that other users may have created at the path of the lock and of its directory.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 
 class LockNeighbours : public LockTest {
   protected:
-    // A name that nobody has: its directory below /tmp is the test's own.
+    // A unique name, so that its directory below /tmp belongs to the test.
     std::string user_ = "kestrel-test-user-" + std::to_string(getpid());
     std::string fallback_ = "/tmp/" + user_;
     std::string victim_ = home_.path() + "/victim";
@@ -27,11 +27,11 @@ class LockNeighbours : public LockTest {
         LockTest::TearDown();
     }
 
-    // A lock with trouble that has no line of its own.
+    // A failure without a message of its own.
     Output refused() const { return {"running", advice()}; }
 };
 
-// A lock below a home that has no room for one lies here.
+// The directory of the lock if the home is unusable.
 class LockBelowTmp : public LockNeighbours {
   protected:
     ScopedVariable missing_home_{"HOME", home_.path() + "/missing"};
@@ -39,7 +39,7 @@ class LockBelowTmp : public LockNeighbours {
 };
 
 void print_state() {
-    alarm(20);  // whatever waits for a neighbour would wait for good
+    alarm(20);  // a blocked call would wait forever
     print_lock_state("catalook");
 }
 
@@ -54,27 +54,27 @@ TEST_F(LockNeighbours, SymbolicLinkIsNotFollowed) {
     EXPECT_FALSE(fs::exists(home_.path() + "/missing"));
 }
 
-TEST_F(LockNeighbours, FifoIsNeitherWaitedForNorTaken) {
+TEST_F(LockNeighbours, FifoIsRejectedWithoutBlocking) {
     ASSERT_EQ(mkfifo(lock_.c_str(), 0600), 0);
     EXPECT_EQ(in_child(print_state), refused());
     EXPECT_TRUE(fs::is_fifo(lock_));
 }
 
-TEST_F(LockNeighbours, FileWithASecondNameIsNotWrittenTo) {
+TEST_F(LockNeighbours, HardLinkIsNotWritten) {
     std::ofstream(victim_) << "precious";
     fs::create_hard_link(victim_, lock_);
     EXPECT_EQ(in_child(print_state), refused());
     EXPECT_EQ(file_content(victim_), "precious");
 }
 
-TEST_F(LockNeighbours, FileInThePlaceOfTheScratchDirectoryIsLeftAlone) {
+TEST_F(LockNeighbours, FileAsScratchDirectoryIsKept) {
     fs::remove(scratch_);
     std::ofstream(scratch_) << "precious";
     EXPECT_EQ(in_child(print_state), refused());
     EXPECT_EQ(file_content(scratch_), "precious");
 }
 
-TEST_F(LockNeighbours, DanglingLinkInThePlaceOfTheScratchDirectoryIsLeftAlone) {
+TEST_F(LockNeighbours, DanglingLinkAsScratchDirectoryIsKept) {
     fs::remove(scratch_);
     fs::create_symlink(home_.path() + "/nothing", scratch_);
     EXPECT_EQ(in_child(print_state),
@@ -82,8 +82,8 @@ TEST_F(LockNeighbours, DanglingLinkInThePlaceOfTheScratchDirectoryIsLeftAlone) {
     EXPECT_FALSE(fs::exists(home_.path() + "/nothing"));
 }
 
-// The user's own, to a disk with more room.
-TEST_F(LockNeighbours, LinkOfTheUserInThePlaceOfTheScratchDirectoryIsFollowed) {
+// A link of the user, for example to a larger disk.
+TEST_F(LockNeighbours, UsersLinkAsScratchDirectoryIsFollowed) {
     const std::string elsewhere = home_.path() + "/elsewhere";
     fs::remove(scratch_);
     fs::create_directory(elsewhere);
@@ -92,7 +92,7 @@ TEST_F(LockNeighbours, LinkOfTheUserInThePlaceOfTheScratchDirectoryIsFollowed) {
     EXPECT_TRUE(fs::exists(elsewhere + "/.catalook.lock"));
 }
 
-// Below /tmp another user may have been there first.
+// Another user may have created it below /tmp first.
 TEST_F(LockBelowTmp, LinkOfAnotherUserIsNotFollowed) {
     if (!is_root()) GTEST_SKIP() << "needs a link of another user";
     fs::create_directory(victim_);
@@ -107,7 +107,7 @@ TEST_F(LockBelowTmp, LinkOfAnotherUserIsNotFollowed) {
     EXPECT_TRUE(fs::is_empty(victim_));
 }
 
-TEST_F(LockBelowTmp, DirectoryOfAnotherUserIsLeftAsItIs) {
+TEST_F(LockBelowTmp, DirectoryOfAnotherUserIsKept) {
     if (!is_root()) GTEST_SKIP() << "needs a directory of another user";
     fs::create_directory(fallback_);
     ASSERT_EQ(chown(fallback_.c_str(), 12'345, 12'345), 0);

@@ -6,7 +6,7 @@
 
 namespace kestrel::testing {
 
-// Gives an environment variable another value, or none, for its lifetime.
+// Sets or unsets an environment variable while it exists.
 class ScopedVariable {
   public:
     ScopedVariable(std::string name, const std::optional<std::string>& value)

@@ -1,5 +1,4 @@
-// What may lie in the place of the scratch directory. It is asked for and used as it is, or left
-// for another; nothing that is there changes.
+// Existing files at the path of the scratch directory. They are used or avoided, never changed.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -24,11 +23,11 @@ namespace fs = std::filesystem;
 
 struct Obstacle {
     const char* name;
-    // Puts it at `path`; what it points to, if anything, is `beside`, which is not there yet.
+    // Creates it at `path`; a link points to `beside`, which does not exist yet.
     std::function<void(const fs::path& path, const fs::path& beside)> put;
-    // Why a directory cannot be made below it; null when it can.
+    // Why no directory can be created in it; null if one can.
     const char* trouble_below;
-    // Put there by another user than the one who asks, if the test may be two.
+    // Created by another user, if the test may change users.
     bool is_of_another_user = false;
 
     friend std::ostream& operator<<(std::ostream& stream, const Obstacle& obstacle) {
@@ -79,7 +78,7 @@ const Obstacle kObstacles[] = {
 
 class ScratchObstacle : public ::testing::TestWithParam<Obstacle> {
   protected:
-    // A name that nobody has: its directory below /tmp is the test's own.
+    // A unique name, so that its directory below /tmp belongs to the test.
     std::string user_ = "kestrel-test-user-" + std::to_string(getpid());
     std::string fallback_ = "/tmp/" + user_;
     TemporaryDirectory home_;
@@ -96,30 +95,30 @@ class ScratchObstacle : public ::testing::TestWithParam<Obstacle> {
         as_somebody([&] { GetParam().put(path, beside_); });
     }
 
-    // Its answer, and what it says; nothing at `path` or beside may change.
+    // The result and the output. Nothing at `path` or `beside` may change.
     Output ask_beside(const std::string& path) {
         put(path);
         const std::string before = state_of(path) + state_of(beside_);
         Output output = as_ordinary_user([] { std::cout << LinuxCommonUtils::getUserTmpDir(); });
         EXPECT_EQ(state_of(path) + state_of(beside_), before);
-        chmod(path.c_str(), 0700);  // or it could not be removed
+        chmod(path.c_str(), 0700);  // otherwise it could not be removed
         return output;
     }
 };
 
-TEST_P(ScratchObstacle, IsTakenForTheDirectoryInTheHome) {
+TEST_P(ScratchObstacle, InHomeIsUsedUnchanged) {
     fs::create_directory(client_);
     fs::permissions(client_, fs::perms{0777});
     EXPECT_EQ(ask_beside(client_ + "/.tmp"), (Output{client_ + "/.tmp", ""}));
 }
 
-TEST_P(ScratchObstacle, IsTakenForTheUsersDirectoryBelowTmp) {
+TEST_P(ScratchObstacle, BelowTmpIsUsedUnchanged) {
     const ScopedVariable home("HOME", home_.path() + "/missing");
     EXPECT_EQ(ask_beside(fallback_).out, fallback_);
 }
 
-// A directory in it can be made or cannot.
-TEST_P(ScratchObstacle, InThePlaceOfTheClientDirectoryLeadsToAnotherUnlessItIsADirectory) {
+// A directory can be created in it, or cannot.
+TEST_P(ScratchObstacle, AsClientDirectoryCausesAFallbackUnlessItIsADirectory) {
     if (GetParam().trouble_below == nullptr) {
         put(client_);
         fs::permissions(client_, fs::perms{0777});  // follows a link

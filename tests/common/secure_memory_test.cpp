@@ -1,5 +1,5 @@
-// The optimiser is shown the implementation, and is to keep the stores all the same: this program
-// is always compiled with optimisation, and defines the member in place of the library's object.
+// The optimiser sees the implementation and must keep the stores: this program is always compiled
+// with optimisation, and its definition replaces the one of the library.
 #include "common/secure_memory.cpp"  // NOLINT
 
 #include <fcntl.h>
@@ -24,28 +24,28 @@ TEST(SecureMemory, SetsExactlyTheBytesGiven) {
     EXPECT_EQ(text, std::string("01\0\0\0\0\000789", 10));
 }
 
-TEST(SecureMemory, OfNoSizeOrNullIsLeftAlone) {
+TEST(SecureMemory, IgnoresSizeZeroAndNull) {
     std::string text = "text";
     LinuxCommonUtils::SecureZeroMemory(text.data(), 0);
     EXPECT_EQ(text, "text");
     LinuxCommonUtils::SecureZeroMemory(nullptr, 10);
 }
 
-// Gives back where a secret was that has been wiped and released.
+// The address of a secret that has been wiped and freed.
 std::uintptr_t use_secret() {
     char* const secret = static_cast<char*>(std::malloc(std::strlen(kSecret)));
     std::memcpy(secret, kSecret, std::strlen(kSecret));
     const auto address = reinterpret_cast<std::uintptr_t>(secret);
-    asm volatile("" : : "r"(secret) : "memory");  // somebody reads it here
+    asm volatile("" : : "r"(secret) : "memory");  // counts as a read
     LinuxCommonUtils::SecureZeroMemory(secret, std::strlen(kSecret));
     std::free(secret);
     return address;
 }
 
-TEST(SecureMemory, IsWipedThoughNobodyReadsItAgain) {
+TEST(SecureMemory, KeepsStoresThatNobodyReads) {
     const std::uintptr_t address = use_secret();
     const kestrel::FileDescriptor memory(open("/proc/self/mem", O_RDONLY | O_CLOEXEC));
-    // The first bytes of a released block are the allocator's.
+    // The allocator uses the first bytes of a freed block.
     constexpr std::size_t kFirst = 16;
     std::array<char, 48> bytes{};
     ASSERT_EQ(pread(memory.get(), bytes.data(), bytes.size(), static_cast<off_t>(address + kFirst)),

@@ -1,4 +1,4 @@
-// Who owns the lock: processes that start at the same time, one after the other, and have ended.
+// Ownership of the lock: simultaneous, successive and ended processes.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
@@ -27,7 +27,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The id of a process that was there and is no longer.
+// The id of a process that has ended.
 pid_t ended_process() {
     const pid_t child = fork();
     if (child == 0) _exit(0);
@@ -37,7 +37,7 @@ pid_t ended_process() {
 
 class SingleInstanceLock : public LockTest {};
 
-TEST_F(SingleInstanceLock, WithoutFileTheCallerBecomesTheOwner) {
+TEST_F(SingleInstanceLock, IsAcquiredWithoutAFile) {
     const Output output = in_child([] {
         umask(0);
         print_lock_state("catalook");
@@ -53,7 +53,7 @@ TEST_F(SingleInstanceLock, WithoutFileTheCallerBecomesTheOwner) {
     EXPECT_EQ(fs::status(lock_).permissions(), fs::perms{0700});
 }
 
-TEST_F(SingleInstanceLock, SecondProcessWithTheSameCommandLineIsRefused) {
+TEST_F(SingleInstanceLock, RejectsASecondProcessWithTheSameCommandLine) {
     const RunningProgram first({INSTANCE_PROBE, "catalook"});
     EXPECT_EQ(first.read_line(), "owner");
     const RunningProgram second({INSTANCE_PROBE, "catalook"});
@@ -70,7 +70,7 @@ TEST_F(SingleInstanceLock, ProcessWithAnotherCommandLineTakesOver) {
 }
 
 // The NULs between arguments count: "a b" is not "a", "b", and a longer line is not its beginning.
-TEST_F(SingleInstanceLock, CommandLinesAreComparedWhole) {
+TEST_F(SingleInstanceLock, ComparesCompleteCommandLines) {
     const RunningProgram first({INSTANCE_PROBE, "catalook", "a", "b"});
     EXPECT_EQ(first.read_line(), "owner");
     for (const std::vector<std::string>& arguments :
@@ -82,13 +82,13 @@ TEST_F(SingleInstanceLock, CommandLinesAreComparedWhole) {
     }
 }
 
-TEST_F(SingleInstanceLock, LocksOfOtherNamesDoNotMatter) {
+TEST_F(SingleInstanceLock, IgnoresLocksOfOtherNames) {
     const RunningProgram first({INSTANCE_PROBE, "catalook"});
     EXPECT_EQ(first.read_line(), "owner");
     EXPECT_EQ(in_child([] { print_lock_state("another"); }).out, "owner");
 }
 
-TEST_F(SingleInstanceLock, OwnerThatAsksAgainIsRefused) {
+TEST_F(SingleInstanceLock, RejectsItsOwner) {
     const Output output = in_child([] {
         print_lock_state("catalook");
         print_lock_state("catalook");
@@ -110,7 +110,7 @@ TEST_F(SingleInstanceLock, ProcessThatTheUserMayNotSignalIsReplaced) {
     EXPECT_EQ(as_ordinary_user([] { print_lock_state("catalook"); }), (Output{"owner", ""}));
 }
 
-TEST_F(SingleInstanceLock, FilesThatNameNoProcessAreStaleAndNeverProbed) {
+TEST_F(SingleInstanceLock, FilesWithoutAProcessIdAreStaleAndNotProbed) {
     std::vector<pid_t> probed;
     on_kill = [&](pid_t process) { probed.push_back(process); };
     const std::string self = lock_bytes(getpid());
@@ -125,20 +125,20 @@ TEST_F(SingleInstanceLock, FilesThatNameNoProcessAreStaleAndNeverProbed) {
     EXPECT_EQ(probed, std::vector<pid_t>());
 }
 
-TEST_F(SingleInstanceLock, AbsurdProcessIdIsStale) {
+TEST_F(SingleInstanceLock, ImpossibleProcessIdIsStale) {
     write_lock(lock_bytes(std::numeric_limits<std::int32_t>::max()));
     EXPECT_FALSE(LinuxCommonUtils::IsAnotherInstanceRunning("catalook"));
     EXPECT_EQ(file_content(lock_), lock_bytes(getpid()));
 }
 
-TEST_F(SingleInstanceLock, WhatFollowsTheFirstFourBytesIsLeftAlone) {
+TEST_F(SingleInstanceLock, KeepsBytesAfterTheFirstFour) {
     write_lock(lock_bytes(-1) + "tail");
     EXPECT_FALSE(LinuxCommonUtils::IsAnotherInstanceRunning("catalook"));
     EXPECT_EQ(file_content(lock_), lock_bytes(getpid()) + "tail");
 }
 
-// The lock is held here until the code under test is seen to find it so; only then the file gets
-// the id of a running instance. Without waiting for the lock, the stale id would be read.
+// The test holds the lock until the code under test waits for it, and only then writes the id of a
+// running instance. Without waiting, the code would read the stale id.
 TEST_F(SingleInstanceLock, WaitsForTheLockBeforeReading) {
     write_lock(lock_bytes(-1));
     const FileDescriptor file(open(lock_.c_str(), O_WRONLY | O_CLOEXEC));
@@ -174,8 +174,8 @@ TEST_F(SingleInstanceLock, LeavesTheFileUnlocked) {
     EXPECT_EQ(__real_flock(file.get(), LOCK_EX | LOCK_NB), 0);
 }
 
-// A child forked meanwhile shares the open file, and would keep the lock if it were only closed.
-TEST_F(SingleInstanceLock, EveryLockIsGivenBackExpressly) {
+// A child forked meanwhile shares the open file and would keep the lock if it were only closed.
+TEST_F(SingleInstanceLock, UnlocksExplicitly) {
     std::vector<int> operations;
     on_flock = [&](int, int operation) {
         operations.push_back(operation);
@@ -186,9 +186,9 @@ TEST_F(SingleInstanceLock, EveryLockIsGivenBackExpressly) {
     EXPECT_EQ(operations, (std::vector<int>{LOCK_EX, LOCK_UN, LOCK_EX, LOCK_UN}));
 }
 
-// All start at once, with one command line. More than one may win, but never none; whoever the file
-// names afterwards won, and a later start sees it.
-TEST_F(SingleInstanceLock, OfSimultaneousStartsAtLeastOneWins) {
+// All start at once with the same command line. At least one wins; the process in the file is a
+// winner, and later starts respect it.
+TEST_F(SingleInstanceLock, AtLeastOneOfSimultaneousStartsWins) {
     for (int round = 0; round < 20; ++round) {
         fs::remove(lock_);
         std::vector<std::unique_ptr<RunningProgram>> starts;
@@ -205,7 +205,7 @@ TEST_F(SingleInstanceLock, OfSimultaneousStartsAtLeastOneWins) {
     }
 }
 
-TEST_F(SingleInstanceLock, WithoutHomeTheLockLiesInTmp) {
+TEST_F(SingleInstanceLock, UsesTmpWithoutHome) {
     const std::string name = "kestrel-test-" + std::to_string(getpid());
     const ScopedVariable home("HOME", "");
     EXPECT_FALSE(LinuxCommonUtils::IsAnotherInstanceRunning(name));
@@ -213,7 +213,7 @@ TEST_F(SingleInstanceLock, WithoutHomeTheLockLiesInTmp) {
     fs::remove("/tmp/." + name + ".lock");
 }
 
-TEST_F(SingleInstanceLock, WithoutClientDirectoryTheLockLiesInTheUsersDirectoryBelowTmp) {
+TEST_F(SingleInstanceLock, UsesTheUsersDirectoryBelowTmpWithoutClientDirectory) {
     const std::string user = "kestrel-test-user-" + std::to_string(getpid());
     const ScopedVariable home("HOME", home_.path() + "/missing");
     const ScopedVariable user_variable("USER", user);

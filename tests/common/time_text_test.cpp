@@ -17,7 +17,7 @@ using kestrel::testing::ScopedVariable;
 
 namespace {
 
-// The error number of a strftime that makes nothing; unset, it works.
+// The errno of a strftime that produces nothing; if unset, it works.
 std::optional<int> strftime_error;
 
 }  // namespace
@@ -65,20 +65,20 @@ TEST_F(TimeText, FollowsAChangedTimeZone) {
     EXPECT_EQ(LinuxCommonUtils::GetCurrentTimeString("%Z %z"), "IST +0530");
 }
 
-TEST_F(TimeText, ForLogFilesIsAWordWhenFormattingFails) {
+TEST_F(TimeText, ForLogFilesIsAPlaceholderIfFormattingFails) {
     strftime_error = ERANGE;
     EXPECT_EQ(in_child([] { std::cout << LinuxCommonUtils::GetTimeStringForLogger(); }),
               (Output{"time", "Some issue with date conversion\n"}));
 }
 
-TEST_F(TimeText, ForLogFilesIsEmptyWhenFormattingMakesNothingWithoutError) {
+TEST_F(TimeText, ForLogFilesIsEmptyIfFormattingProducesNothing) {
     strftime_error = 0;
     errno = ENOENT;
     EXPECT_EQ(in_child([] { std::cout << LinuxCommonUtils::GetTimeStringForLogger(); }),
               (Output{"", ""}));
 }
 
-TEST_F(TimeText, CurrentTimeIsInTheFormatGiven) {
+TEST_F(TimeText, FormatsTheCurrentTime) {
     const std::string before = local_time("%Y %j %H:%M:%S");
     const std::string text = LinuxCommonUtils::GetCurrentTimeString("%Y %j %H:%M:%S");
     EXPECT_LE(before, text);
@@ -96,13 +96,13 @@ TEST_F(TimeText, CurrentTimeHas255BytesAtMost) {
 
 constexpr const char* kFormat = "%Y-%m-%d %H:%M:%S";
 
-TEST_F(TimeText, IsReadAsLocalTimeInWinterAndSummer) {
+TEST_F(TimeText, IsParsedAsLocalTimeInWinterAndSummer) {
     // 9:00 and 8:00 UTC.
     EXPECT_EQ(LinuxCommonUtils::ConvertStringToTime("2024-03-01 10:00:00", kFormat), 1'709'283'600);
     EXPECT_EQ(LinuxCommonUtils::ConvertStringToTime("2024-07-01 10:00:00", kFormat), 1'719'820'800);
 }
 
-TEST_F(TimeText, IsReadAsMktimeReadsIt) {
+TEST_F(TimeText, IsNormalisedLikeMktime) {
     std::tm fields{};
     fields.tm_year = 124;
     fields.tm_mon = 2;
@@ -113,7 +113,7 @@ TEST_F(TimeText, IsReadAsMktimeReadsIt) {
               std::mktime(&fields));
 }
 
-TEST_F(TimeText, IsReadUpTo255Bytes) {
+TEST_F(TimeText, IsParsedUpTo255Bytes) {
     const std::string blanks(246, ' ');
     constexpr const char* kDay = " %Y-%m-%d";
     EXPECT_EQ(LinuxCommonUtils::ConvertStringToTime((blanks + "2024-03-1").c_str(), kDay),
@@ -124,8 +124,8 @@ TEST_F(TimeText, IsReadUpTo255Bytes) {
               LinuxCommonUtils::ConvertStringToTime("2024-03-01", kDay));
 }
 
-TEST_F(TimeText, ThatDoesNotMatchTheFormatLeavesItsFieldsZero) {
-    // The day before 1900 began, at midnight in the zone.
+TEST_F(TimeText, WithoutMatchHasZeroFields) {
+    // The last day of 1899, at midnight in the zone.
     EXPECT_EQ(LinuxCommonUtils::ConvertStringToTime("no time", kFormat), -2'208'992'400 - 86'400);
     EXPECT_EQ(LinuxCommonUtils::ConvertStringToTime("", kFormat), -2'208'992'400 - 86'400);
 }

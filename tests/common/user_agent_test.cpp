@@ -76,7 +76,7 @@ TEST_F(UserAgent, OperatingSystem) {
     EXPECT_EQ(LinuxCommonUtils::GetOsVersion(), L"");
 }
 
-TEST_F(UserAgent, VersionIsWhatFollowsTheFirstEqualsSignOfTheFirstLine) {
+TEST_F(UserAgent, VersionFollowsTheFirstEqualsSignOfTheFirstLine) {
     EXPECT_EQ(version_of("ID_VERSION=1.0\nX=2\n"), L"1.0");
     EXPECT_EQ(version_of("ID_VERSION=1.0"), L"1.0");
     EXPECT_EQ(version_of("any key=1=2\n"), L"1=2");
@@ -86,12 +86,12 @@ TEST_F(UserAgent, VersionIsWhatFollowsTheFirstEqualsSignOfTheFirstLine) {
     EXPECT_EQ(version_of("\nID_VERSION=1.0\n"), L"");
 }
 
-TEST_F(UserAgent, VersionFollowsAnUpdateAtOnce) {
+TEST_F(UserAgent, VersionIsNotCached) {
     EXPECT_EQ(version_of("V=1"), L"1");
     EXPECT_EQ(version_of("V=2"), L"2");
 }
 
-TEST_F(UserAgent, VersionFilesOfOtherPlatformsDoNotCount) {
+TEST_F(UserAgent, IgnoresVersionFilesOfOtherPlatforms) {
     std::ofstream(root_.path() + "/pkginf/Ver.core.another") << "ID_VERSION=1.0\n";
     EXPECT_EQ(LinuxCommonUtils::GetPorticoVersionFromQuoroot(), L"");
 }
@@ -105,7 +105,7 @@ TEST_F(UserAgent, VersionLineIsReadUpTo255Bytes) {
     EXPECT_EQ(version_of(std::string(255, 'k') + "=1"), L"");
 }
 
-TEST_F(UserAgent, EndlessVersionFileIsCutOff) {
+TEST_F(UserAgent, TruncatesAnEndlessVersionFile) {
     fs::create_symlink("/dev/zero", version_file_);
     EXPECT_EQ(LinuxCommonUtils::GetPorticoVersionFromQuoroot(), L"");
 }
@@ -122,7 +122,7 @@ TEST_F(UserAgent, UnusableVersionFilesGiveNoVersion) {
     EXPECT_EQ(LinuxCommonUtils::GetPorticoVersionFromQuoroot(), L"");
 }
 
-TEST_F(UserAgent, VersionThatTheLocaleCannotReadIsEmpty) {
+TEST_F(UserAgent, VersionIsEmptyIfTheLocaleCannotDecodeIt) {
     std::ofstream(version_file_) << "V=1\xff\n";
     const Output output = in_child([] {
         std::setlocale(LC_ALL, "C.UTF-8");
@@ -139,14 +139,14 @@ TEST_F(UserAgent, FullText) {
         L"VeltranePortico/23.5.0.58 Linux/" + wide(kernel_release()) + L" M4Class TarnCapable");
 }
 
-TEST_F(UserAgent, PartsThatAreMissingGoWithTheirSlash) {
+TEST_F(UserAgent, OmitsTheSlashOfMissingParts) {
     EXPECT_EQ(LinuxCommonUtils::GetTarnUserAgent(),
               L"VeltranePortico Linux/" + wide(kernel_release()) + L" M4Class TarnCapable");
     is_uname_failing = true;
     EXPECT_EQ(LinuxCommonUtils::GetTarnUserAgent(), L"VeltranePortico Linux M4Class TarnCapable");
 }
 
-TEST_F(UserAgent, WithoutInstallRootThereIsNoVersion) {
+TEST_F(UserAgent, HasNoVersionWithoutInstallRoot) {
     const ScopedVariable unset("QUOROOT", std::nullopt);
     EXPECT_EQ(in_child([] {
                   std::wcout << LinuxCommonUtils::GetPorticoVersionFromQuoroot();
@@ -189,7 +189,7 @@ INSTANTIATE_TEST_SUITE_P(Texts, UserAgentParameters,
                                            Split{"/b", "", "b"}, Split{"/", "", ""},
                                            Split{"whole", "whole", "whole"}, Split{"", "", ""}));
 
-TEST_F(UserAgent, TextToSplitMayAlsoBeAResult) {
+TEST_F(UserAgent, InputMayAliasAResult) {
     std::string text = "a/b";
     std::string version;
     LinuxCommonUtils::GetWebkitUserAgentParamters(text, text, version);

@@ -23,7 +23,7 @@ using kestrel::testing::TemporaryDirectory;
 
 namespace {
 
-// How much room the password database wants before it answers; 0 leaves it alone.
+// The buffer size that the password database requires; 0 for the real behaviour.
 std::size_t entry_size = 0;
 
 }  // namespace
@@ -42,7 +42,7 @@ namespace {
 
 class UserDirectories : public ::testing::Test {
   protected:
-    // A name that nobody has: its directory below /tmp is the test's own.
+    // A unique name, so that its directory below /tmp belongs to the test.
     std::string user_ = "kestrel-test-user-" + std::to_string(getpid());
     std::string fallback_ = "/tmp/" + user_;
     TemporaryDirectory home_;
@@ -60,13 +60,13 @@ mode_t mode_of(const std::string& path) {
     return status.st_mode & 07777U;
 }
 
-TEST_F(UserDirectories, UserNameIsTheVariable) {
+TEST_F(UserDirectories, UserNameIsTakenFromTheEnvironment) {
     EXPECT_EQ(LinuxCommonUtils::getUserName(), user_);
     const ScopedVariable empty("USER", "");
     EXPECT_EQ(LinuxCommonUtils::getUserName(), "");
 }
 
-TEST_F(UserDirectories, UserNameWithoutVariableIsThatOfThePasswordEntry) {
+TEST_F(UserDirectories, UserNameFallsBackToThePasswordEntry) {
     const ScopedVariable unset("USER", std::nullopt);
     const passwd* const entry = getpwuid(getuid());
     ASSERT_NE(entry, nullptr);
@@ -97,7 +97,7 @@ TEST_F(UserDirectories, UserWithoutPasswordEntryHasNeitherNameNorHome) {
     EXPECT_EQ(output, (Output{"[]", ""}));
 }
 
-TEST_F(UserDirectories, ScratchDirectoryIsMadeForTheUserAlone) {
+TEST_F(UserDirectories, ScratchDirectoryIsPrivate) {
     const std::string scratch = home_.path() + "/.QUOClient/.tmp";
     const Output first = in_child([] {
         umask(0);
@@ -126,7 +126,7 @@ TEST_F(UserDirectories, MissingHomeFallsBackToo) {
                       "No such file or directory.Using /tmp directory.\n"}));
 }
 
-TEST_F(UserDirectories, FileInThePlaceOfTheClientDirectoryFallsBackToo) {
+TEST_F(UserDirectories, FileAsClientDirectoryFallsBackToo) {
     std::ofstream(home_.path() + "/.QUOClient") << "";
     EXPECT_EQ(in_child(print_scratch_directory),
               (Output{fallback_,
@@ -134,7 +134,7 @@ TEST_F(UserDirectories, FileInThePlaceOfTheClientDirectoryFallsBackToo) {
                       "Not a directory.Using /tmp directory.\n"}));
 }
 
-TEST_F(UserDirectories, FallbackThatExistsIsTakenAsItIs) {
+TEST_F(UserDirectories, ExistingFallbackIsUsedUnchanged) {
     const ScopedVariable home("HOME", home_.path() + "/missing");
     fs::create_directory(fallback_);
     EXPECT_EQ(in_child(print_scratch_directory).out, fallback_);
@@ -146,13 +146,13 @@ TEST_F(UserDirectories, FallbackWithoutUserNameIsTmpItself) {
     EXPECT_EQ(in_child(print_scratch_directory).out, "/tmp");
 }
 
-TEST_F(UserDirectories, EmptyHomeMeansTmpWithoutAWordWhateverTheUser) {
+TEST_F(UserDirectories, EmptyHomeSelectsTmpSilently) {
     const ScopedVariable home("HOME", "");
     EXPECT_EQ(in_child(print_scratch_directory), (Output{"/tmp", ""}));
     EXPECT_FALSE(fs::exists(fallback_));
 }
 
-TEST_F(UserDirectories, NoHomeAtAllMeansTmpWithoutAWordWhateverTheUser) {
+TEST_F(UserDirectories, MissingHomeSelectsTmpSilently) {
     if (!is_root()) GTEST_SKIP() << "needs a user without password entry";
     const ScopedVariable home("HOME", std::nullopt);
     EXPECT_EQ(as_ordinary_user(print_scratch_directory), (Output{"/tmp", ""}));

@@ -34,7 +34,7 @@ struct Free {
 };
 using WideText = std::unique_ptr<wchar_t, Free>;
 
-// The text in the locale, as numbers: what comes out does not depend on a locale in turn.
+// The text in the locale, as numbers, so that printing does not depend on a locale.
 Output widened_in(const char* locale, const std::string& text) {
     return in_child([&] {
         if (std::setlocale(LC_ALL, locale) == nullptr) std::cerr << "no locale " << locale;
@@ -52,7 +52,7 @@ TEST(Trim, RemovesTheCharactersAtBothEndsOnly) {
     EXPECT_EQ(LinuxCommonUtils::trimString(L"a", L" "), L"a");
 }
 
-TEST(Trim, GivesNothingOfATextOfTheseCharactersOnly) {
+TEST(Trim, IsEmptyIfAllCharactersAreTrimmed) {
     EXPECT_EQ(LinuxCommonUtils::trimString(L"   ", L" "), L"");
     EXPECT_EQ(LinuxCommonUtils::trimString(L"", L" "), L"");
     EXPECT_EQ(LinuxCommonUtils::trimString(L"", L""), L"");
@@ -70,7 +70,7 @@ TEST(NarrowText, HasTheLowEightBitsOfEveryCharacter) {
     EXPECT_STREQ(LinuxCommonUtils::WCharToChar(nullptr), "");
 }
 
-TEST(NarrowText, KeepsWhatFollowsACutToZeroBehindTheNul) {
+TEST(NarrowText, KeepsBytesAfterACharacterTruncatedToNul) {
     const char* const text = LinuxCommonUtils::WCharToChar(L"a\u0100b");
     EXPECT_EQ(std::string(text, 3), std::string("a\0b", 3));
 }
@@ -86,7 +86,7 @@ TEST(NarrowText, BelongsToItsThread) {
     EXPECT_STREQ(LinuxCommonUtils::WCharToChar(L"next"), "next");
 }
 
-TEST(NarrowText, IsNotDisturbedByOtherThreads) {
+TEST(NarrowText, IsIndependentOfOtherThreads) {
     const auto convert = [](wchar_t character) {
         const std::wstring wide(100, character);
         const std::string narrow(100, static_cast<char>(character));
@@ -99,14 +99,14 @@ TEST(NarrowText, IsNotDisturbedByOtherThreads) {
     other.join();
 }
 
-TEST(WideText, IsReadInUtf8Locale) {
+TEST(WideText, DecodesUtf8Locales) {
     EXPECT_EQ(widened_in("C.UTF-8", "gr\xc3\xbcn \xe2\x82\xac \xf0\x9f\x98\x80"),
               (Output{" 67 72 fc 6e 20 20ac 20 1f600", ""}));
     EXPECT_EQ(widened_in("C.UTF-8", ""), (Output{"", ""}));
 }
 
-// A locale of its own making: a system need not have any with this encoding.
-TEST(WideText, IsReadInLatin1Locale) {
+// Generates the locale: systems need not have one with this encoding.
+TEST(WideText, DecodesLatin1Locales) {
     const TemporaryDirectory locales;
     const std::string make =
         "localedef -i en_US -f ISO-8859-1 " + locales.path() + "/latin1 >/dev/null 2>&1";
@@ -117,18 +117,18 @@ TEST(WideText, IsReadInLatin1Locale) {
     unsetenv("LOCPATH");
 }
 
-TEST(WideText, OfTextThatTheLocaleCannotReadIsEmptyAfterOneError) {
+TEST(WideText, IsEmptyAfterOneErrorForInvalidText) {
     for (const char* text : {"a\xff", "\xc3", "\xe2\x82", "\xed\xa0\x80"}) {
         EXPECT_EQ(widened_in("C.UTF-8", text), (Output{"error", ""}));
     }
 }
 
-TEST(WideText, OfNullIsEmpty) {
+TEST(WideText, IsEmptyForNull) {
     const WideText wide(LinuxCommonUtils::CharToWChar(nullptr));
     EXPECT_STREQ(wide.get(), L"");
 }
 
-TEST(WideText, WithoutMemoryIsNullAfterAnErrorForEachFailure) {
+TEST(WideText, IsNullWithoutMemoryAfterAnErrorForEachFailure) {
     const auto convert = [](const char* text) {
         return in_child([&] {
             std::setlocale(LC_ALL, "C.UTF-8");
@@ -140,7 +140,7 @@ TEST(WideText, WithoutMemoryIsNullAfterAnErrorForEachFailure) {
         });
     };
     EXPECT_EQ(convert("text"), (Output{"[error]1", ""}));
-    // The query, the allocation, and the conversion that goes on regardless.
+    // The query, the allocation, and the conversion, which is tried anyway.
     EXPECT_EQ(convert("\xff"), (Output{"[errorerrorerror]1", ""}));
 }
 

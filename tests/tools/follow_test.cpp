@@ -1,4 +1,4 @@
-// The lines that the built kestrel-log shows of other processes.
+// The output of `kestrel-log follow`, with lines of other processes.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -35,7 +35,7 @@ using kestrel::testing::Viewer;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 
-TEST(Follow, PrintsEachLineWithItsFields) {
+TEST(Follow, PrintsFieldsOfALine) {
     Viewer viewer;
     log_as("browser", kLogWebkit, kError, "the text\n");
     EXPECT_THAT(viewer.read_line(),
@@ -51,7 +51,7 @@ TEST(Follow, PrintsLocalTime) {
     EXPECT_EQ(viewer.read_line(), "1970-01-01 05:00:00.000000 ?[7] ERROR   WEBKIT  x\n");
 }
 
-TEST(Follow, TellsProcessesApart) {
+TEST(Follow, PrintsProcessNames) {
     Viewer viewer;
     log_as("first", kLogWebkit, kError, "a");
     EXPECT_THAT(viewer.read_line(), HasSubstr("veltrane-first["));
@@ -66,7 +66,7 @@ TEST(Follow, FiltersByLevel) {
     EXPECT_THAT(viewer.read_line(), HasSubstr("fatal\n"));
 }
 
-TEST(Follow, FiltersByClassAndThoseBelowIt) {
+TEST(Follow, FiltersByClassAndSubclasses) {
     Viewer viewer({"follow", "--class", "KS", "--class", "CLASS01"});
     log_as("p", kLogWebkit, kError, "no");
     log_as("p", kLogKestrelExtension, kError, "below");
@@ -76,7 +76,7 @@ TEST(Follow, FiltersByClassAndThoseBelowIt) {
     EXPECT_THAT(viewer.read_line(), HasSubstr("itself\n"));
 }
 
-TEST(Follow, RefusesToFilterByWhatIsNot) {
+TEST(Follow, RejectsUnknownFilters) {
     EXPECT_EQ(kestrel_log({"follow", "--class", "NOBODY"}).status, 2);
     const Outcome outcome = kestrel_log({"follow", "--level", "NONE"});
     EXPECT_EQ(outcome.status, 2);
@@ -98,7 +98,7 @@ TEST(Follow, PrintsJson) {
                 MatchesRegex("[-0-9]{10}T[:0-9]{8}\\.[0-9]{6}\\+0500"));
 }
 
-TEST(Follow, KeepsControlCharactersFromTheTerminal) {
+TEST(Follow, EscapesControlCharacters) {
     Viewer viewer;
     const RawProcess process;
     process.send_bytes(log_record("a\033[2Jb\nc\td\x7f \xc2\x9b \xff \xc3\xa9\n"));
@@ -106,7 +106,7 @@ TEST(Follow, KeepsControlCharactersFromTheTerminal) {
                 HasSubstr("a\\x1b[2Jb\\nc\\td\\x7f \\xc2\\x9b \\xff \xc3\xa9\n"));
 }
 
-// A name and a text that show as other words where a terminal obeys their bidi characters.
+// All characters that change the direction of writing.
 constexpr const char* kBidiText =
     "\u061c\u200e\u200f\u202a\u202b\u202c\u202d\u202e\u2066\u2067\u2068\u2069 end";
 constexpr const char* kEscapedBidiText =
@@ -134,21 +134,21 @@ TEST(Follow, EscapesBidiCharactersInJson) {
     EXPECT_EQ(json["text"], kBidiText);
 }
 
-TEST(Follow, PrintsJsonOfTextThatIsNotUtf8) {
+TEST(Follow, ReplacesInvalidUtf8InJson) {
     Viewer viewer({"follow", "--json"});
     const RawProcess process;
     process.send_bytes(log_record("\xff"));
     EXPECT_EQ(nlohmann::json::parse(viewer.read_line())["text"], "\xef\xbf\xbd");
 }
 
-TEST(Follow, PrintsLevelsAndClassesThatHaveNoName) {
+TEST(Follow, PrintsNumbersOfUnnamedLevelsAndClasses) {
     Viewer viewer;
     const RawProcess process;
     process.send_bytes(log_record("x", 9, 99));
     EXPECT_THAT(viewer.read_line(), HasSubstr("?[7] 9       99      x\n"));
 }
 
-TEST(Follow, PutsPiecesOfARecordTogether) {
+TEST(Follow, ReassemblesFragmentedRecords) {
     Viewer viewer;
     const RawProcess process;
     const std::string record = log_record("whole");
@@ -185,7 +185,7 @@ TEST(Follow, UsesColoursOnATerminal) {
     EXPECT_THAT(line_on_a_terminal(), HasSubstr("\033[1;31mcoloured\033[0m"));
 }
 
-TEST(Follow, UsesNoColoursWhereTheyAreNotWanted) {
+TEST(Follow, UsesNoColoursWithNoColor) {
     setenv("NO_COLOR", "1", 1);
     EXPECT_THAT(line_on_a_terminal(), testing::Not(HasSubstr("\033[")));
 }

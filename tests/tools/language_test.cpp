@@ -1,4 +1,4 @@
-// What kestrel-log says of its command line, in each of its languages.
+// The error texts and the help of kestrel-log in each language.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -22,23 +22,23 @@ using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::Not;
 
-void speak(const std::string& language) {
+void set_language(const std::string& language) {
     kestrel::use_language(language, kestrel::testing::home());
 }
 
-struct Refusal {
+struct ErrorCase {
     const char* name;
     std::vector<std::string> arguments;
     std::map<std::string, std::string> texts;
 
-    friend std::ostream& operator<<(std::ostream& stream, const Refusal& refusal) {
-        return stream << refusal.name;
+    friend std::ostream& operator<<(std::ostream& stream, const ErrorCase& error) {
+        return stream << error.name;
     }
 };
 
 const std::string kCommands = " show level flags output rollover session reset follow";
 
-const Refusal kRefusals[] = {
+const ErrorCase kErrors[] = {
     {"NoCommand",
      {},
      {{"en", "a command is required; valid are:" + kCommands},
@@ -82,23 +82,23 @@ const Refusal kRefusals[] = {
      {{"en", "MAXIMUM: '2001' is not in range 0 to 2000"},
       {"de", "MAXIMUM: „2001“ liegt nicht im Bereich von 0 bis 2000"},
       {"fr", "MAXIMUM: « 2001 » n'est pas compris entre 0 et 2000"}}},
-    {"NoNumber",
+    {"NotANumber",
      {"rollover", "--size", "7x"},
      {{"en", "--size: '7x' is not in range 1 to 2000"},
       {"de", "--size: „7x“ liegt nicht im Bereich von 1 bis 2000"},
       {"fr", "--size: « 7x » n'est pas compris entre 1 et 2000"}}},
 };
 
-class KestrelLogRefusal : public testing::TestWithParam<Refusal> {};
+class KestrelLogError : public testing::TestWithParam<ErrorCase> {};
 
-TEST_P(KestrelLogRefusal, SpeaksTheUsersLanguage) {
+TEST_P(KestrelLogError, IsTranslated) {
     const std::map<std::string, std::string> advice = {
         {"en", "Run with --help for more information."},
         {"de", "Mehr erfährt man mit --help."},
         {"fr", "Pour plus d'informations : --help."},
     };
     for (const auto& [language, text] : GetParam().texts) {
-        speak(language);
+        set_language(language);
         const Outcome outcome = kestrel_log(GetParam().arguments);
         EXPECT_EQ(outcome.status, 2);
         EXPECT_EQ(outcome.output, "");
@@ -107,11 +107,11 @@ TEST_P(KestrelLogRefusal, SpeaksTheUsersLanguage) {
     EXPECT_FALSE(std::filesystem::exists(kestrel::testing::home() + "/.QUOClient"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Every, KestrelLogRefusal, testing::ValuesIn(kRefusals),
+INSTANTIATE_TEST_SUITE_P(Every, KestrelLogError, testing::ValuesIn(kErrors),
                          [](const auto& test) { return test.param.name; });
 
-TEST(KestrelLogHelp, SpeaksTheUsersLanguage) {
-    speak("de");
+TEST(KestrelLogHelp, IsTranslated) {
+    set_language("de");
     // Versions of CLI11 differ in blanks and empty lines.
     EXPECT_THAT(kestrel_log({"--help"}).output,
                 AllOf(HasSubstr("\nAufruf: kestrel-log [OPTIONEN] BEFEHL\n"),

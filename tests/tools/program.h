@@ -7,24 +7,24 @@
 
 namespace kestrel::testing {
 
-// A program that has been started, with pipes for its output. Reading waits ten seconds at most.
+// A running program with pipes for its output. Reading times out after ten seconds.
 class Program {
   public:
     explicit Program(const std::vector<std::string>& arguments);
-    ~Program();  // kills it, unless it has been waited for
+    ~Program();  // kills it if wait() has not been called
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
 
-    // The next line, with its newline, of standard output or of standard error.
+    // The next line of standard output or standard error, including its newline.
     std::string read_line() { return read_line(output_); }
     std::string read_error_line() { return read_line(error_); }
 
-    // Closes the reading end of its standard output.
+    // Closes the read end of its standard output.
     void close_output();
 
     void send_signal(int number) const;
 
-    // Waits for its end. The exit status, or the negative number of the signal that killed it.
+    // Waits until it exits. The exit status, or the negated number of the signal that killed it.
     int wait();
 
   private:
@@ -41,13 +41,13 @@ struct Outcome {
     std::string error;
 };
 
-// Runs the built kestrel-log to its end.
+// Runs the built kestrel-log and waits until it exits.
 Outcome kestrel_log(const std::vector<std::string>& arguments);
 
-// The same program, started.
+// The command line of the built kestrel-log.
 std::vector<std::string> kestrel_log_command(const std::vector<std::string>& arguments);
 
-// Runs any program to its end.
+// Runs any program and waits until it exits.
 Outcome run(const std::vector<std::string>& arguments);
 
 }  // namespace kestrel::testing

@@ -1,4 +1,4 @@
-// The built kestrel-log, as people and scripts use it for the settings.
+// The commands of the built kestrel-log that show and change settings.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -26,7 +26,7 @@ using kestrel::testing::u32_at;
 using testing::ContainsRegex;
 using testing::HasSubstr;
 
-// A change that works says nothing.
+// Successful changes print nothing.
 void expect_silent_success(const Outcome& outcome) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.output, "");
@@ -37,7 +37,7 @@ class KestrelLog : public testing::Test {
   protected:
     KestrelLog() { kestrel_log({"show"}); }
 
-    // The change is refused with a message, and nothing is changed.
+    // The command fails with this message and changes nothing.
     void expect_refused(std::initializer_list<std::string> arguments, const std::string& message) {
         const std::string before = record_bytes();
         const Outcome outcome = kestrel_log(arguments);
@@ -48,7 +48,7 @@ class KestrelLog : public testing::Test {
     }
 };
 
-TEST_F(KestrelLog, ShowsEveryClassWithItsOwnAndItsWorkingLevel) {
+TEST_F(KestrelLog, ShowsOwnAndWorkingLevelsOfAllClasses) {
     kestrel_log({"level", "KS", "VERBOSE"});
     const Outcome outcome = kestrel_log({"show"});
     EXPECT_EQ(outcome.status, 0);
@@ -63,7 +63,7 @@ TEST_F(KestrelLog, ShowsEveryClassWithItsOwnAndItsWorkingLevel) {
     EXPECT_EQ(rows, 61);
 }
 
-TEST_F(KestrelLog, ShowsTheSettingsAsJson) {
+TEST_F(KestrelLog, ShowsSettingsAsJson) {
     kestrel_log({"level", "KS", "VERBOSE"});
     kestrel_log({"level", "ALL", "INHERIT"});
     const auto settings = nlohmann::json::parse(kestrel_log({"show", "--json"}).output);
@@ -83,7 +83,7 @@ TEST_F(KestrelLog, ShowsTheSettingsAsJson) {
     EXPECT_TRUE(settings["classes"][0]["working_level"].is_null());
 }
 
-TEST_F(KestrelLog, ShowsWhatNeighboursLeaveInTheRecord) {
+TEST_F(KestrelLog, ShowsInvalidValuesOfOtherPrograms) {
     std::string bytes(516, '\xff');
     kestrel::testing::put_u32(bytes, 4, 77);
     kestrel::testing::put_u32(bytes, 512, 0x12345678);
@@ -96,17 +96,17 @@ TEST_F(KestrelLog, ShowsWhatNeighboursLeaveInTheRecord) {
     EXPECT_EQ(settings["classes"][0]["level"], "77");
 }
 
-TEST_F(KestrelLog, SetsALevelByNames) {
+TEST_F(KestrelLog, SetsLevelByName) {
     expect_silent_success(kestrel_log({"level", "WEBKIT", "VERBOSE"}));
     EXPECT_EQ(u32_at(record_bytes(), 4 + 4 * 41), 1U);
     expect_silent_success(kestrel_log({"level", "webkit", "None"}));
     EXPECT_EQ(u32_at(record_bytes(), 4 + 4 * 41), 7U);
 }
 
-TEST_F(KestrelLog, RefusesNamesThatAreNot) {
-    expect_refused({"level", "WEBKITS", "VERBOSE"}, "there is no class 'WEBKITS'; valid are: ALL ");
+TEST_F(KestrelLog, RejectsUnknownNames) {
+    expect_refused({"level", "WEBKITS", "VERBOSE"}, "unknown class 'WEBKITS'; valid are: ALL ");
     expect_refused({"level", "WEBKIT", "LOUD"},
-                   "there is no level 'LOUD'; valid are: INHERIT VERBOSE INFO WARNING ERROR FATAL "
+                   "unknown level 'LOUD'; valid are: INHERIT VERBOSE INFO WARNING ERROR FATAL "
                    "AOL NONE\n");
     expect_refused({"level", "WEBKIT"}, "LEVEL is required");
     expect_refused({"louder"},
@@ -115,7 +115,7 @@ TEST_F(KestrelLog, RefusesNamesThatAreNot) {
     expect_refused({"show", "--yaml"}, "--yaml");
 }
 
-TEST(KestrelLogOnAFreshMachine, RefusesWithoutMakingAFile) {
+TEST(KestrelLogWithoutSettings, RejectsWithoutCreatingAFile) {
     EXPECT_EQ(kestrel_log({"level", "NOPE", "VERBOSE"}).status, 2);
     EXPECT_EQ(kestrel_log({"flags", "--enable", "loud"}).status, 2);
     EXPECT_EQ(kestrel_log({"output", "relative"}).status, 2);
@@ -123,10 +123,10 @@ TEST(KestrelLogOnAFreshMachine, RefusesWithoutMakingAFile) {
     EXPECT_FALSE(std::filesystem::exists(home() + "/.QUOClient"));
 }
 
-TEST_F(KestrelLog, RefusesWithoutRepairingADamagedRecord) {
+TEST_F(KestrelLog, RejectsWithoutRepairingADamagedFile) {
     const std::string garbage(2'000, 'x');
     std::ofstream(home() + "/.QUOClient/.zynlogconf") << garbage;
-    expect_refused({"level", "NOPE", "VERBOSE"}, "there is no class 'NOPE'");
+    expect_refused({"level", "NOPE", "VERBOSE"}, "unknown class 'NOPE'");
     EXPECT_EQ(record_bytes(), garbage);
 }
 
@@ -139,16 +139,16 @@ TEST_F(KestrelLog, SetsAndClearsFlags) {
     EXPECT_EQ(u32_at(record_bytes(), 0), 0xffff'ffffU);
 }
 
-TEST_F(KestrelLog, RefusesFlagsThatAreNot) {
+TEST_F(KestrelLog, RejectsInvalidFlags) {
     for (const char* text : {"0x100000000", "-1", "loud", "0x", "1x"}) {
         expect_refused({"flags", std::string("--enable=") + text},
                        "valid are: 0 to 0xffffffff, thread-name");
     }
-    expect_refused({"flags", "--enable=1", "--disable=loud"}, "'loud' is no set of flags");
+    expect_refused({"flags", "--enable=1", "--disable=loud"}, "'loud' is not a valid set of flags");
     expect_refused({"flags"}, "--enable");
 }
 
-TEST_F(KestrelLog, SetsTheOutputPath) {
+TEST_F(KestrelLog, SetsOutputPath) {
     const std::string longest = "/" + std::string(254, 'p');
     expect_silent_success(kestrel_log({"output", longest}));
     EXPECT_EQ(record_bytes().substr(244, 256), longest + std::string(1, '\0'));
@@ -162,13 +162,13 @@ TEST_F(KestrelLog, EscapesBidiCharactersOfTheOutputPath) {
     EXPECT_EQ(nlohmann::json::parse(json)["output"], "/a\u202eb");
 }
 
-TEST_F(KestrelLog, RefusesOutputPathsThatDoNotFit) {
+TEST_F(KestrelLog, RejectsInvalidOutputPaths) {
     expect_refused({"output", "/" + std::string(255, 'p')}, "256 bytes long; valid are 1 to 255");
     expect_refused({"output", "relative"}, "must begin with '/'");
     expect_refused({"output", ""}, "must begin with '/'");
 }
 
-TEST_F(KestrelLog, SetsTheRollover) {
+TEST_F(KestrelLog, SetsRollover) {
     expect_silent_success(kestrel_log({"rollover", "--size", "2000", "--count", "0"}));
     EXPECT_EQ(u32_at(record_bytes(), 500), 2000U);
     EXPECT_EQ(u32_at(record_bytes(), 504), 0U);
@@ -177,7 +177,7 @@ TEST_F(KestrelLog, SetsTheRollover) {
     EXPECT_EQ(u32_at(record_bytes(), 504), 100U);
 }
 
-TEST_F(KestrelLog, RefusesRolloversOutOfRange) {
+TEST_F(KestrelLog, RejectsRolloversOutOfRange) {
     expect_refused({"rollover", "--size", "0"}, "not in range 1 to 2000");
     expect_refused({"rollover", "--size", "2001"}, "not in range 1 to 2000");
     expect_refused({"rollover", "--size", "7", "--count", "101"}, "not in range 0 to 100");
@@ -185,7 +185,7 @@ TEST_F(KestrelLog, RefusesRolloversOutOfRange) {
     expect_refused({"rollover"}, "--size");
 }
 
-TEST_F(KestrelLog, SetsTheSessionMaximum) {
+TEST_F(KestrelLog, SetsSessionMaximum) {
     expect_silent_success(kestrel_log({"session", "0"}));
     EXPECT_EQ(u32_at(record_bytes(), 508), 0U);
     expect_silent_success(kestrel_log({"session", "2000"}));
@@ -193,7 +193,7 @@ TEST_F(KestrelLog, SetsTheSessionMaximum) {
     expect_refused({"session", "2001"}, "not in range 0 to 2000");
 }
 
-TEST_F(KestrelLog, ResetsEverything) {
+TEST_F(KestrelLog, ResetsAllSettings) {
     const std::string defaults = record_bytes();
     kestrel_log({"level", "ALL", "NONE"});
     kestrel_log({"level", "CLASS59", "INFO"});
@@ -206,7 +206,7 @@ TEST_F(KestrelLog, ResetsEverything) {
     EXPECT_EQ(record_bytes(), defaults);
 }
 
-TEST_F(KestrelLog, HasHelpAndAVersion) {
+TEST_F(KestrelLog, PrintsHelpAndVersion) {
     EXPECT_EQ(kestrel_log({"--version"}).output, "kestrel-log " KESTREL_VERSION "\n");
     const Outcome help = kestrel_log({"--help"});
     EXPECT_EQ(help.status, 0);
@@ -214,7 +214,7 @@ TEST_F(KestrelLog, HasHelpAndAVersion) {
     EXPECT_THAT(kestrel_log({"level", "--help"}).output, HasSubstr("CLASS"));
 }
 
-TEST_F(KestrelLog, SaysWhenThereAreNoSettings) {
+TEST_F(KestrelLog, ReportsMissingSettings) {
     kestrel::testing::write_file(home() + "/file", "");
     setenv("HOME", (home() + "/file").c_str(), 1);
     const Outcome outcome = kestrel_log({"show"});
@@ -222,10 +222,10 @@ TEST_F(KestrelLog, SaysWhenThereAreNoSettings) {
     EXPECT_THAT(outcome.error, HasSubstr("cannot open the settings"));
 }
 
-TEST(KestrelLogOnAFullDisk, SaysThatSettingsCannotBeChanged) {
+TEST(KestrelLogOnAFullDisk, ReportsFailedChanges) {
     if (!kestrel::testing::has_private_machine() ||
         mount("none", home().c_str(), "tmpfs", 0, "size=64k") == -1) {
-        GTEST_SKIP() << "needs a mount namespace of its own";
+        GTEST_SKIP() << "requires a private mount namespace";
     }
     std::filesystem::create_directories(home() + "/.QUOClient/logs");
     kestrel::testing::write_file(home() + "/ballast", std::string(1'000'000, 'x'));
@@ -245,24 +245,24 @@ TEST(KestrelLogOnAFullDisk, SaysThatSettingsCannotBeChanged) {
                                      "disk is full\n");
     }
     EXPECT_EQ(kestrel_log({"show"}).status, 0);
-    umount2(home().c_str(), MNT_DETACH);  // or the directory below could not be removed
+    umount2(home().c_str(), MNT_DETACH);  // or the directory could not be removed
 }
 
-TEST_F(KestrelLog, StopsQuietlyWhenNobodyReads) {
+TEST_F(KestrelLog, StopsQuietlyWhenOutputIsClosed) {
     const Outcome outcome = kestrel::testing::run(
         {"bash", "-c", "\"$0\" show | true; echo ${PIPESTATUS[0]}", KESTREL_LOG_PROGRAM});
     EXPECT_EQ(outcome.output, "0\n");
     EXPECT_EQ(outcome.error, "");
 }
 
-TEST_F(KestrelLog, SaysWhenItCannotWrite) {
+TEST_F(KestrelLog, ReportsWriteErrors) {
     const Outcome outcome =
         kestrel::testing::run({"bash", "-c", "\"$0\" show >/dev/full", KESTREL_LOG_PROGRAM});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.error, HasSubstr("No space left on device"));
 }
 
-// What bash offers for a line that ends in a word begun.
+// The completions that bash offers for word number `word`.
 std::string completions(const std::string& words, int word) {
     return kestrel::testing::run({"bash", "-c",
                                   "PATH=\"" KESTREL_LOG_DIRECTORY

@@ -1,4 +1,4 @@
-// The built kestrel-log at the log daemon's socket: whom it makes way for, and how it leaves.
+// `kestrel-log follow` at the log daemon's socket: start, conflicts, end.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -31,7 +31,7 @@ using kestrel::testing::socket_path;
 using kestrel::testing::Viewer;
 using testing::HasSubstr;
 
-TEST(Follow, SaysWhereItListens) {
+TEST(Follow, PrintsTheSocketPath) {
     EXPECT_EQ(Viewer().greeting, "kestrel-log: listening at " + kestrel::testing::home() +
                                      "//.QUOClient/.zynlogsocket\n");
 }
@@ -46,13 +46,13 @@ TEST(Follow, AcceptsAnyNumberOfProcesses) {
     }
 }
 
-TEST(Follow, DropsAProcessThatSendsNonsenseAndGoesOn) {
+TEST(Follow, DropsOnlyTheProcessThatSendsInvalidMessages) {
     Viewer viewer;
-    for (const std::string& nonsense :
+    for (const std::string& message :
          {std::string("\x00\x00\x09\x00", 4), std::string("\x00\x00\x01\x00", 4),
           std::string("\x01\x00\x02\x00x", 5)}) {
         const RawProcess process;
-        process.send_bytes(nonsense);
+        process.send_bytes(message);
         EXPECT_TRUE(process.is_dropped());
     }
     const RawProcess process;
@@ -62,7 +62,7 @@ TEST(Follow, DropsAProcessThatSendsNonsenseAndGoesOn) {
 
 class FollowUntilSignal : public testing::TestWithParam<int> {};
 
-TEST_P(FollowUntilSignal, EndsWellAndRemovesItsSocket) {
+TEST_P(FollowUntilSignal, ExitsCleanlyAndRemovesItsSocket) {
     Viewer viewer;
     EXPECT_TRUE(std::filesystem::exists(socket_path()));
     viewer.send_signal(GetParam());
@@ -72,20 +72,20 @@ TEST_P(FollowUntilSignal, EndsWellAndRemovesItsSocket) {
 
 INSTANTIATE_TEST_SUITE_P(Signals, FollowUntilSignal, testing::Values(SIGINT, SIGTERM));
 
-TEST(Follow, EndsWhenNobodyReadsItsOutput) {
+TEST(Follow, ExitsWhenOutputIsClosed) {
     Viewer viewer;
     viewer.close_output();
     EXPECT_EQ(viewer.wait(), 0);
     EXPECT_FALSE(std::filesystem::exists(socket_path()));
 }
 
-TEST(Follow, IsOpenToItsUserOnly) {
+TEST(Follow, RestrictsTheSocketToItsUser) {
     const Viewer viewer;
     EXPECT_EQ(std::filesystem::status(socket_path()).permissions(),
               std::filesystem::perms::owner_all);
 }
 
-TEST(Follow, GivesWayToALiveDaemon) {
+TEST(Follow, FailsIfADaemonListens) {
     const kestrel::testing::FakeDaemon daemon;
     const Outcome outcome = kestrel_log({"follow"});
     EXPECT_EQ(outcome.status, 1);
@@ -93,7 +93,7 @@ TEST(Follow, GivesWayToALiveDaemon) {
     EXPECT_TRUE(std::filesystem::exists(socket_path()));
 }
 
-TEST(Follow, GivesWayToAnotherViewer) {
+TEST(Follow, FailsIfAnotherViewerListens) {
     Viewer viewer;
     EXPECT_EQ(kestrel_log({"follow"}).status, 1);
     log_as("p", kLogWebkit, kError, "still here");
@@ -110,7 +110,7 @@ TEST(Follow, ReplacesAStaleSocket) {
     EXPECT_THAT(viewer.read_line(), HasSubstr("here\n"));
 }
 
-TEST(Follow, LeavesAFileThatIsNoSocket) {
+TEST(Follow, KeepsAFileThatIsNotASocket) {
     kestrel::testing::write_file(socket_path(), "precious");
     const Outcome outcome = kestrel_log({"follow"});
     EXPECT_EQ(outcome.status, 1);
@@ -118,15 +118,15 @@ TEST(Follow, LeavesAFileThatIsNoSocket) {
     EXPECT_EQ(kestrel::testing::file_content(socket_path()), "precious");
 }
 
-TEST(Follow, SaysWhenThereIsNoHomeDirectory) {
+TEST(Follow, ReportsAMissingHomeDirectory) {
     kestrel::testing::write_file(kestrel::testing::home() + "/file", "");
     setenv("HOME", (kestrel::testing::home() + "/file").c_str(), 1);
     const Outcome outcome = kestrel_log({"follow"});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.error, "kestrel-log: there is no home directory to listen in\n");
+    EXPECT_EQ(outcome.error, "kestrel-log: cannot listen: there is no home directory\n");
 }
 
-TEST(Follow, LeavesASocketThatHasTakenItsPlace) {
+TEST(Follow, KeepsASocketThatReplacedIts) {
     Viewer viewer;
     std::filesystem::remove(socket_path());
     const kestrel::testing::FakeDaemon daemon;

@@ -1,4 +1,4 @@
-// The built kestrel-log as a viewer of the lines that other processes write, and such processes.
+// A running `kestrel-log follow`, and processes that write lines to it.
 #pragma once
 
 #include <cstdint>
@@ -10,10 +10,10 @@
 
 namespace kestrel::testing {
 
-// Where a viewer listens, in a directory that exists.
+// The socket of the viewer, in an existing directory.
 std::string socket_path();
 
-// A viewer that listens.
+// A listening viewer.
 class Viewer : public Program {
   public:
     explicit Viewer(const std::vector<std::string>& arguments = {"follow"});
@@ -21,24 +21,24 @@ class Viewer : public Program {
     const std::string greeting;
 };
 
-// Has a process of this name write one line.
+// Writes one line from a new process of this name.
 void log_as(const char* process, std::uint32_t log_class, int level, const char* text);
 
-// A connection to the viewer that sends any bytes.
+// A connection to the viewer that sends arbitrary bytes.
 class RawProcess {
   public:
     RawProcess();
 
     void send_bytes(const std::string& bytes) const;
 
-    // Whether the viewer has hung up.
+    // Whether the viewer has closed the connection.
     bool is_dropped() const;
 
   private:
     FileDescriptor socket_;
 };
 
-// A line as it goes to the daemon, written by thread 7 when time began.
+// A serialised log record of thread 7 at time 0.
 std::string log_record(const std::string& text, char level = 4, char log_class = 41);
 
 }  // namespace kestrel::testing
