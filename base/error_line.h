@@ -4,8 +4,8 @@
 
 namespace kestrel {
 
-// Writes `text` to standard error in one piece, so that lines of two threads never mix. The text
-// carries its own newline. errno is kept. Any thread.
+// Writes `text`, which includes its newline, to standard error as one unit: lines of two threads do
+// not interleave. Keeps errno. Any thread.
 void error_line(std::string_view text);
 
 }  // namespace kestrel

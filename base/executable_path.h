@@ -4,7 +4,7 @@
 
 namespace kestrel {
 
-// The path of the running program, cut to 4,095 bytes; "" when it cannot be read. Any thread.
+// The path of the running program, truncated to 4,095 bytes; "" on failure. Any thread.
 std::string executable_path();
 
 }  // namespace kestrel

@@ -8,8 +8,8 @@
 
 namespace kestrel {
 
-// An open file, closed at the end of its scope; -1 when opening failed. Closing keeps errno, so
-// that the error of an earlier call can still be read.
+// Owner of a file descriptor; -1 if opening failed. Closing keeps errno, so that the error of an
+// earlier call can still be read.
 class FileDescriptor {
   public:
     FileDescriptor() = default;

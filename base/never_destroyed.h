@@ -1,8 +1,8 @@
 // Storage for an exported object that must outlive static destruction.
 //
-// The web process leaves through exit() while the detached reader thread is alive, so an object
-// that the reader may touch must never be destroyed. Exported class members must keep their plain
-// type for other programs, so the storage is defined under the member's linker name instead:
+// The web process calls exit() while the detached reader thread is running, so an object that the
+// reader may access must never be destroyed. Exported class members must keep their plain type for
+// other programs, so the storage is defined under the member's linker name instead:
 //
 //     class Link { static std::string name; };
 //     [[gnu::visibility("default")]] kestrel::NeverDestroyed<std::string>

@@ -9,8 +9,8 @@
 namespace kestrel {
 namespace {
 
-// Entries grow with what directory services put into them: start small, and give up only where a
-// broken service asks for ever more.
+// Directory services may return long entries. The limit is for a broken service that always asks
+// for more.
 constexpr std::size_t kFirstBuffer = 1'024;
 constexpr std::size_t kLargestBuffer = 1'048'576;
 

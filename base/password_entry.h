@@ -4,7 +4,7 @@
 
 namespace kestrel {
 
-// What the password database says of a user; empty texts for one that it does not know.
+// A user's entry in the password database; the fields are empty if there is none.
 struct PasswordEntry {
     std::string name;
     std::string home;

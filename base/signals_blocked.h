@@ -6,8 +6,8 @@
 
 namespace kestrel {
 
-// Keeps every signal from the calling thread for its lifetime. A thread that is started meanwhile
-// never gets any.
+// Blocks all signals in the calling thread while it exists. A thread that is started meanwhile
+// inherits this.
 class SignalsBlocked {
   public:
     SignalsBlocked() {

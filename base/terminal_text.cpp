@@ -14,7 +14,8 @@ struct CharacterRange {
     char32_t last;
 };
 
-// Controls, and characters that show nothing, end a line or change the direction of writing.
+// Control characters, and characters that are invisible, end a line or change the direction of
+// writing.
 constexpr auto kUnprintable = std::to_array<CharacterRange>({
     {0x00, 0x1f},
     {0x7f, 0x9f},
@@ -64,9 +65,10 @@ std::string shown(std::string_view bytes, const Utf8Character& character, Style 
     return is_control && !is_quoted ? hex_bytes(bytes) : format("\\u{%x}", character.code);
 }
 
-// Moves one character, or one byte that belongs to none, from the front of `text` to `to`.
+// Moves one character, or one byte that is not part of a character, from the front of `text` to
+// `to`.
 void show_next(std::string_view& text, Style style, std::string& to) {
-    const Utf8Character character = first_character(text);
+    const Utf8Character character = first_utf8_character(text);
     const std::size_t size = std::max<std::size_t>(character.size, 1);
     to += shown(text.substr(0, size), character, style);
     text.remove_prefix(size);

@@ -1,5 +1,5 @@
-// Text of unknown origin for a terminal: what does not print, ends a line, or changes the direction
-// of writing is escaped.
+// Escapes untrusted text for a terminal: characters that do not print, end a line, or change the
+// direction of writing.
 #pragma once
 
 #include <cstddef>

@@ -5,11 +5,11 @@
 namespace kestrel {
 namespace {
 
-// How a character's first byte looks, by the character's size.
+// The lead byte of a sequence, by the sequence's size.
 struct Lead {
     unsigned mask;
     unsigned bits;
-    char32_t smallest;  // whatever is below it has a shorter form
+    char32_t smallest;  // codes below it have a shorter form
 };
 
 constexpr std::array<Lead, 4> kLeads{{
@@ -28,7 +28,7 @@ constexpr bool is_character(char32_t code, const Lead& lead) {
 
 }  // namespace
 
-Utf8Character first_character(std::string_view text) {
+Utf8Character first_utf8_character(std::string_view text) {
     for (std::size_t size = 1; size <= kLeads.size() && size <= text.size(); ++size) {
         const Lead& lead = kLeads[size - 1];
         if ((byte_of(text[0]) & lead.mask) != lead.bits) continue;
@@ -45,7 +45,7 @@ Utf8Character first_character(std::string_view text) {
 
 bool is_utf8(std::string_view text) {
     while (!text.empty()) {
-        const std::size_t size = first_character(text).size;
+        const std::size_t size = first_utf8_character(text).size;
         if (size == 0) return false;
         text.remove_prefix(size);
     }

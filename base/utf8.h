@@ -6,13 +6,13 @@
 namespace kestrel {
 
 struct Utf8Character {
-    std::size_t size;  // bytes; 0 where no character begins
+    std::size_t size;  // bytes; 0 if invalid
     char32_t code;
 };
 
-// The character that `text` begins with. Size 0 for "" and for bytes that are no character:
-// incomplete, longer than need be, a surrogate, or above U+10FFFF.
-Utf8Character first_character(std::string_view text);
+// Decodes the first character. Size 0 for "" and for invalid bytes: an incomplete or overlong
+// sequence, a surrogate, or a code above U+10FFFF.
+Utf8Character first_utf8_character(std::string_view text);
 
 bool is_utf8(std::string_view text);
 

@@ -17,6 +17,7 @@
 
 #include "benchmarks/repeated.h"
 #include "ipc/frame.h"
+#include "ipc/frame_builder.h"
 #include "ipc/webkit_client.h"
 #include "ipc/webkit_util.h"
 

@@ -19,8 +19,8 @@ if(KESTREL_WERROR)
   add_compile_options(-Werror)
 endif()
 
-# As Debian hardens its packages; tests/architecture looks at what comes out. Without optimisation
-# glibc has no checked functions to offer, and the sanitizers check for themselves.
+# Debian's hardening flags; tests/architecture checks the result. glibc's checked functions need
+# optimisation; the sanitizers have checks of their own.
 add_compile_options(-fstack-protector-strong -Wformat -Werror=format-security)
 if(NOT KESTREL_SANITIZE)
   add_compile_options($<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE>
@@ -34,7 +34,7 @@ if(KESTREL_SANITIZE)
   add_link_options(-fsanitize=${KESTREL_SANITIZE})
 endif()
 
-# A part of the project as the static library kestrel-NAME; headers are included from the root.
+# Builds a subsystem as the static library kestrel-NAME; headers are included from the root.
 function(kestrel_subsystem name)
   cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "SOURCES;LINKS")
   add_library(kestrel-${name} STATIC ${ARG_SOURCES})

@@ -1,5 +1,5 @@
-# What is installed beside the programs, which their folders install: the library, the headers of its
-# interface, how other builds find both, and what belongs to the authors of pages.
+# Installs the library, its public headers, its pkg-config file and CMake package, and the files for
+# authors of pages. The programs' folders install the programs.
 include(CMakePackageConfigHelpers)
 
 set(public_headers
@@ -7,7 +7,6 @@ set(public_headers
   ipc/protocol.h
   ipc/webkit_client.h
   ipc/webkit_util.h
-  jsapi/KsJS_proxy.h
   log/zynlog.h
   log/zynlog_config.h
   log/zynlog_paths.h)
@@ -16,25 +15,21 @@ foreach(header IN LISTS public_headers)
   install(FILES ${header}
           DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${PROJECT_NAME}/${folder})
 endforeach()
+# Its installed path does not follow the source folder.
+install(FILES extension/KsJS_proxy.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${PROJECT_NAME}/jsapi)
 
-# Alone in its directory: WebKit loads every library that it finds there. It stays a module, without
-# soname: programs that link it name the file and its directory, as the pkg-config file does.
+# Alone in its directory, because WebKit loads every library in it. A module without soname: programs
+# that link it name the file and its directory, as the pkg-config file does.
 set(webextensiondir ${CMAKE_INSTALL_LIBDIR}/${PROJECT_NAME}/web-extensions)
 install(TARGETS kestrel-extension LIBRARY DESTINATION ${webextensiondir})
 
-# Written when installing, as only then the prefix is known: cmake --install takes another one.
-# A directory that is absolute already stays as it is.
-set(libdir "\${prefix}")
-set(includedir "\${prefix}")
-cmake_path(APPEND libdir ${CMAKE_INSTALL_LIBDIR})
-cmake_path(APPEND includedir ${CMAKE_INSTALL_INCLUDEDIR})
-install(CODE "
-  set(libdir [[${libdir}]])
-  set(includedir [[${includedir}]])
-  set(PROJECT_VERSION ${PROJECT_VERSION})
-  set(KESTREL_WEBKIT_API ${KESTREL_WEBKIT_API})
-  configure_file(${PROJECT_SOURCE_DIR}/cmake/kestrel-extension.pc.in
-                 ${PROJECT_BINARY_DIR}/kestrel-extension.pc @ONLY)")
+# The paths in the pkg-config file are relative to it, so that the prefix can be moved. pkg-config
+# escapes blanks in its own directory; absolute paths would have to be escaped here.
+file(RELATIVE_PATH prefix_from_pc "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+file(RELATIVE_PATH includedir_from_pc "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig"
+     "${CMAKE_INSTALL_FULL_INCLUDEDIR}")
+configure_file(cmake/kestrel-extension.pc.in ${PROJECT_BINARY_DIR}/kestrel-extension.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/kestrel-extension.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
@@ -49,12 +44,12 @@ install(FILES ${PROJECT_BINARY_DIR}/kestrel-extension-config.cmake
               ${PROJECT_BINARY_DIR}/kestrel-extension-config-version.cmake
         DESTINATION ${config_directory})
 
-# For the authors of pages: the workbench opens this store when it is given no page.
+# The workbench's default page.
 install(DIRECTORY examples/store DESTINATION ${CMAKE_INSTALL_DATADIR}/${PROJECT_NAME})
 install(DIRECTORY types DESTINATION ${CMAKE_INSTALL_DATADIR}/${PROJECT_NAME}
         FILES_MATCHING PATTERN *.d.ts PATTERN package.json PATTERN README.md)
 
-# The documents as they lie in the source tree, so that their links hold.
+# With the layout of the source tree, so that links between documents work.
 install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
         FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.svg PATTERN man EXCLUDE)

@@ -12,7 +12,7 @@ namespace {
 // libcap is loaded, not linked, so that programs start without it; the newest version first.
 constexpr std::array kLibraries = {"libcap.so.2", "libcap.so.1"};
 
-// Clears everything, then gives back the two.
+// Drops all capabilities except these two.
 constexpr const char* kReducedSet = "= cap_dac_override+ep cap_dac_read_search+p";
 
 struct Unload {
@@ -41,7 +41,7 @@ int LinuxCommonUtils::drop_capability() {
     if (geteuid() != 0) return 0;
 
     Library library = load_libcap();
-    // libcap's capability sets are opaque pointers. The first function missing ends the search.
+    // libcap's capability sets are opaque pointers. The search ends at the first missing function.
     auto* const from_text =
         library ? resolve<void*(const char*)>(library, "cap_from_text") : nullptr;
     auto* const set_proc = from_text ? resolve<int(void*)>(library, "cap_set_proc") : nullptr;

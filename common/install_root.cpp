@@ -13,7 +13,7 @@
 
 namespace {
 
-// Programs of the client family that every complete installation holds, in the order tested.
+// Programs that every complete installation contains, in the order tested.
 constexpr std::array kRootMarkers = {"KeyWardenDaemon", "ServiceLedger", "PrimaryKeyWarden",
                                      "util/catalook"};
 
@@ -58,7 +58,7 @@ bool LinuxCommonUtils::ifFileExists(std::string& path) {
     return stat(path.c_str(), &status) == 0;
 }
 
-// The root comes by value because the exported signature says so.
+// By value: the exported signature requires it.
 bool LinuxCommonUtils::ifValidQUOROOT(std::string root) {  // NOLINT
     if (root.empty()) return false;
     for (const char* marker : kRootMarkers) {

@@ -15,14 +15,14 @@ bool is_trusted_link(const struct stat& status) {
     return S_ISLNK(status.st_mode) && (status.st_uid == 0 || status.st_uid == geteuid());
 }
 
-// Opened before it is looked at: another user may replace it in a shared directory such as /tmp,
-// where only the owner can replace a link.
+// Opened before it is checked: in a shared directory such as /tmp another user may replace it, but
+// only the owner can replace a link.
 FileDescriptor open_top(const std::string& path) {
     FileDescriptor top(open(path.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     struct stat status {};
     if (!top.is_open() || fstat(top.get(), &status) == -1) return FileDescriptor(-1);
     if (is_trusted_link(status)) return FileDescriptor(open(path.c_str(), kDirectory));
-    return top;  // not a directory if it is another link: nothing can be opened below it
+    return top;  // any other link is not a directory: nothing can be opened below it
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 
 namespace kestrel::utilities {
 
-// The platform this library is built for, as the client family names it.
+// The client family's name of the platform that this library is built for.
 #if defined(__x86_64__)
 inline constexpr std::string_view kPlatformName = "linux64";
 #elif defined(__i386__)
@@ -13,7 +13,7 @@ inline constexpr std::string_view kPlatformName = "linux";
 inline constexpr std::string_view kPlatformName = "armhf";
 #endif
 
-// The directory, and the suffix of version files, that belongs to a platform name.
+// The name of a platform's directory, also the suffix of its version files.
 constexpr std::string_view platform_directory(std::string_view platform) {
     if (platform == "linux" || platform == "x86") return "linuxx86";
     if (platform == "linux64" || platform == "x64") return "linuxx64";

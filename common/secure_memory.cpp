@@ -2,7 +2,7 @@
 
 void LinuxCommonUtils::SecureZeroMemory(void* memory, std::size_t size) {
     if (memory == nullptr) return;
-    // Volatile stores are kept even when the memory is released right after.
+    // The compiler keeps volatile stores even if the memory is freed right after.
     auto* byte = static_cast<volatile unsigned char*>(memory);
     while (size-- > 0) *byte++ = 0;
 }

@@ -22,11 +22,11 @@ using kestrel::utilities::open_below;
 
 enum class LockState { kFailed, kStale, kRunning, kOwned };
 
-// Another user may have put a FIFO there when the scratch directory is a shared one: opening must
-// not wait for its other end.
-constexpr int kSafely = O_CLOEXEC | O_NONBLOCK;
+// In a shared scratch directory another user may have created a FIFO of that name: opening it must
+// not block.
+constexpr int kNonBlocking = O_CLOEXEC | O_NONBLOCK;
 
-// A file that has a second name may be any file of this user. Reading a directory fails by itself.
+// A file with a second hard link may be any file of this user. Reading a directory fails anyway.
 bool may_be_a_lock(int fd) {
     struct stat status {};
     if (fstat(fd, &status) == -1) return false;
@@ -38,8 +38,8 @@ LockState failure(const std::string& what) {
     return LockState::kFailed;
 }
 
-// Holds the lock on an open file. A child forked meanwhile by another thread shares the lock, so
-// that closing alone would not give it back.
+// Locks an open file. A child that another thread forks meanwhile shares the lock, so closing the
+// file would not release it.
 class FileLock {
   public:
     explicit FileLock(int fd) : fd_(fd), is_held_(flock(fd, LOCK_EX) == 0) {}
@@ -56,7 +56,7 @@ class FileLock {
     bool is_held_;
 };
 
-// Up to its first newline: normally all of it, with the NULs that separate the arguments.
+// Up to the first newline: normally all of it, including the NULs between the arguments.
 std::string command_line(const std::string& process) {
     std::ifstream file("/proc/" + process + "/cmdline");
     std::string line;
@@ -65,7 +65,7 @@ std::string command_line(const std::string& process) {
 }
 
 LockState read_lock(const std::string& scratch, const std::string& name) {
-    const FileDescriptor file = open_below(scratch, name, O_RDONLY | kSafely);
+    const FileDescriptor file = open_below(scratch, name, O_RDONLY | kNonBlocking);
     if (!file.is_open()) return errno == ENOENT ? LockState::kStale : LockState::kFailed;
     if (!may_be_a_lock(file.get())) return LockState::kFailed;
     const FileLock lock(file.get());
@@ -74,14 +74,14 @@ LockState read_lock(const std::string& scratch, const std::string& name) {
     std::int32_t owner = 0;
     const ssize_t size = read(file.get(), &owner, sizeof owner);
     if (size == -1) return failure("reading error for lock file: ");
-    // Zero and negative ids would make kill ask for whole process groups.
+    // kill() takes zero and negative ids for process groups.
     if (size != sizeof owner || owner <= 0 || kill(owner, 0) == -1) return LockState::kStale;
     return command_line("self") == command_line(std::to_string(owner)) ? LockState::kRunning
                                                                        : LockState::kStale;
 }
 
 LockState take_lock(const std::string& scratch, const std::string& name) {
-    const FileDescriptor file = open_below(scratch, name, O_RDWR | O_CREAT | kSafely, 0700);
+    const FileDescriptor file = open_below(scratch, name, O_RDWR | O_CREAT | kNonBlocking, 0700);
     if (!file.is_open()) return failure("error opening write : ");
     if (!may_be_a_lock(file.get())) return LockState::kFailed;
     const FileLock lock(file.get());
@@ -94,9 +94,9 @@ LockState take_lock(const std::string& scratch, const std::string& name) {
 
 }  // namespace
 
-// The name comes by value because the exported signature says so.
+// By value: the exported signature requires it.
 bool LinuxCommonUtils::IsAnotherInstanceRunning(std::string name) {  // NOLINT
-    const std::string program = name.substr(0, name.find('\0'));     // as every path
+    const std::string program = name.substr(0, name.find('\0'));     // as in every path
     const std::string scratch = getUserTmpDir();
     const std::string file = "." + program + ".lock";
 

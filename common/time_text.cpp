@@ -11,12 +11,12 @@ namespace {
 
 constexpr std::size_t kBufferSize = 256;
 
-// The local time as `format` says. "" when strftime makes nothing of it; errno then tells whether
+// The local time in the given format. "" if strftime produces nothing; errno then tells whether
 // that was an error.
 std::string time_text(const char* format) {
     const std::time_t now = std::time(nullptr);
     std::tm fields{};
-    tzset();  // localtime_r alone need not heed a TZ that has changed
+    tzset();  // localtime_r may ignore a changed TZ
     localtime_r(&now, &fields);
     std::array<char, kBufferSize> buffer{};
     errno = 0;
@@ -43,6 +43,6 @@ std::time_t LinuxCommonUtils::ConvertStringToTime(const char* text, const char* 
     const std::string start(text, strnlen(text, kBufferSize - 1));
     std::tm fields{};
     strptime(start.c_str(), format, &fields);
-    fields.tm_isdst = -1;  // the text does not say; the time zone's rules do
+    fields.tm_isdst = -1;  // unknown: the time zone's rules decide
     return std::mktime(&fields);
 }

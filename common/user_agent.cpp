@@ -21,7 +21,7 @@ std::wstring widened(const char* text) {
     return wide ? wide.get() : L"";
 }
 
-// A part of a product token together with the slash before it, or nothing.
+// "/" and the part; "" if the part is empty.
 template <typename Text>
 Text with_slash(const Text& part) {
     if (part.empty()) return part;
@@ -37,9 +37,9 @@ std::wstring LinuxCommonUtils::GetOsVersion() {
     return uname(&system) == 0 ? widened(system.release) : L"";
 }
 
-// Not the logging client's version search. This one is told to servers: it must be the version of
-// the build that is running, of this platform, and follow an update at once. The log's only labels
-// lines: any platform's file under its own install root will do, for the life of the process.
+// Differs from the logging client's version search. Servers get this version: it must be the one of
+// the running build and platform, and change with an update. The logging client accepts any
+// platform's file under its own install root, and caches it.
 std::wstring LinuxCommonUtils::GetPorticoVersionFromQuoroot() {
     std::ifstream file(
         getQUOROOT() + "/pkginf/Ver.core." +
@@ -57,13 +57,13 @@ std::wstring LinuxCommonUtils::GetTarnUserAgent() {
            with_slash(GetOsVersion()) + L" M4Class TarnCapable";
 }
 
-// The source comes by value because the exported signature says so.
+// By value: the exported signature requires it.
 std::string LinuxCommonUtils::GetTarnLaunchSourceUserAgentString(std::string source) {  // NOLINT
     const std::string version = WCharToChar(GetPorticoVersionFromQuoroot().c_str());
     return (source.empty() ? "Tarn" : source) + with_slash(version);
 }
 
-// The text comes by value because the exported signature says so, and may then also be `name`.
+// By value: the exported signature requires it. `userAgent` may therefore be `name`, too.
 void LinuxCommonUtils::GetWebkitUserAgentParamters(std::string userAgent,  // NOLINT
                                                    std::string& name, std::string& version) {
     const std::size_t slash = userAgent.rfind('/');

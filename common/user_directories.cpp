@@ -13,7 +13,7 @@ namespace {
 
 constexpr mode_t kPrivate = 0700;
 
-// Whether `path` exists now; if not, says on standard error which directory could not be made.
+// False, with a message on standard error, if `path` does not exist and cannot be created.
 bool make_directory(const std::string& path, const std::string& what) {
     if (mkdir(path.c_str(), kPrivate) == 0 || errno == EEXIST) return true;
     const std::string line = "Failed to create " + what + " directory inside user home directory." +

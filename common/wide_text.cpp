@@ -33,7 +33,7 @@ wchar_t* LinuxCommonUtils::CharToWChar(const char* text) {
     const std::size_t length = std::mbstowcs(nullptr, text, 0);
     if (length == kFailed) report_error();
 
-    // Nothing of an unreadable text is converted, but the caller still gets a terminated one.
+    // The result for an invalid text is "".
     const std::size_t room = length == kFailed ? 0 : length + 1;
     auto* const wide =
         static_cast<wchar_t*>(std::calloc(std::max<std::size_t>(room, 1), sizeof(wchar_t)));

@@ -1,6 +1,8 @@
-// What must hold of the sample store, by clicking through it:
+// Checks the sample store by clicking through it:
 // kestrel-workbench --headless --page examples/store/index.html --script examples/store-check.js
-const {expect, until} = workbench;
+const {expect} = workbench;
+// A busy machine takes longer than the five seconds that are the default.
+const until = (condition, text) => workbench.until(condition, text, 20000);
 const find = (selector) => document.querySelector(selector);
 const all = (selector) => [...document.querySelectorAll(selector)];
 const card = (id) => find(`.card[data-id="${CSS.escape(id)}"]`);
@@ -13,36 +15,37 @@ function search(words) {
   find('#search').dispatchEvent(new Event('input'));
 }
 
-// Everybody starts with the same applications.
-await until(() => all('.card.mine').length === 3, 'the required applications are mine');
+// The required applications are subscribed from the start.
+await until(() => all('.card.mine').length === 3, 'the required applications are subscribed');
 await until(() => find('#store-name').textContent !== '', 'the store shows its name');
 
 // Search.
 search('draw');
-expect(shownIds() === 'easel', 'a search shows what answers to it');
+expect(shownIds() === 'easel', 'a search shows matching applications');
 search('nothing has such a name');
-expect(!find('#nothing').hidden, 'a search without result says so');
+expect(!find('#nothing').hidden, 'a search without results shows a message');
 search('');
 
 // Subscriptions and their order.
 card('atlas').querySelector('.subscribe').click();
-await until(() => card('atlas').matches('.mine'), 'a click on "Subscribe" makes Atlas mine');
+await until(() => card('atlas').matches('.mine'), 'a click on "Subscribe" subscribes to Atlas');
 openCategory('mine');
-expect(shownIds() === 'letters,agenda,notebook,atlas', 'the newest of mine comes last');
+expect(shownIds() === 'letters,agenda,notebook,atlas', 'the newest subscription comes last');
 card('atlas').querySelector('.earlier').click();
-expect(shownIds() === 'letters,agenda,atlas,notebook', 'a button moves it towards the front');
+expect(shownIds() === 'letters,agenda,atlas,notebook', 'the button moves it forward');
 find('#refresh').click();
-await until(hasToast(/^Refreshed$/), 'the store asks the host again');
+await until(hasToast(/^Refreshed$/), 'the store reloads from the host');
 expect(shownIds() === 'letters,agenda,atlas,notebook', 'the host has kept the order');
 card('atlas').querySelector('.unsubscribe').click();
-await until(() => !card('atlas'), 'a click on the cross ends the subscription');
+await until(() => !card('atlas'), 'a click on the cross unsubscribes');
 
-// What cannot be done is said.
+// Failures are shown.
 card('letters').querySelector('.launch').click();
-await until(hasToast(/^Letters was not started: ./), 'the store tells why nothing has started');
+await until(hasToast(/^Letters was not started: ./), 'the store shows why nothing was started');
 openCategory('discover');
 find('.document').click();
-await until(hasToast(/^Budget 2027.csv was not opened: ./), 'it tells why no document is opened');
+await until(hasToast(/^Budget 2027.csv was not opened: ./),
+            'the store shows why no document was opened');
 
 // Settings.
 find('#open-settings').click();
@@ -51,5 +54,5 @@ find('[name=theme][value=dark]').click();
 expect(document.documentElement.dataset.theme === 'dark', 'the dark theme is shown');
 find('#diagnostics').click();
 await until(() => /^No answer: ./.test(find('#client-answer').textContent),
-            'a server that refuses is told of');
+            'a refused connection is shown');
 find('#settings').close();

@@ -7,10 +7,8 @@
 #include <vector>
 
 #include "base/never_destroyed.h"
-#include "extension/callback_evaluation.h"
 #include "extension/microtasks.h"
 #include "extension/page_globals.h"
-#include "jsapi/argument_text.h"
 
 namespace kestrel {
 namespace {
@@ -40,7 +38,7 @@ std::vector<AttachedPage>& attached_pages() {
 
 constinit std::atomic<PageId> current_id = 0;
 
-// The plain function interface of the API; its replacement returns a JSC object we have no use for.
+// Deprecated for a function that returns a JSC object, which we do not need.
 JSGlobalContextRef context_of(WebKitFrame* frame) {
     G_GNUC_BEGIN_IGNORE_DEPRECATIONS
     return webkit_frame_get_javascript_global_context(frame);
@@ -49,12 +47,10 @@ JSGlobalContextRef context_of(WebKitFrame* frame) {
 
 void set_context(JSGlobalContextRef context) {
     if (context == jsContext) return;
-    forget_named_callback();
-    if (jsContext != nullptr) forget_kept_texts(jsContext);
     const RetainedContext previous(jsContext);
     jsContext = context == nullptr ? nullptr : JSGlobalContextRetain(context);
     globalObject = context == nullptr ? nullptr : JSContextGetGlobalObject(context);
-    set_microtask_context(context);
+    forget_microtask_context();
 }
 
 void set_globals() {

@@ -11,11 +11,11 @@
 
 #include "base/error_line.h"
 #include "common/LinuxCommonUtils.h"
+#include "extension/KsJS_proxy.h"
 #include "extension/page_attachment.h"
 #include "extension/page_globals.h"
 #include "extension/resources.h"
 #include "ipc/webkit_client.h"
-#include "jsapi/KsJS_proxy.h"
 #include "log/zynlog.h"
 #include "trace/frame_trace.h"
 
@@ -23,7 +23,7 @@ namespace {
 
 constexpr const char* kTextDomain = "kestrel";
 
-// What the host passed: install root, then resources. What is missing stays empty.
+// The host passes the install root, then the resources. Missing strings stay empty.
 void read_user_data(GVariant* user_data) {
     if (user_data == nullptr || !g_variant_is_of_type(user_data, G_VARIANT_TYPE("as"))) return;
     const std::size_t count = g_variant_n_children(user_data);
@@ -46,7 +46,7 @@ void bind_catalogue() {
     textdomain(kTextDomain);
 }
 
-// errno is kept, for perror.
+// Keeps errno, for perror.
 bool exists(std::string& path) {
     const int saved_errno = errno;
     const bool result = LinuxCommonUtils::ifFileExists(path);
@@ -58,12 +58,12 @@ bool exists(std::string& path) {
 
 extern "C" [[gnu::visibility("default")]] void webkit_web_extension_initialize_with_user_data(
     WebKitWebExtension* extension, const GVariant* user_data) {
-    // The API's signature has a const that no GVariant function takes.
+    // No GVariant function accepts the const of WebKit's signature.
     read_user_data(const_cast<GVariant*>(user_data));
     bind_catalogue();
     std::string client_directory = LinuxCommonUtils::getHomeDir() + "/.QUOClient";
     const bool has_client_directory = exists(client_directory);
-    // Logging would make the directory, which is the host's to make; without it the start ends.
+    // Logging would create the directory, which the host must create; without it start-up ends.
     if (has_client_directory) ZynLogInit();
     if (extension == nullptr) {
         std::perror("Extension is null\n");

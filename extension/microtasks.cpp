@@ -1,14 +1,15 @@
 #include "extension/microtasks.h"
 
 #include "base/never_destroyed.h"
+#include "extension/page_globals.h"
 #include "extension/retained_context.h"
 #include "jsapi/script_text.h"
 
 namespace kestrel {
 namespace {
 
-// The page sees neither the target nor the event. When its listener returns, WebKit performs a
-// microtask checkpoint, as for any event that is not dispatched by script.
+// When the listener returns, WebKit performs a microtask checkpoint, as for any event that is not
+// dispatched by script.
 constexpr const char* kMakeCheckpoint =
     "(() => {"
     "  const target = new EventTarget();"
@@ -19,7 +20,7 @@ constexpr const char* kMakeCheckpoint =
 
 struct Checkpoint {
     RetainedContext context;
-    JSValueRef function = nullptr;  // protected; null in a context without events
+    JSObjectRef function = nullptr;  // protected
 };
 
 // A failed send on the reader thread runs static destructors while the main thread works on.
@@ -28,25 +29,42 @@ Checkpoint& checkpoint() {
     return checkpoint.object;
 }
 
-}  // namespace
-
-void set_microtask_context(JSGlobalContextRef context) {
-    auto& [shown, function] = checkpoint();
-    if (function != nullptr) JSValueUnprotect(shown.get(), function);
-    function = nullptr;
-    shown.reset(context == nullptr ? nullptr : JSGlobalContextRetain(context));
-    if (!shown) return;
-    function = JSEvaluateScript(context, make_script_string(kMakeCheckpoint).get(), nullptr,
-                                nullptr, 1, nullptr);
-    if (function != nullptr) JSValueProtect(context, function);
+// The context of a script world of our own. It has the page's event loop, but not the page's
+// globals, which the page may have replaced. Null where there is no frame.
+JSGlobalContextRef private_context() {
+    if (web_frame == nullptr) return nullptr;
+    static WebKitScriptWorld* const world = webkit_script_world_new();  // never released
+    G_GNUC_BEGIN_IGNORE_DEPRECATIONS
+    return webkit_frame_get_javascript_context_for_script_world(web_frame, world);
+    G_GNUC_END_IGNORE_DEPRECATIONS
 }
 
+void make_checkpoint() {
+    const JSGlobalContextRef context = private_context();
+    if (context == nullptr) return;
+    const JSValueRef made = JSEvaluateScript(context, make_script_string(kMakeCheckpoint).get(),
+                                             nullptr, nullptr, 1, nullptr);
+    if (made == nullptr) return;
+    JSValueProtect(context, made);
+    checkpoint().context.reset(JSGlobalContextRetain(context));
+    checkpoint().function = JSValueToObject(context, made, nullptr);
+}
+
+}  // namespace
+
 void run_microtasks() {
-    if (checkpoint().function == nullptr) return;
-    // A microtask may leave the page.
+    if (!checkpoint().context) make_checkpoint();
+    if (!checkpoint().context) return;
+    // A microtask may change the page, which clears the cache.
     const RetainedContext context(JSGlobalContextRetain(checkpoint().context.get()));
-    const JSObjectRef dispatch = JSValueToObject(context.get(), checkpoint().function, nullptr);
-    JSObjectCallAsFunction(context.get(), dispatch, nullptr, 0, nullptr, nullptr);
+    JSObjectCallAsFunction(context.get(), checkpoint().function, nullptr, 0, nullptr, nullptr);
+}
+
+void forget_microtask_context() {
+    auto& [context, function] = checkpoint();
+    if (context) JSValueUnprotect(context.get(), function);
+    function = nullptr;
+    context.reset();
 }
 
 }  // namespace kestrel

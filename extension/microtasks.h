@@ -3,15 +3,12 @@
 // several times within one task. Main thread only.
 #pragma once
 
-#include <JavaScriptCore/JavaScript.h>
-
 namespace kestrel {
 
-// Makes `context` the one whose microtasks are run, or none if null. Call it before the page's own
-// script can replace what script offers.
-void set_microtask_context(JSGlobalContextRef context);
-
-// Runs the microtasks that wait in that context's page.
+// Runs the microtasks that wait in the current page.
 void run_microtasks();
+
+// Clears the cache; call when the page changes.
+void forget_microtask_context();
 
 }  // namespace kestrel

@@ -5,10 +5,10 @@
 #include <string>
 #include <string_view>
 
+#include "extension/KsJS_proxy.h"
 #include "extension/current_page.h"
 #include "extension/page_globals.h"
 #include "extension/resources.h"
-#include "jsapi/KsJS_proxy.h"
 #include "log/zynlog.h"
 
 namespace {
@@ -22,7 +22,7 @@ std::string page_locale() {
     return locale;
 }
 
-// The host is trusted: the locale stands between quotes as it is, the resources are an expression.
+// The host is trusted: the locale is put between quotes unescaped, the resources are an expression.
 std::string zyns_script(const std::string& locale, const std::string& resources) {
     constexpr std::string_view kGap = "                  ";
     std::string script = "window.ZYNS = window.ZYNS || {};";

@@ -4,8 +4,8 @@
 
 namespace kestrel {
 
-// Handler of "window-object-cleared": gives the main frame's new page the object `external` and,
-// if resources are waiting, the namespace ZYNS. Other frames get nothing. Main thread.
+// Handler of "window-object-cleared": adds the object `external` to the new page of a main frame
+// and, if there are resources, the namespace ZYNS. Ignores subframes. Main thread.
 void on_window_object_cleared(WebKitScriptWorld* world, WebKitWebPage* page, WebKitFrame* frame,
                               void* user_data);
 

@@ -6,10 +6,8 @@
 #include <span>
 
 #include "base/error_line.h"
-#include "extension/callback_evaluation.h"
 #include "extension/script_function.h"
 #include "ipc/send.h"
-#include "jsapi/KsJS_proxy.h"
 #include "jsapi/script_text.h"
 
 namespace {
@@ -27,8 +25,18 @@ constexpr const char* kCallbackFailed =
     "               KsJS_proxy::szyns_cb_wrapper Error calling JSObjectCallAsFunction cb in "
     "static gboolean KsJS_proxy::szyns_cb_wrapper(std::list<char*>*)\n";
 
-// Script values of an answer's arguments. On the stack, where this object has to be, the collector
-// finds them by itself; on the heap they are protected, which takes more time than to make them.
+// Null when the text throws.
+JSValueRef evaluate(JSContextRef context, const std::string& text) {
+    JSValueRef exception = nullptr;
+    const JSValueRef result = JSEvaluateScript(
+        context, kestrel::make_script_string(text.c_str()).get(), nullptr, nullptr, 1, &exception);
+    kestrel::check_exception(context, exception);
+    return result;
+}
+
+// Script values of an answer's arguments. A few are kept in this object, which must be on the
+// stack, where the collector finds them; more are kept on the heap and protected, which costs more
+// than creating them.
 class ScriptStrings {
   public:
     ScriptStrings(JSContextRef context, std::span<const std::string> texts) : context_(context) {
@@ -72,14 +80,14 @@ void kestrel::run_script(const std::string& script) {
     }
     const JSContextRef context = page.get();
     JSValueRef exception = nullptr;
-    const JSObjectRef function = make_function(context, script, exception);
-    KsJS_proxy::traceExceptionJS(context, exception);
+    const JSObjectRef function = make_function(context, script.c_str(), exception);
+    check_exception(context, exception);
     const JSValueRef result =
         function == nullptr
             ? nullptr
             : JSObjectCallAsFunction(context, function, nullptr, 0, nullptr, &exception);
     if (result == nullptr) error_line(kScriptFailed);
-    KsJS_proxy::traceExceptionJS(context, exception);
+    check_exception(context, exception);
 }
 
 void kestrel::run_script_in(PageId page, const std::string& script) {
@@ -90,11 +98,11 @@ void kestrel::run_script_in(PageId page, const std::string& script) {
     }
 }
 
-// The address sanitizer moves what is on the stack to where the collector does not look.
+// The address sanitizer moves locals to where the collector does not look.
 [[gnu::no_sanitize_address]] void kestrel::deliver_answer(const Answer& answer) {
     const RetainedContext page = current_page_context();
     const JSGlobalContextRef context = page.get();
-    const JSValueRef result = page ? evaluate_callback(context, answer.front().c_str()) : nullptr;
+    const JSValueRef result = page ? evaluate(context, answer.front()) : nullptr;
     if (result == nullptr || !JSValueIsObject(context, result)) {
         error_line(kNoCallback);
         return;

@@ -17,8 +17,8 @@ void run_script_in(PageId page, const std::string& script);
 // A callback's text, then its arguments.
 using Answer = std::vector<std::string>;
 
-// Evaluates the callback in the current page and calls the function it gives with the arguments,
-// then tells the host. An error line, and nothing to the host, when it gives no object.
+// Evaluates the callback in the current page, calls the result with the arguments and tells the
+// host. An error line, and nothing to the host, if the result is not an object.
 void deliver_answer(const Answer& answer);
 
 }  // namespace kestrel

@@ -4,8 +4,6 @@
 
 #include <cstdarg>
 
-#include "base/never_destroyed.h"
-
 constinit WebKitFrame* web_frame = nullptr;
 constinit WebKitScriptWorld* web_world = nullptr;
 constinit JSGlobalContextRef jsContext = nullptr;
@@ -15,10 +13,9 @@ constinit const char* g_quoroot = "";
 constinit const char* g_resources = "";
 
 constinit std::mutex mut;
-[[gnu::visibility("default")]] kestrel::NeverDestroyed<std::condition_variable> con_storage asm(
-    "con");
+std::condition_variable con;
 constinit int cl = 0;
-[[gnu::visibility("default")]] kestrel::NeverDestroyed<std::string> file_url_storage asm("fileURL");
+std::string fileURL;
 constinit bool fileURL_bool = false;
 
 JSGlobalContextRef getJsContext() { return jsContext; }

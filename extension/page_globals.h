@@ -1,5 +1,5 @@
-// The exported globals of the page's side. Programs that link the library read them by these plain
-// names; the page's own are written on the main thread only.
+// Exported globals under plain names, for programs that link the library. The main thread writes
+// those of the page.
 #pragma once
 
 #include <JavaScriptCore/JavaScript.h>
@@ -11,15 +11,14 @@
 
 #pragma GCC visibility push(default)
 
-// The main frame last attached. Retained while they are the current ones.
+// The current page: see extension/current_page.h. Null while there is none.
 extern WebKitFrame* web_frame;
 extern WebKitScriptWorld* web_world;
 extern JSGlobalContextRef jsContext;
 extern JSObjectRef globalObject;
 
 // The install root and the resources text for the next page, never null. g_quoroot lives as long
-// as the process, a text in g_resources until the next page or the next type-34 message takes its
-// place.
+// as the process, a text in g_resources until the next page or the next type-34 message.
 extern const char* g_quoroot;
 extern const char* g_resources;
 
@@ -33,10 +32,10 @@ extern "C" {
 
 extern std::string fileURL;
 
-// jsContext: null until a page is attached. Main thread.
+// jsContext. Main thread.
 JSGlobalContextRef getJsContext();
 
-// Passes a printf format and its arguments on to syslog at LOG_DEBUG. Any thread.
+// Writes a line to syslog at LOG_DEBUG, as printf. Any thread.
 [[gnu::format(printf, 1, 2)]] void printLog(const char* format, ...);
 }
 

@@ -11,8 +11,8 @@ namespace {
 
 constinit std::mutex lock;
 
-// What g_resources points to, if it is a copy of ours. Other programs may point it at texts of
-// their own, which are never freed here. Not destroyed: the reader outlives static destruction.
+// What g_resources points to if it is our copy: other programs may point it at texts of their own,
+// which are not freed here. Never destroyed: the reader outlives static destruction.
 constinit char* owned = nullptr;
 
 void replace(char* copy, const char* text) {

@@ -1,5 +1,5 @@
-// The resources text on its way from the host to the next page. It is handed over through the
-// exported g_resources; the reader thread sets it and the main thread takes it.
+// The resources text for the next page, in the exported g_resources. The reader thread or the main
+// thread sets it, the main thread takes it.
 #pragma once
 
 #include <string>
@@ -7,10 +7,10 @@
 
 namespace kestrel {
 
-// Makes `text` the resources of the next page. Any thread.
+// Sets the resources of the next page. Any thread.
 void set_resources(std::string_view text);
 
-// The resources, which are consumed by this: g_resources is empty afterwards. Any thread.
+// Returns the resources and clears them. Any thread.
 std::string take_resources();
 
 }  // namespace kestrel

@@ -11,7 +11,7 @@ struct ContextDeleter {
     void operator()(JSGlobalContextRef context) const { JSGlobalContextRelease(context); }
 };
 
-// A script context that stays alive, whatever the script that runs in it does to its page.
+// A reference to a script context: script may close or leave the page that it runs in.
 using RetainedContext = std::unique_ptr<std::remove_pointer_t<JSGlobalContextRef>, ContextDeleter>;
 
 }  // namespace kestrel

@@ -5,6 +5,8 @@
 #include <cstring>
 #include <utility>
 
+#include "ipc/items.h"
+
 namespace kestrel {
 
 Frame FrameAssembler::next(std::span<const char>& bytes) {

@@ -1,5 +1,4 @@
-// Frames out of a byte stream that comes in pieces of any size, for an end that must not wait for
-// the rest of a frame.
+// Incremental frame parser for non-blocking sockets.
 #pragma once
 
 #include <cstddef>
@@ -18,22 +17,23 @@ struct FrameLimits {
 
 class FrameAssembler {
   public:
-    // A frame over the limits is refused before anything is allocated for it.
+    // A frame over the limits is rejected before anything is allocated for it.
     explicit FrameAssembler(FrameLimits limits) : limits_(limits) {}
 
-    // Takes bytes off the front of `bytes`: to the end of the current frame, which is returned, or
-    // all of them if they do not complete it. Null after a fault, and nothing is taken then.
+    // Consumes bytes from the front of `bytes`: up to the end of the current frame, which is
+    // returned, or all of them if they do not complete it. After a fault it returns null and
+    // consumes nothing.
     Frame next(std::span<const char>& bytes);
 
-    // Why the stream cannot be followed any further: a header that is impossible or over the limit.
-    // "" while there is no fault. Once there is one, it stays.
+    // Why the stream cannot be parsed any further: an impossible header, or one over the limits. ""
+    // while there is no fault; permanent.
     std::string_view fault() const { return fault_; }
 
-    // Whether part of a frame has been taken.
+    // Whether part of a frame has been consumed.
     bool is_inside_frame() const { return taken_ > 0; }
 
   private:
-    // Moves what it can from `bytes` to the block at `to`; true when that is full.
+    // Moves bytes from `bytes` to the block at `to`; true when that is full.
     bool fill(char* to, std::size_t size, std::span<const char>& bytes);
     std::string_view fault_of(const webkit_message& header) const;
     void begin_payload();

@@ -20,7 +20,7 @@ inline constexpr std::size_t kMaxFrame = 0x7ffff000;           // what one write
 inline constexpr std::size_t kMaxSocketPath = 107;             // sun_path less its NUL
 inline constexpr std::size_t kInboundHandlerSlots = 61;        // types 0 to 60
 inline constexpr std::size_t kMinHandlerStrings = 6;           // handlers may index up to [5]
-inline constexpr int kSendBuffer = 4 * 1024 * 1024;            // what waits for a host, in bytes
+inline constexpr int kSendBuffer = 4 * 1024 * 1024;            // requested, in bytes
 inline constexpr int kConnectRetries = 10;                     // after the first attempt
 inline constexpr unsigned kConnectRetrySeconds = 1;
 

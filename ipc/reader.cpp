@@ -4,7 +4,6 @@
 #include "ipc/reader.h"
 
 #include <poll.h>
-#include <pthread.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -15,9 +14,9 @@
 #include <string>
 
 #include "base/error_line.h"
+#include "ipc/dispatch.h"
 #include "ipc/frame.h"
 #include "ipc/frame_observer.h"
-#include "ipc/incoming_message.h"
 #include "ipc/link.h"
 #include "log/zynlog.h"
 
@@ -45,10 +44,10 @@ ssize_t read_uninterrupted(int fd, std::span<char> buffer) {
 // Whether there is something to read before the deadline, be it an error or the end.
 bool is_readable_until(int fd, steady_clock::time_point deadline) {
     for (;;) {
-        const auto left =
-            std::chrono::ceil<std::chrono::milliseconds>(deadline - steady_clock::now());
+        const auto left = std::max(deadline - steady_clock::now(), steady_clock::duration::zero());
+        const auto milliseconds = std::chrono::ceil<std::chrono::milliseconds>(left).count();
         pollfd readable{fd, POLLIN, 0};
-        const int ready = poll(&readable, 1, static_cast<int>(std::max(left.count(), 0L)));
+        const int ready = poll(&readable, 1, static_cast<int>(milliseconds));
         if (ready != -1 || errno != EINTR) return ready != 0;
     }
 }
@@ -66,6 +65,16 @@ void report_bad_header(int error) {
         reason + "\n");
     __ZynTrace(kestrel::kLogWebkit, kestrel::kFatal, "", "", 0,
                "Error in reading first four ints: %s\n", reason.c_str());
+}
+
+void report_bad_payload(int error) {
+    const std::string reason = std::strerror(error);
+    error_line(
+        "webkit_client::recvMessage Error in"
+        "                                    reading in webkit_client: " +
+        reason + "\n");
+    __ZynTrace(kestrel::kLogWebkit, kestrel::kError, "", "", 0,
+               "Error in reading in webkit_client, exiting thread %s", reason.c_str());
 }
 
 bool read_header(webkit_message& header) {
@@ -90,8 +99,7 @@ bool read_header(webkit_message& header) {
     return false;
 }
 
-// Items are decoded while the host writes the rest.
-bool read_payload(std::span<char> payload, kestrel::IncomingMessage& message) {
+bool read_payload(std::span<char> payload) {
     while (!payload.empty()) {
         const ssize_t result = read_uninterrupted(kestrel::load_server_fd(), payload);
         if (result == 0) {
@@ -99,18 +107,10 @@ bool read_payload(std::span<char> payload, kestrel::IncomingMessage& message) {
             return false;
         }
         if (result < 0) {
-            const std::string reason = std::strerror(errno);
-            error_line(
-                "webkit_client::recvMessage Error in"
-                "                                    reading in webkit_client: " +
-                reason + "\n");
-            __ZynTrace(kestrel::kLogWebkit, kestrel::kError, "", "", 0,
-                       "Error in reading in webkit_client, exiting thread %s", reason.c_str());
+            report_bad_payload(errno);
             return false;
         }
-        const auto length = static_cast<std::size_t>(result);
-        message.take(payload.first(length));
-        payload = payload.subspan(length);
+        payload = payload.subspan(static_cast<std::size_t>(result));
     }
     return true;
 }
@@ -135,15 +135,18 @@ bool receive_one(webkit_message& frame) {
         return false;
     }
     frame = header;
-    kestrel::IncomingMessage message(header);
     const auto length = static_cast<std::size_t>(header.total_len_of_string);
-    if (!read_payload({kestrel::payload_begin(frame), length}, message)) return false;
+    if (!read_payload({kestrel::payload_begin(frame), length})) return false;
     kestrel::show_to_observer(kestrel::Direction::to_page, frame);
-    message.dispatch();
+    kestrel::dispatch_message(frame);
     return true;
 }
 
-void receive_until_end() {
+}  // namespace
+
+bool kestrel::on_reader_thread() { return is_reader_thread; }
+
+void kestrel::receive_until_end() {
     const kestrel::Frame buffer = make_buffer();
     if (!buffer) {
         error_line("webkit_client::recvMessage could not malloc, failing\n");
@@ -160,19 +163,4 @@ void receive_until_end() {
     is_reader_thread = true;
     while (receive_one(*buffer)) {
     }
-}
-
-}  // namespace
-
-bool kestrel::on_reader_thread() { return is_reader_thread; }
-
-void webkit_client::recvMessage() {
-    receive_until_end();
-    pthread_exit(nullptr);
-}
-
-void webkit_client::processMessage(webkit_message*& message) {
-    kestrel::IncomingMessage incoming(*message);
-    incoming.take(kestrel::payload_of(*message));
-    incoming.dispatch();
 }

@@ -4,10 +4,14 @@
 #include <span>
 #include <string_view>
 
+#include "ipc/protocol.h"
+
 namespace kestrel {
 
-// Builds one message and sends it to the host, as webkit_client::sendMessage does. The strings must
-// hold no NUL. Any thread.
+// As webkit_client::sendMessage. The payload must be as long as the header says. Any thread.
+void send(const webkit_message& frame);
+
+// Builds one message and sends it. The strings must hold no NUL. Any thread.
 void send(std::int32_t type, std::span<const int> ints, std::span<const std::string_view> strings);
 
 }  // namespace kestrel

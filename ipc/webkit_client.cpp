@@ -15,8 +15,11 @@
 
 #include "base/error_line.h"
 #include "base/never_destroyed.h"
-#include "ipc/frame.h"
+#include "ipc/dispatch.h"
+#include "ipc/frame_builder.h"
 #include "ipc/link.h"
+#include "ipc/reader.h"
+#include "ipc/send.h"
 #include "log/zynlog.h"
 
 using kestrel::error_line;
@@ -42,7 +45,7 @@ void ask_for_send_buffer(int fd) {
     setsockopt(fd, SOL_SOCKET, SO_SNDBUF, &kestrel::kSendBuffer, sizeof kestrel::kSendBuffer);
 }
 
-// The kernel knows Unix addresses of up to 110 bytes; `path` has been checked to fit.
+// `path` has been checked to fit.
 sockaddr_un address_of(const char* path) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
@@ -50,8 +53,8 @@ sockaddr_un address_of(const char* path) {
     return address;
 }
 
-// The socket does not block yet: a host whose queue is full would make connect wait, and a page
-// call with it for the lock. So this waits without the lock until there is room.
+// The socket is still non-blocking: with a full queue of the host, connect would block, and page
+// calls would wait for the lock. This waits for room without the lock.
 bool connect_once(int fd, const sockaddr_un& address, std::unique_lock<std::mutex>& sending) {
     while (connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == -1) {
         if (errno == EAGAIN) {
@@ -66,8 +69,8 @@ bool connect_once(int fd, const sockaddr_un& address, std::unique_lock<std::mute
     return true;
 }
 
-// Takes the lock for each attempt and keeps it on success, so that no other sender's frame can
-// reach the host before the announcement does.
+// Takes the lock for each attempt and keeps it on success, so that no other frame is sent before
+// the announcement.
 bool connect_with_retries(int fd, const sockaddr_un& address,
                           std::unique_lock<std::mutex>& sending) {
     sending.lock();
@@ -148,6 +151,19 @@ void* webkit_client::sinitComm(void* socket_path) {
     lock.unlock();
     signal.notify_one();
     recvMessage();
+}
+
+void webkit_client::recvMessage() {
+    kestrel::receive_until_end();
+    pthread_exit(nullptr);
+}
+
+void webkit_client::processMessage(webkit_message*& message) {
+    kestrel::dispatch_message(*message);
+}
+
+void webkit_client::sendMessage(webkit_message*& message) {
+    if (message != nullptr) kestrel::send(*message);  // wrapMessage has said why it is null
 }
 
 void webkit_client::deinitComm() {

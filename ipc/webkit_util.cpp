@@ -4,7 +4,8 @@
 #include <cstring>
 #include <string_view>
 
-#include "ipc/frame.h"
+#include "ipc/frame_builder.h"
+#include "ipc/items.h"
 
 namespace {
 

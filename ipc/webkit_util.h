@@ -7,8 +7,8 @@
 
 #pragma GCC visibility push(default)
 
-// Building of frames and taking payloads apart, for programs that link the library. The extension
-// itself decodes in place (ipc/frame.h).
+// Builds and parses frames, for programs that link the library. The extension itself uses
+// ipc/frame_builder.h and ipc/items.h.
 class webkit_util {
   public:
     // Builds a frame of `type` with the integers, then the strings, in list order; a string is
@@ -19,13 +19,13 @@ class webkit_util {
                                        std::vector<std::string> strings);
 
     // Reads the integer item at `position` and moves `position` behind its NUL. 0 for an item that
-    // is no decimal number. `payload` must hold a NUL at or after `position`; `scratch` must be
-    // BUFSIZE (5,000,000) bytes of the caller's, which are all overwritten: the item, then zeros.
-    // Any thread, as long as the scratch buffer is that thread's own.
+    // is not a decimal number. `payload` must hold a NUL at or after `position`; `scratch` is a
+    // buffer of BUFSIZE (5,000,000) bytes, which are all overwritten: the item, then zeros. Any
+    // thread, with a buffer of its own.
     static int parseNextInt(int& position, char* payload, char*& scratch);
 
     // The same for a string item. An item longer than the scratch buffer is cut to 4,999,999
-    // bytes; `position` moves behind its NUL all the same.
+    // bytes; `position` still moves behind its NUL.
     static std::string parseNextString(int& position, char* payload, char*& scratch);
 };
 

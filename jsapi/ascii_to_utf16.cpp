@@ -5,7 +5,7 @@
 namespace kestrel {
 namespace {
 
-// Long enough for the compiler to make vector instructions of the loop.
+// Long enough for the compiler to vectorise the loop.
 constexpr std::size_t kBlock = 64;
 
 bool widen(const char* from, std::size_t size, char16_t* to) {

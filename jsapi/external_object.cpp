@@ -1,7 +1,8 @@
+#include "jsapi/external_object.h"
+
 #include <array>
 #include <utility>
 
-#include "jsapi/KsJS_proxy.h"
 #include "jsapi/page_method.h"
 #include "jsapi/script_text.h"
 
@@ -32,8 +33,8 @@ JSClassRef external_class() {
 
 }  // namespace
 
-void KsJS_proxy::loadJSAPI(JSGlobalContextRef context, JSObjectRef global) {
+void kestrel::add_external_object(JSGlobalContextRef context, JSObjectRef global) {
     const JSObjectRef external = JSObjectMake(context, external_class(), nullptr);
-    const kestrel::ScriptString name = kestrel::make_script_string("external");
+    const ScriptString name = make_script_string("external");
     JSObjectSetProperty(context, global, name.get(), external, kJSPropertyAttributeNone, nullptr);
 }

@@ -15,13 +15,13 @@ inline constexpr int kMaxArguments = 6;
 
 // How an argument is read; arguments are read in their order.
 enum class Read : std::uint8_t {
-    text,         // by script's own conversion of any value
-    string_only,  // a string as it is, anything else as ""
-    number,       // a number, cut to 32 bits
-    ignored,      // not looked at
+    text,         // any value, converted to a string by script's rules
+    string_only,  // a string, any other type as ""
+    number,       // a number, truncated to 32 bits
+    ignored,      // not converted
 };
 
-// An entry of a message's lists: an argument, or in the integer list the difference of two.
+// An entry of a message's lists: an argument or, in the integer list, the difference of two.
 struct Item {
     static constexpr int kNothing = -1;
 
@@ -31,7 +31,7 @@ struct Item {
     constexpr Item operator-(Item other) const { return {argument, other.argument}; }
 };
 
-// A list that can stand in a table.
+// A list as a field of a constexpr table.
 template <typename T>
 class Row {
   public:
@@ -57,7 +57,7 @@ struct PageMethod {
     Row<Read> reads;
     Row<Item> ints;
     Row<Item> strings;
-    std::string_view error;  // what a refusal says before the count it got
+    std::string_view error;  // the error line up to the argument count
     std::string_view line_end = "\n";
 };
 
@@ -116,9 +116,9 @@ consteval auto page_methods() {
 
 inline constexpr auto kPageMethods = page_methods();
 
-// A row is sound when its message type exists, it reads as many arguments as it expects, sends only
-// what it has read, and reads as a number what it sends as one.
-constexpr bool is_sound(const PageMethod& method) {
+// A row is valid if its message type exists, it reads as many arguments as it expects, sends only
+// what it has read, and sends as integers only what it reads as numbers.
+constexpr bool is_valid(const PageMethod& method) {
     const auto reads_number = [&](int argument) {
         return argument < static_cast<int>(method.reads.size()) &&
                method.reads[static_cast<std::size_t>(argument)] == Read::number;
@@ -137,6 +137,6 @@ constexpr bool is_sound(const PageMethod& method) {
                       (item.subtrahend == Item::kNothing || reads_number(item.subtrahend));
            });
 }
-static_assert(std::ranges::all_of(kPageMethods, is_sound));
+static_assert(std::ranges::all_of(kPageMethods, is_valid));
 
 }  // namespace kestrel

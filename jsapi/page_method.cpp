@@ -6,8 +6,9 @@
 #include <string>
 
 #include "base/error_line.h"
-#include "ipc/outgoing_frame.h"
-#include "jsapi/argument_text.h"
+#include "ipc/frame_builder.h"
+#include "ipc/send.h"
+#include "jsapi/script_text.h"
 #include "jsapi/utf16_to_utf8.h"
 
 namespace kestrel {
@@ -23,10 +24,10 @@ void refuse(const PageMethod& method, std::size_t got) {
     error_line(line);
 }
 
-// The arguments as read, by position; a place holds a text or a number, as its row says. A text
-// that was not to be read goes out as "".
+// The arguments as read, by position: each is a text or a number, as its row says. A text that is
+// not to be read, or cannot be converted, is null and sent as "".
 struct ReadArguments {
-    std::array<ArgumentText, kMaxArguments> texts;
+    std::array<ScriptString, kMaxArguments> texts;
     std::array<std::int32_t, kMaxArguments> numbers{};
 };
 
@@ -39,7 +40,7 @@ ReadArguments read_arguments(const PageMethod& method, JSContextRef context,
                 if (JSValueGetType(context, arguments[i]) != kJSTypeString) break;
                 [[fallthrough]];
             case Read::text:
-                read.texts[i] = ArgumentText(context, arguments[i]);
+                read.texts[i] = text_of(context, arguments[i]);
                 break;
             case Read::number:
                 read.numbers[i] = to_int32(JSValueToNumber(context, arguments[i], nullptr));
@@ -51,7 +52,7 @@ ReadArguments read_arguments(const PageMethod& method, JSContextRef context,
     return read;
 }
 
-// Wraps around, as 32-bit registers do.
+// Wraps around.
 std::int32_t difference(std::int32_t minuend, std::int32_t subtrahend) {
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(minuend) -
                                      static_cast<std::uint32_t>(subtrahend));
@@ -63,30 +64,31 @@ std::int32_t value_of(Item item, const ReadArguments& read) {
     return difference(value, read.numbers[static_cast<std::size_t>(item.subtrahend)]);
 }
 
-const ArgumentText& string_of(Item item, const ReadArguments& read) {
-    return read.texts[static_cast<std::size_t>(item.argument)];
+JSStringRef string_of(Item item, const ReadArguments& read) {
+    return read.texts[static_cast<std::size_t>(item.argument)].get();
 }
 
-// Room for the row's lists. To count the bytes of large texts beforehand is better than to ask for
-// three times the memory that they may need.
+// Room for the row's lists. Counting the bytes of large texts first is better than asking for three
+// times the memory that they may need.
 std::size_t payload_room(const PageMethod& method, const ReadArguments& read) {
-    const auto sum = [&](std::size_t (ArgumentText::*size)() const) {
+    constexpr std::size_t kCheap = 4UL * 1024 * 1024;
+    const auto sum = [&](std::size_t (*size)(JSStringRef)) {
         std::size_t total = method.ints.size() * kMaxIntItem + method.strings.size();
-        for (const Item item : method.strings) total += (string_of(item, read).*size)();
+        for (const Item item : method.strings) total += size(string_of(item, read));
         return total;
     };
-    const std::size_t room = sum(&ArgumentText::room);
-    return room <= OutgoingFrame::kCheapPayload ? room : sum(&ArgumentText::size) + kUtf8Slack;
+    const std::size_t room = sum(utf8_room);
+    return room <= kCheap ? room : sum(utf8_size) + kUtf8Slack;
 }
 
 void send_lists(const PageMethod& method, std::int32_t command, const ReadArguments& read) {
-    OutgoingFrame frame(command, payload_room(method, read));
-    if (!frame.is_open()) return;
-    for (const Item item : method.ints) frame.add(value_of(item, read));
+    FrameBuilder builder(command, payload_room(method, read));
+    if (!builder.is_open()) return;
+    for (const Item item : method.ints) builder.add(value_of(item, read));
     for (const Item item : method.strings) {
-        frame.end_string(string_of(item, read).write(frame.begin_string()));
+        builder.end_string(write_utf8(string_of(item, read), builder.begin_string()));
     }
-    frame.send();
+    send(*builder.finish());
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The frame in which every function of `external` runs.
+// Common dispatcher of all functions of `external`.
 #pragma once
 
 #include <JavaScriptCore/JavaScript.h>
@@ -10,8 +10,8 @@
 
 namespace kestrel {
 
-// Checks the argument count, reads the arguments, sends the message of type `command`. Returns
-// undefined whatever happens; nothing is thrown.
+// Checks the argument count, converts the arguments and sends the message of type `command`. Always
+// returns undefined; throws nothing.
 JSValueRef run_page_method(const PageMethod& method, std::int32_t command, JSContextRef context,
                            std::span<const JSValueRef> arguments);
 
@@ -23,7 +23,7 @@ JSValueRef call_page_method(JSContextRef context, JSObjectRef /*function*/, JSOb
     return run_page_method(kPageMethods[index], command, context, {arguments, count});
 }
 
-// The index of the row whose member is called so; a name without a row does not compile.
+// The index of the row of a member; a name without a row does not compile.
 consteval std::size_t row_of(std::string_view member) {
     for (std::size_t i = 0; i < kPageMethods.size(); ++i) {
         if (kPageMethods[i].member == member) return i;
@@ -31,7 +31,7 @@ consteval std::size_t row_of(std::string_view member) {
     throw "no such page method";
 }
 
-// `number` cut towards zero to 32 bits; INT32_MIN for NaN and for what lies outside their range.
+// `number` truncated towards zero; INT32_MIN for NaN and numbers out of range.
 std::int32_t to_int32(double number);
 
 }  // namespace kestrel

@@ -5,8 +5,8 @@
 namespace kestrel {
 namespace {
 
-// Long enough for the compiler to make vector instructions of the loops over a block. The longer a
-// block, the less it takes to know that it was ASCII, and the more is lost when it was not.
+// Long enough for the compiler to vectorise the loops over a block. A longer block is checked
+// faster if it is ASCII, and costs more if it is not.
 constexpr std::size_t kLongBlock = kUtf8Slack;
 constexpr std::size_t kBlock = 32;
 constexpr std::size_t kShortBlock = 8;
@@ -15,8 +15,8 @@ constexpr char byte(unsigned value) { return static_cast<char>(value); }
 constexpr bool is_high(char16_t unit) { return (unit & 0xfc00U) == 0xd800; }
 constexpr bool is_low(char16_t unit) { return (unit & 0xfc00U) == 0xdc00; }
 
-// Moves a block of ASCII from `text` to `to`. Where there is none both stay, but what lies behind
-// `to` may have changed. Neither 0 nor what is above 0x7f is ASCII here.
+// Moves a block of ASCII, without NUL, from `text` to `to`. If the block is anything else, both
+// stay, but the bytes behind `to` may have changed.
 template <std::size_t size>
 bool move_ascii(std::span<const char16_t>& text, char*& to) {
     if (text.size() < size) return false;
@@ -42,13 +42,13 @@ bool is_ascii(const char16_t* block) {
 }
 
 struct Character {
-    std::size_t units;  // 0 where the text is cut
+    std::size_t units;  // 0 where the text ends
     std::size_t bytes;
     unsigned code;
 };
 
-// What `text`, which is not empty, begins with.
-Character first_character(std::span<const char16_t> text) {
+// The first character of `text`, which is not empty.
+Character decode_front(std::span<const char16_t> text) {
     const char16_t unit = text[0];
     if (unit == 0) return {0, 0, 0};
     if (unit < 0x80) return {1, 1, unit};
@@ -83,13 +83,13 @@ char* write_character(const Character& character, char* to) {
     return to + character.bytes;
 }
 
-// Takes a block, or what is left, one character at a time: `take` sees each. False where the text
-// is cut. A pair may reach over the block's end.
+// Calls `take` with each character of the next block. False where the text ends. A surrogate pair
+// may extend over the end of the block.
 template <typename Take>
 bool for_each_of_block(std::span<const char16_t>& text, Take take) {
     const std::size_t rest = text.size() > kBlock ? text.size() - kBlock : 0;
     while (text.size() > rest) {
-        const Character character = first_character(text);
+        const Character character = decode_front(text);
         if (character.units == 0) return false;
         take(character);
         text = text.subspan(character.units);

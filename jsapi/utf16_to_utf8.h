@@ -1,4 +1,4 @@
-// Script text on its way to the wire.
+// Converts UTF-16 to UTF-8.
 #pragma once
 
 #include <cstddef>
@@ -6,17 +6,17 @@
 
 namespace kestrel {
 
-// A UTF-16 unit becomes at most so many bytes.
+// The most bytes that a UTF-16 unit takes.
 inline constexpr std::size_t kMaxBytesOfUnit = 3;
 
-// How many bytes `text` takes, up to its first U+0000 or unpaired surrogate.
+// The number of bytes of `text` up to its first U+0000 or unpaired surrogate.
 std::size_t utf8_size(std::span<const char16_t> text);
 
-// What writing a text may overwrite behind its end.
+// The number of bytes behind the text that writing may overwrite.
 inline constexpr std::size_t kUtf8Slack = 256;
 
-// Writes those bytes to `to`; returns their end. There must be room for them and the slack, or for
-// kMaxBytesOfUnit bytes a unit.
+// Writes those bytes to `to` and returns their end. Needs room for them and the slack, or for
+// kMaxBytesOfUnit bytes per unit.
 char* write_utf8(std::span<const char16_t> text, char* to);
 
 }  // namespace kestrel

@@ -19,25 +19,25 @@ namespace {
 
 constinit std::atomic<int> descriptor = -1;
 
-// The connection itself and each thread that is writing to it. The last to leave closes, so no
-// line ever goes to a file that has taken over the descriptor's number.
-constinit std::atomic<int> holders = 0;
+// References to the descriptor: one by the connection and one by each thread that is writing. The
+// last user closes it, so no line is written to another file that reuses the descriptor's number.
+constinit std::atomic<int> references = 0;
 
-void let_go() {
-    if (holders.fetch_sub(1) == 1) close(descriptor);
+void release() {
+    if (references.fetch_sub(1) == 1) close(descriptor);
 }
 
-class Hold {
+class DescriptorReference {
   public:
-    Hold() {
-        int count = holders;
-        while (count > 0 && !held_) held_ = holders.compare_exchange_weak(count, count + 1);
+    DescriptorReference() {
+        int count = references;
+        while (count > 0 && !held_) held_ = references.compare_exchange_weak(count, count + 1);
     }
-    ~Hold() {
-        if (held_) let_go();
+    ~DescriptorReference() {
+        if (held_) release();
     }
-    Hold(const Hold&) = delete;
-    Hold& operator=(const Hold&) = delete;
+    DescriptorReference(const DescriptorReference&) = delete;
+    DescriptorReference& operator=(const DescriptorReference&) = delete;
 
     explicit operator bool() const { return held_; }
 
@@ -49,9 +49,9 @@ bool write_whole(int fd, std::span<const char> message) {
     return write(fd, message.data(), message.size()) == static_cast<ssize_t>(message.size());
 }
 
-bool say_hello(int fd, const char* ident) {
+bool send_hello(int fd, const char* ident) {
     const std::size_t size = sizeof(LogDaemonHello) + std::strlen(ident) + 1;
-    const LogDaemonHello hello{{length_field(size), MessageType::kHello}, 0};
+    const LogDaemonHello hello{{length_field(size), DaemonMessageType::kHello}, 0};
     std::array<char, sizeof hello + kIdentSize> message;
     std::memcpy(message.data(), &hello, sizeof hello);
     std::memcpy(message.data() + sizeof hello, ident, size - sizeof hello);
@@ -63,21 +63,21 @@ bool say_hello(int fd, const char* ident) {
 void connect_daemon(const char* ident) {
     const SigpipeIgnored sigpipe_ignored;
     FileDescriptor socket = connect_to(GetSocketFilePath());
-    if (!socket.is_open() || !say_hello(socket.get(), ident)) return;
+    if (!socket.is_open() || !send_hello(socket.get(), ident)) return;
     descriptor = socket.release();
-    holders = 1;
+    references = 1;
     daemon_connected = true;
 }
 
 void send_to_daemon(std::span<const char> message) {
-    const Hold hold;
-    if (hold && !write_whole(descriptor, message)) disconnect_daemon();
+    const DescriptorReference reference;
+    if (reference && !write_whole(descriptor, message)) disconnect_daemon();
 }
 
 void disconnect_daemon() {
     if (!daemon_connected.exchange(false)) return;
     shutdown(descriptor, SHUT_RDWR);
-    let_go();
+    release();
 }
 
 }  // namespace kestrel::logging

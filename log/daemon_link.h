@@ -1,4 +1,4 @@
-// The connection to the log daemon, which any thread writes to without a lock.
+// The connection to the log daemon. Any thread may write to it; there is no lock.
 #pragma once
 
 #include <atomic>
@@ -8,12 +8,13 @@ namespace kestrel::logging {
 
 extern constinit std::atomic<bool> daemon_connected;
 
-// Connects and introduces the process by `ident`; leaves daemon_connected false on failure. One
-// thread, as ZynLogInit.
+// Connects and sends `ident` as the process's name; leaves daemon_connected false on failure.
+// Called by one thread, as ZynLogInit is.
 void connect_daemon(const char* ident);
 
-// Writes one message with one write, so that messages of several threads do not mix. A message that
-// is not taken whole is lost, and the connection with it. Raises SIGPIPE when the daemon has gone.
+// Sends a message with one write(), so that messages of several threads do not interleave. After an
+// incomplete write the message is lost and the connection closed. Raises SIGPIPE if the daemon has
+// closed its end.
 void send_to_daemon(std::span<const char> message);
 
 void disconnect_daemon();

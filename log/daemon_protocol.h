@@ -1,8 +1,8 @@
-// What travels from a process to the log daemon over its Unix socket: a hello, then a record for
-// each line. The daemon never answers.
+// The protocol between a process and the log daemon, over a Unix socket: the process sends a hello,
+// then a record for each line. The daemon sends nothing.
 //
-// Every message begins with the number of bytes that follow its first four, and its type. Integers
-// are little-endian and not aligned; texts end with a NUL, which is counted.
+// Every message begins with a prefix: the length of the rest, and the type. Integers are
+// little-endian and not aligned; texts end with a NUL, which is counted.
 #pragma once
 
 #include <bit>
@@ -13,11 +13,11 @@ namespace kestrel::logging {
 
 static_assert(std::endian::native == std::endian::little, "messages are little-endian");
 
-enum class MessageType : std::uint16_t { kTrace = 1, kHello = 2 };
+enum class DaemonMessageType : std::uint16_t { kRecord = 1, kHello = 2 };
 
 struct [[gnu::packed]] MessagePrefix {
     std::uint16_t length;
-    MessageType type;
+    DaemonMessageType type;
 };
 
 // Followed by the name of the process.
@@ -28,16 +28,16 @@ struct [[gnu::packed]] LogDaemonHello {
 static_assert(sizeof(LogDaemonHello) == 6);
 
 // Followed by the text of the line.
-struct [[gnu::packed]] TraceRecord {
+struct [[gnu::packed]] LogRecordFields {
     MessagePrefix prefix;
     std::uint16_t level;
     std::uint16_t log_class;
-    std::uint16_t thread;  // the kernel's id, cut
+    std::uint16_t thread;  // the low 16 bits of the kernel's thread id
     std::uint64_t seconds;
     std::uint64_t microseconds;
 };
-static_assert(offsetof(TraceRecord, seconds) == 10);
-static_assert(sizeof(TraceRecord) == 26);
+static_assert(offsetof(LogRecordFields, seconds) == 10);
+static_assert(sizeof(LogRecordFields) == 26);
 
 inline constexpr std::size_t kIdentSize = 32;
 inline constexpr std::size_t kTextSize = 8192;

@@ -14,7 +14,7 @@ namespace {
 
 using RootBuffer = std::array<char, 4'096>;
 
-// What a directory must hold to be an install root of the client.
+// Files that every install root of the client contains.
 constexpr std::array kRootFiles = {"/libproxy.so", "/gtk/glade/main.glade"};
 
 constexpr std::string_view kUtilitiesDirectory = "/util";

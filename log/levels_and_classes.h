@@ -1,5 +1,5 @@
-// The fixed tables of levels and classes. Other processes of the family and the log daemon address
-// their rows by index.
+// The fixed tables of levels and classes. Other processes of the client family and the log daemon
+// use their indices.
 #pragma once
 
 #include <array>
@@ -33,7 +33,8 @@ inline constexpr std::array<LogLevelRecord, kLogLevelCount> kLevelTable{{
     {"NONE", "Disabled"},
 }};
 
-// The row of a component that this library does not know: "CLASS07", "Class 7", below the root.
+// The row of a component that this library does not know: "CLASS07", "Class 7", a child of the
+// root.
 constexpr LogClassRecord reserved_class(std::uint32_t index) {
     LogClassRecord row{"CLASS00", "Class ", 0};
     const char tens = static_cast<char>('0' + index / 10);

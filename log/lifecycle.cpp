@@ -22,7 +22,7 @@ constinit std::atomic<bool> kestrel::logging::initialised = false;
 
 namespace {
 
-// The process's name to the daemon and to syslog, which keeps a pointer to it.
+// The process's name for the daemon and for syslog, which keeps a pointer to it.
 constinit std::array<char, kestrel::logging::kIdentSize> ident{};
 
 void set_ident() {

@@ -4,7 +4,7 @@
 
 namespace kestrel::logging {
 
-// Between an init and the shutdown.
+// True from ZynLogInit or ZynLogInitConfigOnly to ZynLogShutdown.
 extern constinit std::atomic<bool> initialised;
 
 }  // namespace kestrel::logging

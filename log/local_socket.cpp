@@ -15,7 +15,7 @@ FileDescriptor connect_to(const char* path) {
 
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    // A path that fills the address needs no terminator; a longer one is cut.
+    // A path that fills the address needs no terminator; a longer one is truncated.
     std::memcpy(address.sun_path, path, strnlen(path, sizeof address.sun_path));
     if (connect(fd.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == -1) {
         return FileDescriptor(-1);

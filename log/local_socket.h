@@ -4,7 +4,7 @@
 
 namespace kestrel::logging {
 
-// A stream connected to the Unix socket at `path`, close-on-exec; none when nobody listens there.
+// Connects a stream socket, close-on-exec, to `path`; not open if that fails. Any thread.
 FileDescriptor connect_to(const char* path);
 
 }  // namespace kestrel::logging

@@ -11,10 +11,10 @@
 namespace kestrel::logging {
 namespace {
 
-constexpr int kMostLinks = 40;  // as many as the kernel follows
+constexpr int kMaxLinks = 40;  // the limit of the kernel
 
-// The target of a link of the caller's or of root's; "" for anything else. The link is opened
-// first: whoever replaces it after its owner was checked does not change the target.
+// The target of a symbolic link that belongs to the caller or to root; "" for anything else. The
+// link is opened before its owner is checked: replacing it afterwards does not change the target.
 std::string target_of_own_link(int directory, const char* name) {
     const FileDescriptor link(openat(directory, name, O_PATH | O_NOFOLLOW | O_CLOEXEC));
     struct stat status {};
@@ -28,8 +28,8 @@ std::string target_of_own_link(int directory, const char* name) {
 }  // namespace
 
 FileDescriptor open_through_own_links(std::string path, int flags, mode_t mode) {
-    FileDescriptor directory;  // of the last link: a relative target begins there
-    for (int links = 0; links <= kMostLinks && !path.empty(); ++links) {
+    FileDescriptor directory;  // of the last link: relative targets start there
+    for (int links = 0; links <= kMaxLinks && !path.empty(); ++links) {
         int base = directory.is_open() ? directory.get() : AT_FDCWD;
         const std::size_t name = path.rfind('/') + 1;
         if (name != 0) {

@@ -8,10 +8,9 @@
 
 namespace kestrel::logging {
 
-// Opens a file as open does, but follows a symbolic link in its place only if the link is the
-// caller's or root's: another user's link could lead to any file of the caller's. The same holds
-// for each link that such a link leads to. Links among the directories of a path are followed as
-// always. Any thread.
+// Opens a file like open(). If `path` is a symbolic link, it is followed only if it belongs to the
+// caller or to root: another user's link could point to any file of the caller. The same applies to
+// each link in the chain. Links in the directories of a path are followed as usual. Any thread.
 FileDescriptor open_through_own_links(std::string path, int flags, mode_t mode);
 
 }  // namespace kestrel::logging

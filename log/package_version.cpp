@@ -23,7 +23,7 @@ struct FileCloser {
 using Directory = std::unique_ptr<DIR, DirectoryCloser>;
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-// The first that the directory lists; null when there is none or it cannot be read.
+// The first version file in directory order; null if there is none or it cannot be read.
 File open_version_file() {
     const std::string path = std::string(GetQUORoot()) + "/pkginf/";
     const Directory directory(opendir(path.c_str()));

@@ -18,8 +18,8 @@ using kestrel::ErrnoGuard;
 
 namespace {
 
-// The suffix of a per-user path follows the home directory and a slash of its own: the double slash
-// is what the family's other programs have always used.
+// A per-user path is the home directory, a slash, and the suffix. The resulting double slash is the
+// name that the client family's other programs use.
 struct FileLocation {
     const char* system_wide;
     const char* per_user_suffix;
@@ -40,7 +40,7 @@ bool system_daemon_answers() {
     return kestrel::logging::connect_to(kSocketFile.system_wide).is_open();
 }
 
-// Decided for all three files by the first of them that is asked for.
+// Decided once, for all three files.
 bool uses_system_log_directory() {
     static const bool result = owns_system_log_directory() || system_daemon_answers();
     return result;
@@ -53,7 +53,7 @@ const char* find_home() {
     return home.empty() ? nullptr : strdup(home.c_str());
 }
 
-// The first home directory that is found; null as long as there is none.
+// Cached once it is found; null until then.
 const char* home_directory() {
     static const char* home = nullptr;
     if (home == nullptr) home = find_home();
@@ -73,7 +73,7 @@ bool create_directories(const std::string& path) {
            create_directory(path);
 }
 
-// Tried once per process. Every path depends on it, not only that of the log.
+// Tried once per process. All per-user paths depend on it, not only the log file's.
 bool has_log_directory(const char* home) {
     static const bool result = create_directories(std::string(home) + "/.QUOClient/logs/");
     return result;
@@ -86,16 +86,17 @@ const char* per_user_path(const char* suffix) {
     return asprintf(&path, "%s/%s", home, suffix) == -1 ? nullptr : path;
 }
 
-// A path is kept once it is known. Without one the answer is "", and the next call tries again:
-// HOME may be set by then.
-const char* path_of(const FileLocation& file, const char*& kept) {
+// A path is cached once it is known. Until then the result is "", and the next call tries again:
+// HOME may have been set.
+const char* path_of(const FileLocation& file, const char*& cached) {
     static constinit std::mutex mutex;
     const ErrnoGuard errno_guard;
     const std::lock_guard lock(mutex);
-    if (kept == nullptr) {
-        kept = uses_system_log_directory() ? file.system_wide : per_user_path(file.per_user_suffix);
+    if (cached == nullptr) {
+        cached =
+            uses_system_log_directory() ? file.system_wide : per_user_path(file.per_user_suffix);
     }
-    return kept == nullptr ? "" : kept;
+    return cached == nullptr ? "" : cached;
 }
 
 }  // namespace

@@ -15,8 +15,9 @@ constinit std::atomic<SharedLogConfig*> mapped_config = nullptr;
 
 namespace {
 
-// Where the first mapping came to lie, and all later ones do. Between them lies a page of zeros.
-constinit std::atomic<void*> mapping_place = nullptr;
+// The address of the first mapping, reused by all later ones. A page of zeros is mapped there in
+// the meantime.
+constinit std::atomic<void*> mapping_address = nullptr;
 
 // Every user's processes and the daemon share the file, so its mode must not depend on the umask.
 FileDescriptor open_config_file() {
@@ -28,12 +29,12 @@ FileDescriptor open_config_file() {
 }
 
 SharedLogConfig* map_file(int fd) {
-    void* const place = mapping_place;
-    const int fixed = place == nullptr ? 0 : MAP_FIXED;
+    void* const address = mapping_address;
+    const int fixed = address == nullptr ? 0 : MAP_FIXED;
     void* const mapping =
-        mmap(place, sizeof(SharedLogConfig), PROT_READ | PROT_WRITE, MAP_SHARED | fixed, fd, 0);
+        mmap(address, sizeof(SharedLogConfig), PROT_READ | PROT_WRITE, MAP_SHARED | fixed, fd, 0);
     if (mapping == MAP_FAILED) return nullptr;
-    mapping_place = mapping;
+    mapping_address = mapping;
     return static_cast<SharedLogConfig*>(mapping);
 }
 
@@ -49,8 +50,8 @@ const SharedLogConfig& default_config() {
 }  // namespace
 
 void set_output_path(SharedLogConfig& shared, const char* path) {
-    for (char& place : shared.output_path) {
-        std::atomic_ref(place).store(*path, std::memory_order_relaxed);
+    for (char& byte : shared.output_path) {
+        std::atomic_ref(byte).store(*path, std::memory_order_relaxed);
         if (*path != '\0') ++path;
     }
 }
@@ -83,14 +84,14 @@ void map_shared_config() {
 void unmap_shared_config() {
     SharedLogConfig* const shared = mapped_config.exchange(nullptr);
     if (shared == nullptr) return;
-    // Not munmap: a thread that has read the pointer before must find something there. Moved over
-    // it rather than mapped, which the thread sanitizer takes for a write.
+    // Not munmap: a thread that read the pointer earlier may still access it. Not mmap with
+    // MAP_FIXED, which the thread sanitizer treats as a write.
     void* const zeros = mmap(nullptr, sizeof(SharedLogConfig), PROT_READ | PROT_WRITE,
                              MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (zeros == MAP_FAILED) return;
     if (mremap(zeros, sizeof(SharedLogConfig), sizeof(SharedLogConfig),
                MREMAP_MAYMOVE | MREMAP_FIXED, shared) == MAP_FAILED) {
-        munmap(zeros, sizeof(SharedLogConfig));  // the file stays mapped, and guarded
+        munmap(zeros, sizeof(SharedLogConfig));  // the file stays mapped and guarded
         return;
     }
     lift_sigbus_guard();

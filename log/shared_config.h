@@ -1,4 +1,4 @@
-// The settings that all processes share: a file of 516 bytes, mapped into each of them.
+// The settings that all processes share: a file of 516 bytes that each process maps.
 #pragma once
 
 #include <array>
@@ -43,7 +43,7 @@ inline constexpr SharedLogConfig kDefaultConfig{
     .magic = kConfigMagic,
 };
 
-// Other threads and processes write the fields at any time, so each access is atomic.
+// Other threads and processes may write the fields at any time, so each access is atomic.
 inline std::uint32_t load(std::uint32_t& field) {
     return std::atomic_ref(field).load(std::memory_order_relaxed);
 }
@@ -51,28 +51,28 @@ inline void store(std::uint32_t& field, std::uint32_t value) {
     std::atomic_ref(field).store(value, std::memory_order_relaxed);
 }
 
-// Cuts to the field's size, and pads with NULs: a path that fills the field has no terminator.
+// Truncates to the field's size and pads with NULs: a path that fills the field has no terminator.
 void set_output_path(SharedLogConfig& shared, const char* path);
 
-// The mapped settings; null while there are none. What it points to stays readable for good, so a
-// thread that is still at work during a shutdown comes to no harm.
+// The mapped settings; null if there are none. The memory stays readable after a shutdown, so a
+// thread that is still using it is safe.
 extern constinit std::atomic<SharedLogConfig*> mapped_config;
 inline SharedLogConfig* config() { return mapped_config.load(std::memory_order_acquire); }
 
-// Maps the file and writes the defaults to it unless it carries the magic; leaves config() null on
-// failure, and where the file is a symbolic link of another user. What is mapped can be read and
-// written for good, even when the file is cut short: see sigbus_guard.h. Sets the process's umask
-// to 022, by contract. One thread, as ZynLogInit.
+// Maps the file, and writes the defaults to it unless it has the magic number; leaves config() null
+// on failure, and if the file is a symbolic link of another user. The mapping stays readable and
+// writable even if the file is truncated: see sigbus_guard.h. Sets the process's umask to 022, by
+// contract. Called by one thread, as ZynLogInit is.
 void map_shared_config();
 
-// config() becomes null. One thread.
+// Sets config() to null. Called by one thread.
 void unmap_shared_config();
 
-// The magic comes last: a process that sees it sees the rest.
+// Writes the magic number last: a process that sees it sees all other fields.
 void write_defaults(SharedLogConfig& shared);
 
-// Calls `change` with the mapped settings. False when they cannot be changed: none are mapped, or
-// the process has lost the file, at the latest during the change, and has only the defaults.
+// Calls `change` with the mapped settings. False if they are not mapped, or if the process has lost
+// the file before or during the change and now has only the defaults.
 template <typename Change>
 bool change_config(const Change& change) {
     SharedLogConfig* const shared = config();
@@ -83,11 +83,11 @@ bool change_config(const Change& change) {
     return false;
 }
 
-// The effective level of a class; kLogFailure when unmapped, unknown or inherited from nowhere.
+// The effective level of a class; kLogFailure if unmapped, unknown or if the root inherits.
 inline std::uint32_t working_level(std::uint32_t log_class) {
     SharedLogConfig* const shared = config();
     if (shared == nullptr) return kLogFailure;
-    // The root's parent, -1, is an index out of range too.
+    // The root's parent, -1, ends the loop too.
     while (log_class < kLogClassCount) {
         const std::uint32_t level = load(shared->levels[log_class]);
         if (level != kLogInherit) return level;

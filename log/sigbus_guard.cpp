@@ -18,7 +18,7 @@ constinit std::size_t substitute_size = 0;
 constinit std::size_t page_size = 0;
 constinit std::atomic<bool> substituted = false;
 constinit struct sigaction previous {};
-// Whether on_sigbus is the handler, or one that a later handler passes on to.
+// Whether on_sigbus is the handler, or a later handler chains to it.
 constinit bool is_in_chain = false;
 
 bool is_guarded(const void* address) {
@@ -27,8 +27,8 @@ bool is_guarded(const void* address) {
     return begin != 0 && at >= begin && at - begin < page_size;
 }
 
-// Moved over the lost page whole, so that other threads see the one or the other. The flag is set
-// before: a thread that has written to the substitute sees it.
+// Replaces the lost page atomically, so that other threads see one page or the other. The flag is
+// set before: a thread that has written to the substitute sees it.
 bool substitute_page() {
     void* const page =
         mmap(nullptr, page_size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
@@ -39,8 +39,8 @@ bool substitute_page() {
            MAP_FAILED;
 }
 
-// With the default action in place the access is repeated, and ends the process.
-void pass_on(int number, siginfo_t* info, void* context) {
+// With the default action, the access is repeated and ends the process.
+void chain(int number, siginfo_t* info, void* context) {
     if ((previous.sa_flags & SA_SIGINFO) != 0) {
         previous.sa_sigaction(number, info, context);
     } else if (previous.sa_handler != SIG_DFL && previous.sa_handler != SIG_IGN) {
@@ -52,7 +52,7 @@ void pass_on(int number, siginfo_t* info, void* context) {
 
 void on_sigbus(int number, siginfo_t* info, void* context) {
     const int saved_errno = errno;
-    if (!is_guarded(info->si_addr) || !substitute_page()) pass_on(number, info, context);
+    if (!is_guarded(info->si_addr) || !substitute_page()) chain(number, info, context);
     errno = saved_errno;
 }
 

@@ -4,20 +4,19 @@
 
 namespace kestrel::logging {
 
-// Keeps the process alive when the file behind a mapping is cut short by someone else, or has no
-// room left on its disk: while guarded, an access that raises SIGBUS finds a private copy of the
-// substitute in the mapping's place and goes on. A SIGBUS elsewhere goes to whoever handled it
-// before. There is one guard in a process, for one page; setting and lifting it is up to one
-// thread.
+// Keeps the process alive if another process truncates the mapped file, or if its disk is full: an
+// access to the guarded page that raises SIGBUS replaces the page with a private copy of the
+// substitute and continues. Every other SIGBUS is passed to the previous handler. There is one
+// guard in a process, for one page, set and removed by one thread.
 
-// `page` begins a page; `size` bytes at `substitute`, a page at most, must stay as they are.
+// `page` is page-aligned. The `size` bytes at `substitute`, a page at most, must stay unchanged.
 void set_sigbus_guard(void* page, const void* substitute, std::size_t size);
 
-// Whether the substitute has taken the page's place since the guard was set. What a thread writes
-// to the page before it gets false has not gone to the substitute. Any thread.
+// Whether the page has been replaced since the guard was set. If a thread writes to the page and
+// then gets false, the write was not to the substitute. Any thread.
 bool has_substitute();
 
-// Gives the signal back, unless somebody else has taken it since.
+// Restores the previous handler, unless another one has been installed since.
 void lift_sigbus_guard();
 
 }  // namespace kestrel::logging

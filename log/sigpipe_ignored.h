@@ -4,7 +4,7 @@
 
 namespace kestrel::logging {
 
-// Ignores SIGPIPE in the whole process for its lifetime.
+// Ignores SIGPIPE in the whole process while it exists.
 class SigpipeIgnored {
   public:
     SigpipeIgnored() {

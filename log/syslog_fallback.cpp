@@ -33,7 +33,7 @@ void close_syslog() {
     if (syslog_open.exchange(false)) closelog();
 }
 
-void syslog_trace(int level, const char* format, std::va_list arguments) {
+void write_to_syslog(int level, const char* format, std::va_list arguments) {
     const ErrnoGuard errno_guard;
     vsyslog(kPriorities[static_cast<std::size_t>(level)], format, arguments);
 }

@@ -5,8 +5,8 @@
 
 namespace kestrel::logging {
 
-// What follows the version's key in the first line of a version file that has it, to the line's
-// end; "unknown" if none has. A line counts in pieces of 127 characters.
+// The value of the first "ID_VERSION=" of a version file, up to the end of the line; "unknown" if
+// there is none. Lines are read in pieces of 127 characters.
 std::string version_in(std::FILE* file);
 
 }  // namespace kestrel::logging

@@ -4,8 +4,8 @@
 
 namespace kestrel {
 
-// The absolute path of what lies at `path`, seen from the running program's directory; "" if there
-// is nothing. So a program finds its files wherever it was built or installed.
+// The absolute path of `path`, relative to the running program's directory; "" if it does not
+// exist. With it a program finds its files in the build tree and after installation.
 std::string beside_program(const char* path);
 
 }  // namespace kestrel

@@ -33,21 +33,22 @@ sockaddr_un address_of(const std::string& path) {
     return address;
 }
 
-// 0, or the error that connecting ends with.
-int error_of_connecting(const sockaddr_un& address) {
+// 0, or the errno of connect().
+int connect_error(const sockaddr_un& address) {
     const FileDescriptor probe = new_socket();
     return connect(probe.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0
                ? 0
                : errno;
 }
 
-void make_way(const std::string& path, const sockaddr_un& address, const std::string& in_use) {
+void remove_stale_socket(const std::string& path, const sockaddr_un& address,
+                         const std::string& in_use) {
     struct stat file {};
     if (lstat(path.c_str(), &file) == -1) return;
     if (!S_ISSOCK(file.st_mode)) {
         throw std::runtime_error(formatted(translate("%s is not a socket"), path.c_str()));
     }
-    const int error = error_of_connecting(address);
+    const int error = connect_error(address);
     // A listener whose queue is full answers with EAGAIN.
     if (error == 0 || error == EAGAIN) throw AddressInUse(in_use);
     if (error == ECONNREFUSED) unlink(path.c_str());
@@ -58,8 +59,8 @@ void make_way(const std::string& path, const sockaddr_un& address, const std::st
 ListeningSocket::ListeningSocket(std::string path, const std::string& in_use)
     : path_(std::move(path)), socket_(new_socket()) {
     const sockaddr_un address = address_of(path_);
-    make_way(path_, address, in_use);
-    // The file gets what the socket allows: so it is never open to others, not even for a moment.
+    remove_stale_socket(path_, address, in_use);
+    // bind() takes the permissions from the socket: the file is never accessible to others.
     if (fchmod(socket_.get(), S_IRWXU) == -1 ||
         bind(socket_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == -1 ||
         lstat(path_.c_str(), &file_) == -1 || listen(socket_.get(), SOMAXCONN) == -1) {
@@ -67,7 +68,7 @@ ListeningSocket::ListeningSocket(std::string path, const std::string& in_use)
     }
 }
 
-// Another listener may have put its own in the place meanwhile.
+// Another listener may have replaced the file meanwhile.
 ListeningSocket::~ListeningSocket() {
     if (is_ours()) unlink(path_.c_str());
 }

@@ -9,19 +9,17 @@
 
 namespace kestrel {
 
-// Another program listens there.
+// Another program listens at the address.
 class AddressInUse : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// Listens at a Unix socket's path, which it removes at its end. The socket is the calling user's
-// alone.
+// Listens at a Unix socket, and removes its file at the end. Only the calling user can connect.
 class ListeningSocket {
   public:
-    // Replaces the socket file of a listener that has gone. The path is not empty, which would be
-    // an abstract name, where any user may connect. Throws AddressInUse, with `in_use` as what to
-    // tell the user, when somebody listens there; another std::runtime_error when something else is
-    // in the way.
+    // Replaces a stale socket file. The path must not be empty, which would be an abstract address,
+    // where any user may connect. Throws AddressInUse with the text `in_use` if another program
+    // listens there, and another std::runtime_error on any other failure.
     ListeningSocket(std::string path, const std::string& in_use);
     ~ListeningSocket();
     ListeningSocket(const ListeningSocket&) = delete;
@@ -29,8 +27,7 @@ class ListeningSocket {
 
     int fd() const { return socket_.get(); }
 
-    // The next connection, which never makes its owner wait; none, with errno, when it cannot be
-    // had.
+    // The next connection, non-blocking; not open, with errno set, on failure.
     FileDescriptor accept() const;
 
   private:

@@ -14,7 +14,7 @@ namespace {
 
 constexpr const char* kDomain = "kestrel-tools";
 
-// From the program's directory: in a build tree, and as installed.
+// Relative to the program: in the build tree, and installed.
 constexpr std::array kCatalogueDirectories = {"../po", KESTREL_LOCALE_FROM_BIN};
 
 }  // namespace
@@ -30,7 +30,7 @@ void use_translations() {
     }
 }
 
-// A catalogue's header is the translation of "".
+// gettext translates "" to the header of the catalogue.
 const char* translate(const char* text) { return *text == '\0' ? text : dgettext(kDomain, text); }
 
 std::string formatted(const char* format, ...) {

@@ -1,20 +1,20 @@
-// What the programs say, in the language of whoever reads it. The catalogues are in po/.
+// Translations of the programs' texts. The catalogues are in po/.
 #pragma once
 
 #include <string>
 
 namespace kestrel {
 
-// Takes the user's locale, and the catalogues that lie beside the program. Call it first in main.
+// Sets the user's locale and finds the catalogues. Call it first in main.
 void use_translations();
 
-// The text in the user's language, or itself. As UTF-8; it lives as long as the process.
+// The translation as UTF-8, or `text` itself. Valid as long as the process.
 [[gnu::format_arg(1)]] const char* translate(const char* text);
 
-// Marks a text of a table, which is translated where the table is used.
+// Marks a text in a table for xgettext; call translate() where the text is used.
 consteval const char* translatable(const char* text) { return text; }
 
-// What printf would print.
+// Formats like printf.
 [[gnu::format(printf, 1, 2)]] std::string formatted(const char* format, ...);
 
 }  // namespace kestrel

@@ -14,25 +14,25 @@ using logging::kClassTable;
 using logging::kLevelTable;
 
 template <typename Table>
-std::uint32_t index_by_name(const std::string& name, const char* refusal, const Table& table,
+std::uint32_t index_by_name(const std::string& name, const char* error_text, const Table& table,
                             std::uint32_t first, std::uint32_t last) {
     std::string names;
     for (std::uint32_t index = first; index <= last; ++index) {
         if (strcasecmp(name.c_str(), table[index].name) == 0) return index;
         names += std::string(names.empty() ? "" : " ") + table[index].name;
     }
-    throw UsageError(formatted(refusal, name.c_str(), names.c_str()));
+    throw UsageError(formatted(error_text, name.c_str(), names.c_str()));
 }
 
 std::uint32_t level_between(const std::string& name, std::uint32_t first, std::uint32_t last) {
-    return index_by_name(name, translate("there is no level '%s'; valid are: %s"), kLevelTable,
-                         first, last);
+    return index_by_name(name, translate("unknown level '%s'; valid are: %s"), kLevelTable, first,
+                         last);
 }
 
 }  // namespace
 
 std::uint32_t class_by_name(const std::string& name) {
-    return index_by_name(name, translate("there is no class '%s'; valid are: %s"), kClassTable, 0,
+    return index_by_name(name, translate("unknown class '%s'; valid are: %s"), kClassTable, 0,
                          kLogClassCount - 1);
 }
 

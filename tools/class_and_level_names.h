@@ -1,5 +1,5 @@
-// Classes and levels by the names that people use. From the tables, so that a wrong name is found
-// before the settings are touched.
+// Converts the names of classes and levels. Uses the fixed tables, so that names can be checked
+// before the settings are opened.
 #pragma once
 
 #include <cstdint>
@@ -7,21 +7,20 @@
 
 namespace kestrel::tools {
 
-// The index that a name, in capitals or not, stands for. Throws UsageError with the names that
-// there are.
+// The index of a name, ignoring case. Throws UsageError with the list of valid names.
 std::uint32_t class_by_name(const std::string& name);
 
-// INHERIT to NONE, as a class may have it.
+// A level of a class: INHERIT to NONE.
 std::uint32_t level_by_name(const std::string& name);
 
-// VERBOSE to AOL, as a line may have it.
+// A level of a line: VERBOSE to AOL.
 std::uint32_t line_level_by_name(const std::string& name);
 
-// The name, or the number of one that has none.
+// The name, or the number if it has none.
 std::string class_name(std::uint32_t log_class);
 std::string level_name(std::uint32_t level);
 
-// Whether `log_class` is `ancestor` or below it.
+// Whether `log_class` is `ancestor` or one of its descendants.
 bool is_within(std::uint32_t log_class, std::uint32_t ancestor);
 
 }  // namespace kestrel::tools

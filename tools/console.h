@@ -5,13 +5,13 @@
 
 namespace kestrel::tools {
 
-// Whoever read standard output has gone: a reason to stop, not to complain.
+// The reader of standard output has closed it. Not an error: the program ends.
 class OutputClosed : public std::exception {};
 
-// Writes to standard output at once. Throws OutputClosed, or std::system_error when it cannot.
+// Writes to standard output and flushes it. Throws OutputClosed or std::system_error.
 void print(std::string_view text);
 
-// Whether colours are welcome on standard output.
+// Whether standard output is a terminal and NO_COLOR is not set.
 bool wants_colours();
 
 }  // namespace kestrel::tools

@@ -29,7 +29,7 @@ class Filter {
         for (const std::string& name : options.classes) classes_.push_back(class_by_name(name));
     }
 
-    bool passes(const TraceLine& line) const {
+    bool passes(const LogLine& line) const {
         return line.level >= lowest_level_ &&
                (classes_.empty() || std::ranges::any_of(classes_, [&](std::uint32_t ancestor) {
                     return is_within(line.log_class, ancestor);
@@ -41,7 +41,7 @@ class Filter {
     std::vector<std::uint32_t> classes_;
 };
 
-// SIGINT and SIGTERM as something to wait for.
+// A descriptor that becomes readable at SIGINT or SIGTERM.
 FileDescriptor stop_signals() {
     sigset_t signals;
     sigemptyset(&signals);
@@ -61,7 +61,7 @@ void allow_many_connections() {
 std::string socket_path() {
     std::string path = GetSocketFilePath();
     if (path.empty()) {
-        throw std::runtime_error(translate("there is no home directory to listen in"));
+        throw std::runtime_error(translate("cannot listen: there is no home directory"));
     }
     return path;
 }
@@ -93,11 +93,11 @@ class Viewer {
   private:
     enum : std::size_t { kStop, kOutput, kListener, kFirstProcess };
 
-    // False when it is time to stop.
+    // False if the viewer must stop.
     bool wait() {
         waiting_.clear();
         waiting_.push_back({stop_.get(), POLLIN, 0});
-        waiting_.push_back({STDOUT_FILENO, 0, 0});  // tells when its reader has gone
+        waiting_.push_back({STDOUT_FILENO, 0, 0});  // POLLERR when its reader closes it
         waiting_.push_back({listener_.fd(), static_cast<short>(is_full_ ? 0 : POLLIN), 0});
         for (const ProcessConnection& process : processes_) {
             waiting_.push_back({process.fd(), POLLIN, 0});
@@ -110,9 +110,9 @@ class Viewer {
         std::size_t index = kFirstProcess;
         std::erase_if(processes_, [&](ProcessConnection& process) {
             if (waiting_[index++].revents == 0) return false;
-            const bool has_gone = !process.receive([this](const TraceLine& line) { show(line); });
-            if (has_gone) is_full_ = false;
-            return has_gone;
+            const bool is_closed = !process.receive([this](const LogLine& line) { show(line); });
+            if (is_closed) is_full_ = false;
+            return is_closed;
         });
     }
 
@@ -121,11 +121,11 @@ class Viewer {
         if (process.is_open()) {
             processes_.emplace_back(std::move(process));
         } else if (errno == EMFILE || errno == ENFILE) {
-            is_full_ = true;  // until a process goes
+            is_full_ = true;  // until a connection is closed
         }
     }
 
-    void show(const TraceLine& line) const {
+    void show(const LogLine& line) const {
         if (filter_.passes(line)) print(json_ ? json_of(line) : text_of(line, colours_));
     }
 

@@ -11,8 +11,8 @@ struct FollowOptions {
     bool json = false;
 };
 
-// Listens where the log daemon would and prints the lines that come, until SIGINT or SIGTERM, or
-// until nobody reads standard output. Throws std::runtime_error when it cannot listen.
+// Listens at the log daemon's socket and prints the received lines, until SIGINT, SIGTERM, or until
+// the reader closes standard output. Throws std::runtime_error if it cannot listen.
 void follow(const FollowOptions& options);
 
 }  // namespace kestrel::tools

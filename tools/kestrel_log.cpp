@@ -1,5 +1,5 @@
-// kestrel-log: looks at and changes the shared settings of the client family's logging, and shows
-// the lines as they come.
+// kestrel-log: shows and changes the shared log settings of the client family, and shows log lines
+// live.
 
 #include <CLI/CLI.hpp>
 
@@ -10,17 +10,21 @@
 #include <string>
 
 #include "log/zynlog_config.h"
+#include "program/command_line_error.h"
+#include "program/help.h"
 #include "program/translation.h"
 #include "program/usage_error.h"
-#include "tools/command_line_error.h"
 #include "tools/console.h"
 #include "tools/follow.h"
-#include "tools/help.h"
 #include "tools/settings.h"
 
 namespace {
 
 using namespace kestrel::tools;
+using kestrel::describe_help;
+using kestrel::describe_help_flag;
+using kestrel::explanation_of;
+using kestrel::limit;
 using kestrel::translate;
 using kestrel::UsageError;
 using kestrel::use_translations;
@@ -53,8 +57,8 @@ void add_commands(CLI::App& app, Arguments& arguments, Command& command) {
     };
 
     add("show",
-        translate(
-            "Show all settings: every class with its own and its working level, and the rest"),
+        translate("Show all settings: the own and the working level of each class, flags, output, "
+                  "rollover and sessions"),
         [&] { show_settings(arguments.json); });
 
     CLI::App* const level = add("level", translate("Set the level of a class"),
@@ -95,18 +99,18 @@ void add_commands(CLI::App& app, Arguments& arguments, Command& command) {
                ->required(),
           0, kestrel::kLogMaxSessions);
 
-    add("reset", translate("Set everything to its default"), [] { reset_settings(); });
+    add("reset", translate("Reset all settings to their defaults"), [] { reset_settings(); });
 
-    CLI::App* const following = add(
-        "follow", translate("Show log lines as they come, in the place of the log daemon"), [&] {
+    CLI::App* const following =
+        add("follow", translate("Show log lines live, listening in place of the log daemon"), [&] {
             arguments.follow.json = arguments.json;
             follow(arguments.follow);
         });
     following->add_option("--level", arguments.follow.lowest_level,
-                          translate("Show only lines of this level and above"));
+                          translate("Show only lines of this level or a higher one"));
     following->add_option(
         "--class", arguments.follow.classes,
-        translate("Show only lines of this class and those below it; may be repeated"));
+        translate("Show only lines of this class and its subclasses; may be repeated"));
 }
 
 int run(const Command& command) {
@@ -126,22 +130,22 @@ int run(const Command& command) {
 
 }  // namespace
 
-// Describing the arguments throws only where their description is wrong.
+// Adding the options throws only on programming errors.
 int main(int argc, char** argv) {  // NOLINT(bugprone-exception-escape)
     std::signal(SIGPIPE, SIG_IGN);
 
     use_translations();
 
-    CLI::App app(translate("Looks at and changes the settings that all processes of the client "
-                           "family share for their logging, and shows their log lines."),
+    CLI::App app(translate("Shows and changes the log settings that all programs of the client "
+                           "family share, and shows their log lines."),
                  "kestrel-log");
     describe_help(app);
     app.set_version_flag("--version", "kestrel-log " KESTREL_VERSION,
-                         translate("Display program version information and exit"));
+                         translate("Print the version"));
     app.require_subcommand(1);
     app.fallthrough();
     Arguments arguments;
-    app.add_flag("--json", arguments.json, translate("Show as JSON (show, follow)"));
+    app.add_flag("--json", arguments.json, translate("Output as JSON (show, follow)"));
     Command command;
     add_commands(app, arguments, command);
     try {

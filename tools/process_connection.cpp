@@ -12,10 +12,10 @@
 namespace kestrel::tools {
 namespace {
 
+using logging::DaemonMessageType;
 using logging::LogDaemonHello;
+using logging::LogRecordFields;
 using logging::MessagePrefix;
-using logging::MessageType;
-using logging::TraceRecord;
 
 template <typename Fields>
 Fields fields_of(std::string_view message) {
@@ -24,7 +24,7 @@ Fields fields_of(std::string_view message) {
     return fields;
 }
 
-// What follows the fields, up to its NUL.
+// The text after the fields, up to its NUL.
 template <typename Fields>
 std::string text_after(std::string_view message) {
     const std::string_view text = message.substr(sizeof(Fields));
@@ -34,29 +34,29 @@ std::string text_after(std::string_view message) {
 }  // namespace
 
 bool ProcessConnection::take_message(std::string_view message,
-                                     const std::function<void(const TraceLine&)>& take_line) {
+                                     const std::function<void(const LogLine&)>& take_line) {
     switch (fields_of<MessagePrefix>(message).type) {
-        case MessageType::kHello:
+        case DaemonMessageType::kHello:
             if (message.size() < sizeof(LogDaemonHello)) return false;
             process_ = text_after<LogDaemonHello>(message);
             return true;
-        case MessageType::kTrace: {
-            if (message.size() < sizeof(TraceRecord)) return false;
-            const auto record = fields_of<TraceRecord>(message);
+        case DaemonMessageType::kRecord: {
+            if (message.size() < sizeof(LogRecordFields)) return false;
+            const auto record = fields_of<LogRecordFields>(message);
             take_line({.process = process_,
                        .thread = record.thread,
                        .level = record.level,
                        .log_class = record.log_class,
                        .seconds = record.seconds,
                        .microseconds = record.microseconds,
-                       .text = text_after<TraceRecord>(message)});
+                       .text = text_after<LogRecordFields>(message)});
             return true;
         }
     }
     return false;
 }
 
-bool ProcessConnection::receive(const std::function<void(const TraceLine&)>& take_line) {
+bool ProcessConnection::receive(const std::function<void(const LogLine&)>& take_line) {
     std::array<char, 65'536> bytes;
     const ssize_t got = recv(fd(), bytes.data(), bytes.size(), MSG_DONTWAIT);
     if (got == -1) return errno == EAGAIN || errno == EINTR;

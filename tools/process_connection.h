@@ -4,24 +4,24 @@
 #include <string>
 
 #include "base/file_descriptor.h"
-#include "tools/trace_line.h"
+#include "tools/log_line.h"
 
 namespace kestrel::tools {
 
-// The connection of one process that logs.
+// The connection of a process that writes log lines.
 class ProcessConnection {
   public:
     explicit ProcessConnection(FileDescriptor socket) : socket_(std::move(socket)) {}
 
     int fd() const { return socket_.get(); }
 
-    // Takes what has come, without waiting, and hands on the lines that are complete. False when
-    // the process has gone, or has sent what no process of the family sends.
-    bool receive(const std::function<void(const TraceLine&)>& take_line);
+    // Reads without blocking and calls `take_line` for each complete line. False if the process has
+    // closed the connection or sent an invalid message.
+    bool receive(const std::function<void(const LogLine&)>& take_line);
 
   private:
     bool take_message(std::string_view message,
-                      const std::function<void(const TraceLine&)>& take_line);
+                      const std::function<void(const LogLine&)>& take_line);
 
     FileDescriptor socket_;
     std::string unread_;

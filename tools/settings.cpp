@@ -24,7 +24,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// For when a command's arguments are known to be good: opening creates and repairs the file.
+// Call this after the arguments have been checked: opening creates and repairs the file.
 void open_settings() {
     if (ZynLogInitConfigOnly() == 1) return;
     const std::string path = GetConfigFilePath();
@@ -33,7 +33,7 @@ void open_settings() {
                      : formatted(translate("cannot open the settings at %s"), path.c_str()));
 }
 
-// Takes what a call that sets something has returned.
+// Checks the result of a ZynLogSet... function.
 void expect_set(int result) {
     if (result == 1) return;
     throw std::runtime_error(formatted(translate("cannot change the settings at %s: the file was "
@@ -67,14 +67,14 @@ std::uint32_t flag_bits(const std::string& text) {
     std::uint32_t bits = 0;
     const auto result = std::from_chars(begin, end, bits, is_hexadecimal ? 16 : 10);
     if (result.ec != std::errc() || result.ptr != end) {
-        throw UsageError(
-            formatted(translate("'%s' is no set of flags; valid are: 0 to 0xffffffff, thread-name"),
-                      text.c_str()));
+        throw UsageError(formatted(
+            translate("'%s' is not a valid set of flags; valid are: 0 to 0xffffffff, thread-name"),
+            text.c_str()));
     }
     return bits;
 }
 
-// The width is in characters of UTF-8 text.
+// The width counts characters of UTF-8 text.
 std::string column(std::string text, std::size_t width) {
     const auto continued = static_cast<std::size_t>(std::ranges::count_if(
         text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xc0U) == 0x80U; }));
@@ -137,7 +137,8 @@ std::string settings_json() {
     for (std::uint32_t index = 0; index < kLogClassCount; ++index) {
         settings["classes"].push_back(class_json(index));
     }
-    return settings.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+    // ASCII only, as the text may be shown on a terminal.
+    return settings.dump(2, ' ', true, Json::error_handler_t::replace) + "\n";
 }
 
 }  // namespace

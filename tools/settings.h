@@ -1,5 +1,5 @@
-// The commands that show and change the shared settings, once they are mapped. Those that change
-// something check everything first: on UsageError nothing has been changed.
+// The commands that show and change the shared settings. They check all arguments first: after a
+// UsageError nothing has changed.
 #pragma once
 
 #include <cstdint>

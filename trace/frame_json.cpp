@@ -6,6 +6,7 @@
 
 #include "base/utf8.h"
 #include "ipc/frame.h"
+#include "ipc/items.h"
 #include "trace/time_text.h"
 
 namespace kestrel {

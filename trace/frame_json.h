@@ -1,4 +1,4 @@
-// A message as a program reads it: one JSON object, with nothing left out.
+// Serialises frames to JSON, one object each, complete.
 // docs/protocol.md describes the fields.
 #pragma once
 
@@ -15,7 +15,7 @@ namespace kestrel {
 std::string frame_json(std::chrono::system_clock::time_point time, Direction direction, int pid,
                        const webkit_message& message);
 
-// The line that says that `count` messages are missing before the next one.
+// The line for `count` frames that are missing before the next one.
 std::string dropped_json(std::chrono::system_clock::time_point time, int pid, std::size_t count);
 
 }  // namespace kestrel

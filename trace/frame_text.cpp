@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "base/terminal_text.h"
-#include "ipc/frame.h"
+#include "ipc/items.h"
 
 namespace kestrel {
 namespace {

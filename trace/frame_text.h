@@ -1,4 +1,4 @@
-// A message as a person reads it.
+// Formats frames for humans.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@
 
 namespace kestrel {
 
-// What stands for a type that its direction's table does not have.
+// The name of a type that its direction's table does not have.
 inline constexpr std::string_view kUnknownType = "(unknown)";
 
 // One line without time and newline: "<-" for a message from the page, "->" for one to it, process
@@ -18,10 +18,10 @@ inline constexpr std::string_view kUnknownType = "(unknown)";
 // The payload must be as long as the header says. Throws std::bad_alloc.
 std::string frame_text(Direction direction, int pid, const webkit_message& message);
 
-// The items of a message as message_text shows them, parted by blanks; "" for none.
+// The items of a message as frame_text shows them, separated by blanks; "" for none.
 std::string items_text(const webkit_message& message);
 
-// A line that is about no message: "--" stands where the direction would.
+// A line about something else than a frame, with "--" as direction.
 std::string note_text(int pid, std::string_view note);
 
 inline constexpr std::size_t kMaxShownCharacters = 80;

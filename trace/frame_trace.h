@@ -1,5 +1,5 @@
 // The switch KESTREL_TRACE: what goes over the link, as lines for people or programs.
-// docs/protocol.md, "Watching the wire", describes them.
+// docs/protocol.md, "Tracing", describes them.
 #pragma once
 
 namespace kestrel {

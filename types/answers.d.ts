@@ -1,17 +1,17 @@
-// What comes back from the host, and where it goes.
+// Answers of the host, and callbacks.
 
 /**
- * Where an answer goes: the name of a global function, the source text of a function, or a
- * function, which is sent as its source text. A function sent so loses its closure: it can use its
- * argument and what is global, nothing else; a method or a bound function cannot be sent.
+ * Receives an answer: the name of a global function, the source text of a function, or a function,
+ * which is sent as its source text. A function sent in this way loses its closure: it can use only
+ * its argument and globals. Methods and bound functions cannot be sent.
  *
- * It is called from the main loop, never inside the call that asked: once, several times or never.
+ * It is called from the main loop, never during the call: once, several times or never.
  */
 export type Callback<Answer> = string | ((answer: Answer) => void);
 
 /**
- * What the reference host answers, by the function that asks. Another host may answer something
- * else: give its type as the type of the callback's parameter, or as the function's type argument.
+ * The reference host's answers, by function. For another host, declare the type of the callback's
+ * parameter, or pass it as the function's type argument.
  */
 export interface Answers {
   getCapabilities: Capabilities;
@@ -27,10 +27,10 @@ export interface Answers {
   getFileUri: string;
   /** The value, or `null` if none has been set. */
   getItem: string | null;
-  /** Whether it is kept. */
+  /** Whether it was stored. */
   setItem: boolean;
   recolorImage: RecoloredImage;
-  /** The words on the button, or `""` if the dialog was closed without it. */
+  /** The button's text, or `""` if the dialog was closed. */
   errorDialog: string;
   getUserDisplayName: string;
   launchResource: Started;
@@ -38,11 +38,11 @@ export interface Answers {
 
 /** An answer that may have failed. */
 export interface Attempt {
-  /** What went wrong, as a sentence; `""` if nothing did. */
+  /** A sentence about the failure; `""` on success. */
   problem: string;
 }
 
-/** What has become of the wish to start something. */
+/** The result of starting something. */
 export interface Started extends Attempt {
   started: boolean;
 }
@@ -53,7 +53,7 @@ export interface RecoloredImage extends Attempt {
 }
 
 export interface InstalledApps {
-  /** The applications of the user's computer, subscribed or not. */
+  /** The installed applications, subscribed or not. */
   applications: Application[];
   /** Ids of the subscribed applications, in the user's order. */
   subscriptions: string[];
@@ -67,7 +67,7 @@ export interface Application {
   icon: string;
 }
 
-/** What the host is and can do. */
+/** Properties of the host. */
 export interface Capabilities {
   host: string;
   version: string;
@@ -84,20 +84,20 @@ export interface StoreDetails {
 
 export interface Account {
   id: string;
-  /** To be shown. */
+  /** The display name. */
   name: string;
   /** The login name. */
   user: string;
 }
 
 /**
- * Takes the answer to `external.ajax`: five strings.
+ * Receives the answer to `external.ajax`: five strings.
  *
  * @param id The request's id, as the page chose it.
- * @param status The status code, in digits; `"0"` if no answer came.
- * @param statusText The words that go with the status, or why no answer came.
- * @param headers The answer's headers, a line of `Name: value` each.
- * @param body The answer's body.
+ * @param status The status code, in digits; `"0"` without a response.
+ * @param statusText The status text, or the reason why there is no response.
+ * @param headers The response's headers, a line of `Name: value` each.
+ * @param body The response's body.
  */
 export type AjaxCompletion = (
   id: string,

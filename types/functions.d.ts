@@ -3,24 +3,24 @@
 import type { Answers, Callback } from "./answers";
 
 /**
- * What is sent as text, by script's own conversion. The extension converts any value; what would
- * hardly be meant, such as `[object Object]` or `undefined`, is left out here: say `String(value)`.
+ * An argument that is converted to text. The extension converts any value; types whose text is
+ * rarely intended, such as `[object Object]` or `undefined`, are excluded: use `String(value)`.
  */
 export type TextArgument = string | number | bigint | boolean;
 
 /**
- * The functions of `external`. Each returns at once, waits for nothing and throws nothing; an
- * answer comes later, to the callback. The number of arguments must be exactly the declared one:
- * any other sends nothing. A function declared with `...ignored` takes any arguments, sends none.
+ * The functions of `external`. Each returns at once and does not throw; the callback receives the
+ * answer later. The number of arguments must be exactly the declared one; otherwise nothing is
+ * sent. A function declared with `...ignored` accepts any arguments and sends none.
  *
- * What the arguments mean, and what is answered, is agreed between page and host; what is said of
- * it here holds for the reference host.
+ * Page and host agree on the meaning of arguments and answers; the comments describe the reference
+ * host.
  */
 export interface HostFunctions {
   /**
-   * Asks what the host is and can do.
-   * @param page What the page calls itself.
-   * @param callback Gets the capabilities.
+   * Requests the host's capabilities.
+   * @param page The page's name.
+   * @param callback Receives the capabilities.
    */
   getCapabilities<Answer = Answers["getCapabilities"]>(
     page: TextArgument,
@@ -28,30 +28,30 @@ export interface HostFunctions {
   ): void;
 
   /**
-   * Tells that the page can be used.
+   * Reports that the page is ready for use.
    * @param ignored Not sent.
    */
   ready(...ignored: unknown[]): void;
 
   /**
-   * Asks which store this is.
-   * @param callback Gets the store's name and address.
+   * Requests information about the store.
+   * @param callback Receives the store's name and address.
    */
   getStoreDetails<Answer = Answers["getStoreDetails"]>(callback: Callback<Answer>): void;
 
-  /** Goes to the default store. */
+  /** Opens the default store. */
   openDefaultStore(): void;
 
   /**
-   * Tells that the page begins to refresh: the same message as `refresh`.
+   * Reports that the page starts refreshing: the same message as `refresh`.
    * @param ignored Not sent.
    */
   noteRefreshStart(...ignored: unknown[]): void;
 
   /**
-   * Asks for the applications of the user's computer, and for the subscriptions.
+   * Requests the installed applications and the subscriptions.
    * @param notSent Converted to text, but not sent.
-   * @param callback Gets both.
+   * @param callback Receives both.
    */
   getInstalledApps<Answer = Answers["getInstalledApps"]>(
     notSent: unknown,
@@ -59,7 +59,7 @@ export interface HostFunctions {
   ): void;
 
   /**
-   * Shows the client's settings menu at an area of the page, in pixels cut to whole numbers. The
+   * Shows the client's settings menu at an area of the page, in pixels truncated to integers. The
    * host receives left, top, width and height.
    * @param left The area's left edge.
    * @param top The area's upper edge.
@@ -69,19 +69,19 @@ export interface HostFunctions {
   settingsMenu(left: number, top: number, right: number, bottom: number): void;
 
   /**
-   * Asks for the user's accounts.
-   * @param callback Gets the accounts.
+   * Requests the user's accounts.
+   * @param callback Receives the accounts.
    */
   getAccountsAsync<Answer = Answers["getAccountsAsync"]>(callback: Callback<Answer>): void;
 
   /**
-   * Tells what the user has done.
-   * @param action Its name.
+   * Reports a user action.
+   * @param action The action's name.
    */
   sendAction(action: TextArgument): void;
 
   /**
-   * Tells that the page has refreshed.
+   * Reports that the page has refreshed.
    * @param ignored Not sent.
    */
   refresh(...ignored: unknown[]): void;
@@ -99,15 +99,15 @@ export interface HostFunctions {
   logOff(...ignored: unknown[]): void;
 
   /**
-   * Has the host make a web request. An argument that is no string would be sent empty, functions
-   * and numbers included.
+   * Sends a web request through the host. Arguments that are not strings, such as functions and
+   * numbers, would be sent empty.
    * @param url The address.
    * @param method `GET`, `POST` and so on.
    * @param headers The request's headers, a line of `Name: value` each.
    * @param body The request's body.
-   * @param id Comes back with the answer.
-   * @param completion Gets the answer: the name or source text of an `AjaxCompletion`. If this text
-   *     contains `zyns_ajax_complete` the five strings are handed over as they are.
+   * @param id Returned in the answer.
+   * @param completion Receives the answer: the name or source text of an `AjaxCompletion`. If this
+   *     text contains `zyns_ajax_complete`, the five strings are passed unchanged.
    */
   ajax(
     url: string,
@@ -121,21 +121,21 @@ export interface HostFunctions {
   /**
    * Subscribes to an application.
    * @param id The application's id.
-   * @param callback Gets the ids of the subscribed applications, in the user's order.
+   * @param callback Receives the ids of the subscribed applications, in the user's order.
    */
   subscribe<Answer = Answers["subscribe"]>(id: TextArgument, callback: Callback<Answer>): void;
 
   /**
    * Ends a subscription.
    * @param id The application's id.
-   * @param callback Gets the ids of the subscribed applications, in the user's order.
+   * @param callback Receives the ids of the subscribed applications, in the user's order.
    */
   unsubscribe<Answer = Answers["unsubscribe"]>(id: TextArgument, callback: Callback<Answer>): void;
 
   /**
-   * Starts an application, if the user agrees.
+   * Starts an application, after the user's confirmation.
    * @param id The application's id.
-   * @param callback Gets whether it is being started, and why not.
+   * @param callback Receives whether it is being started, or the reason why not.
    */
   launchApp<Answer = Answers["launchApp"]>(id: TextArgument, callback: Callback<Answer>): void;
 
@@ -154,31 +154,31 @@ export interface HostFunctions {
   ): void;
 
   /**
-   * Asks where a file beside the page is.
+   * Requests the URI of a file next to the page.
    * @param name The file's path, relative to the page.
-   * @param callback Gets its URI, or `""`.
+   * @param callback Receives the URI, or `""`.
    */
   getFileUri<Answer = Answers["getFileUri"]>(name: TextArgument, callback: Callback<Answer>): void;
 
   /**
-   * Asks the client to go online.
+   * Requests the client to go online.
    * @param notSent Not sent.
    * @param text Passed on to the host.
    */
   goOnline(notSent: unknown, text: TextArgument): void;
 
   /**
-   * Asks for an item of the host's storage.
+   * Requests an item of the host's storage.
    * @param key The item's name.
-   * @param callback Gets the value, or `null`.
+   * @param callback Receives the value, or `null`.
    */
   getItem<Answer = Answers["getItem"]>(key: TextArgument, callback: Callback<Answer>): void;
 
   /**
-   * Keeps an item in the host's storage.
+   * Stores an item in the host's storage.
    * @param key The item's name.
-   * @param value Its value, kept as text.
-   * @param callback Gets whether it is kept.
+   * @param value Its value, stored as text.
+   * @param callback Receives whether it was stored.
    */
   setItem<Answer = Answers["setItem"]>(
     key: TextArgument,
@@ -187,19 +187,19 @@ export interface HostFunctions {
   ): void;
 
   /**
-   * Opens an address outside the page, if the user agrees.
+   * Opens an address outside the page, after the user's confirmation.
    * @param address The address.
    */
   openUrl(address: TextArgument): void;
 
   /**
-   * Asks for an image in another colour.
+   * Requests an image in another colour.
    * @param image A data URI, or the path of a file, relative to the page.
    * @param red 0 to 255.
    * @param green 0 to 255.
    * @param blue 0 to 255.
    * @param notSent Not sent.
-   * @param callback Gets a data URI, or why there is none.
+   * @param callback Receives a data URI, or the reason why there is none.
    */
   recolorImage<Answer = Answers["recolorImage"]>(
     image: TextArgument,
@@ -212,11 +212,11 @@ export interface HostFunctions {
 
   /**
    * Shows an error to the user.
-   * @param title The dialog's title; sent empty if it is no string.
-   * @param details What may be unfolded; sent empty if it is no string.
-   * @param text What has happened.
-   * @param button The words on the button.
-   * @param callback Gets the button that was pressed, if it was.
+   * @param title The dialog's title; sent empty unless a string.
+   * @param details Details that the user can unfold; sent empty unless a string.
+   * @param text The error message.
+   * @param button The button's text.
+   * @param callback Receives the text of the button, or `""`.
    */
   errorDialog<Answer = Answers["errorDialog"]>(
     title: string | null | undefined,
@@ -227,31 +227,31 @@ export interface HostFunctions {
   ): void;
 
   /**
-   * Asks for the user's name, to be shown.
-   * @param callback Gets the name.
+   * Requests the user's display name.
+   * @param callback Receives the name.
    */
   getUserDisplayName<Answer = Answers["getUserDisplayName"]>(callback: Callback<Answer>): void;
 
   /**
    * Moves a subscription within the user's order.
    * @param id The application's id.
-   * @param position Where it is to stand, counted from 0.
+   * @param position The new position; the first is 0.
    */
   updateSubPosition(id: TextArgument, position: TextArgument): void;
 
-  /** Tells that the page has been loaded. */
+  /** Reports that the page has been loaded. */
   siteLoaded(): void;
 
-  /** Asks to log on in the mode for a shared user. */
+  /** Requests a logon in shared user mode. */
   sharedUserModeLogon(): void;
 
-  /** Tells that the user wants to try again after being offline. */
+  /** Reports that the user wants to retry after being offline. */
   offlineErrorTryAgain(): void;
 
   /**
-   * Opens a resource, such as a document, with the application for it, if the user agrees.
+   * Opens a resource, such as a document, with its application, after the user's confirmation.
    * @param name The file's path, relative to the page.
-   * @param callback Gets whether it is being opened, and why not.
+   * @param callback Receives whether it is being opened, or the reason why not.
    */
   launchResource<Answer = Answers["launchResource"]>(
     name: TextArgument,

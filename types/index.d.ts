@@ -1,4 +1,4 @@
-// The functions of `external`, `ZYNS`, and what the host looks for in a page.
+// The functions of `external`, `ZYNS`, and the names that the host looks up in a page.
 
 export * from "./answers";
 export * from "./functions";

@@ -19,7 +19,7 @@ std::string absolute(const std::string& path) {
     return text.get();
 }
 
-// The text tells the option, then what was given.
+// `text` has two %s: the option and the given value.
 [[noreturn]] void fail(const char* text, const std::string& option, const std::string& given) {
     throw UsageError(formatted(text, option.c_str(), given.c_str()));
 }

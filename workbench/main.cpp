@@ -1,17 +1,18 @@
-// A host in which store pages are developed: shows one, answers it, and shows what goes over the
-// wire.
+// A host for developing store pages: shows a page, answers its calls and lists the messages.
 #include <gtk/gtk.h>
 
-#include <clocale>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <optional>
 #include <string>
-#include <string_view>
+#include <system_error>
 #include <vector>
 
+#include "base/password_entry.h"
 #include "log/zynlog.h"
+#include "program/language.h"
 #include "program/translation.h"
 #include "workbench/restart.h"
 #include "workbench/workbench.h"
@@ -20,21 +21,31 @@ namespace {
 
 constexpr int kUsageStatus = 2;
 
-// What web processes inherit, and GTK, the log and the catalogues look at. Nothing has started a
-// thread yet.
+// Inherited by web processes and read by GTK, the log and the catalogues. Call before any thread is
+// started.
 void set_up_environment(const kestrel::Options& options, const kestrel::PrivateHome& home) {
     setenv("HOME", home.path().c_str(), 1);
-    if (options.locale.empty()) return;
-    setenv("LANGUAGE", options.locale.c_str(), 1);
-    // The C locale has no catalogues, whatever the language.
-    if (std::string_view(std::setlocale(LC_MESSAGES, nullptr)) == "C") {
-        setenv("LC_ALL", "C.UTF-8", 1);
-    }
+    // Mesa's threads would write into the home directory while it is being removed.
+    setenv("MESA_SHADER_CACHE_DISABLE", "true", 0);
+    // Sandboxed web processes can read the client's directory.
+    if (!options.locale.empty()) kestrel::use_language(options.locale, home.client_directory());
+}
+
+// GLib caches the home directory on first use, and WebKit crashes if it does not exist.
+void ensure_home_directory() {
+    const auto is_usable = [](const std::string& path) {
+        std::error_code error;
+        return path.starts_with('/') && std::filesystem::is_directory(path, error);
+    };
+    const char* const home = std::getenv("HOME");
+    if (home != nullptr && is_usable(home)) return;
+    const std::string user_home = kestrel::password_entry_of_caller().home;
+    setenv("HOME", is_usable(user_home) ? user_home.c_str() : "/", 1);
 }
 
 struct Outcome {
     int status = EXIT_SUCCESS;
-    std::optional<std::string> wanted_locale;  // of another run
+    std::optional<std::string> wanted_locale;  // to restart with
 };
 
 Outcome run(const kestrel::Options& options) {
@@ -55,7 +66,8 @@ Outcome run(const kestrel::Options& options) {
 }
 
 int fail(const std::exception& error, const char* advice, int status) {
-    std::cerr << "kestrel-workbench: " << error.what() << '\n' << advice;
+    std::cerr << "kestrel-workbench: " << error.what() << '\n';
+    if (*advice != '\0') std::cerr << advice << '\n';
     return status;
 }
 
@@ -63,9 +75,10 @@ int fail(const std::exception& error, const char* advice, int status) {
 
 int main(int argc, char** argv) {
     kestrel::use_translations();
-    std::signal(SIGPIPE, SIG_IGN);  // whoever reads the transcript may leave before us
+    std::signal(SIGPIPE, SIG_IGN);  // the reader of the transcript may exit first
     const std::vector<std::string> arguments(argv, argv + argc);
     const std::vector<std::string> environment = kestrel::copy_of_environment();
+    ensure_home_directory();
     try {
         const kestrel::Options options = kestrel::parse_options(argc, argv);
         if (options.show_version) {
@@ -77,7 +90,8 @@ int main(int argc, char** argv) {
         kestrel::restart(kestrel::arguments_with_locale(arguments, *outcome.wanted_locale),
                          environment);
     } catch (const kestrel::UsageError& error) {
-        return fail(error, kestrel::translate("Try 'kestrel-workbench --help'.\n"), kUsageStatus);
+        return fail(error, kestrel::translate("Run with --help for more information."),
+                    kUsageStatus);
     } catch (const std::exception& error) {
         return fail(error, "", EXIT_FAILURE);
     }

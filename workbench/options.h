@@ -22,16 +22,16 @@ struct Options {
     bool show_version = false;  // everything else is unchecked then
 
     bool is_headless = false;
-    // The rest has a meaning for a headless run only.
+    // Used in headless runs only.
     std::string script;            // the file's text
     bool call_everything = false;  // instead of a script
-    bool agrees = false;           // with whatever the page asks
+    bool agrees = false;           // to everything the page asks
     std::string screenshot;        // "" for none
     std::chrono::seconds timeout{60};
 };
 
 // Throws UsageError. Prints help and ends the process if asked to.
-Options parse_options(int argc, char** argv);
+Options parse_options(int argc, const char* const* argv);
 
 // Throws UsageError when one message cannot carry both, each with its NUL.
 void check_page_fits(const std::string& page_uri, const std::string& resources);

@@ -33,14 +33,15 @@ std::string socket_path_in(const std::string& home) {
 
 PrivateHome::PrivateHome(const std::string& given)
     : path_(given.empty() ? make_temporary_directory() : given), is_temporary_(given.empty()) {
-    const std::string client_directory = path_ + kClientDirectory;
-    if (mkdir(client_directory.c_str(), S_IRWXU) == -1 && errno != EEXIST)
-        fail_to_make(client_directory);
+    const std::string directory = client_directory();
+    if (mkdir(directory.c_str(), S_IRWXU) == -1 && errno != EEXIST) fail_to_make(directory);
 }
 
 PrivateHome::~PrivateHome() {
     std::error_code ignored;
     if (is_temporary_) fs::remove_all(path_, ignored);
 }
+
+std::string PrivateHome::client_directory() const { return path_ + kClientDirectory; }
 
 }  // namespace kestrel

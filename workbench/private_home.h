@@ -10,7 +10,7 @@ std::string socket_path_in(const std::string& home);
 // The home directory of the web processes, with the client's directory in it.
 class PrivateHome {
   public:
-    // Uses `given`, or makes a temporary directory if that is "". Throws std::system_error.
+    // Uses `given`, or creates a temporary directory if it is "". Throws std::system_error.
     explicit PrivateHome(const std::string& given);
 
     // Removes the directory if it was temporary.
@@ -19,6 +19,7 @@ class PrivateHome {
     PrivateHome& operator=(const PrivateHome&) = delete;
 
     const std::string& path() const { return path_; }
+    std::string client_directory() const;
 
   private:
     std::string path_;

@@ -1,7 +1,7 @@
-// Starting the program anew, in the place of the running one.
+// Restarts the program in the same process.
 //
 // Web processes inherit the language from the environment, which must not change while other
-// threads run: another language takes another start.
+// threads run, so a change of language needs a restart.
 #pragma once
 
 #include <string>
@@ -9,16 +9,15 @@
 
 namespace kestrel {
 
-// The arguments, which begin with the program's name, with this locale in place of an earlier one;
-// "" for the user's own.
+// Replaces --locale in the arguments, which begin with the program's name; "" removes it.
 std::vector<std::string> arguments_with_locale(std::vector<std::string> arguments,
                                                const std::string& locale);
 
-// This process's environment, as lines NAME=VALUE. To be taken before anybody changes it.
+// The environment of this process as NAME=VALUE. Call before it is changed.
 std::vector<std::string> copy_of_environment();
 
-// Runs this program instead of this process. `arguments` begin with the program's name. Throws
-// std::system_error.
+// Replaces this process by a new run of the program. `arguments` begin with the program's name.
+// Throws std::system_error.
 [[noreturn]] void restart(std::vector<std::string> arguments, std::vector<std::string> environment);
 
 }  // namespace kestrel

@@ -6,13 +6,15 @@
 #include <memory>
 #include <utility>
 
+#include "ipc/frame_builder.h"
+#include "ipc/items.h"
 #include "workbench/answers/answer.h"
 #include "workbench/answers/request.h"
 
 namespace kestrel {
 namespace {
 
-constexpr std::string_view kFirstWord = "window.onHostReady && window.onHostReady();";
+constexpr std::string_view kHostReadyScript = "window.onHostReady && window.onHostReady();";
 
 }  // namespace
 
@@ -29,9 +31,9 @@ void Session::offer_page() {
     for (Connection* connection : announced_) send_page(*connection);
 }
 
-void Session::greet_page() {
+void Session::notify_ready() {
     phase_ = Phase::shown;
-    for (Connection* connection : announced_) send_greeting(*connection);
+    for (Connection* connection : announced_) send_ready(*connection);
 }
 
 void Session::on_message(Connection& connection, const webkit_message& message) {
@@ -39,20 +41,20 @@ void Session::on_message(Connection& connection, const webkit_message& message) 
     const bool is_sound = decode_items(message, items);
     const Request request(std::move(items));
     if (is_sound && message.msg_type == to_host("announce")) {
-        introduce(connection, request.number(0));
+        on_announce(connection, request.number(0));
     }
     const std::uint64_t serial =
         transcript_.message(Direction::from_page, connection.pid(), message);
     if (!is_sound) return;
 
     if (const Command* command = find_command(message.msg_type)) {
-        carry_out(connection, *command, request, serial);
+        dispatch(connection, *command, request, serial);
         return;
     }
     switch (message.msg_type) {
         case to_host("announce"):
             if (phase_ == Phase::offering) send_page(connection);
-            if (phase_ == Phase::shown) send_greeting(connection);
+            if (phase_ == Phase::shown) send_ready(connection);
             break;
         case to_host("resourcesTaken"):
             if (phase_ != Phase::offering || request.text(0) != services_.page_uri) break;
@@ -61,7 +63,7 @@ void Session::on_message(Connection& connection, const webkit_message& message) 
             break;
         case to_host("answerDelivered"):
             if (check_ != nullptr) check_->on_answer_confirmed();
-            note_check_over();
+            report_check_over();
             break;
         default:
             break;
@@ -94,7 +96,7 @@ void Session::misbehave_now(Misbehavior kind) {
     }
 }
 
-void Session::introduce(Connection& connection, int pid) {
+void Session::on_announce(Connection& connection, int pid) {
     connection.set_pid(pid);
     if (std::ranges::find(announced_, &connection) == announced_.end()) {
         announced_.push_back(&connection);
@@ -102,16 +104,16 @@ void Session::introduce(Connection& connection, int pid) {
     events_.processes_changed();
 }
 
-void Session::carry_out(Connection& connection, const Command& command, const Request& request,
-                        std::uint64_t serial) {
-    if (command.action != nullptr) act(connection, command, request, serial);
+void Session::dispatch(Connection& connection, const Command& command, const Request& request,
+                       std::uint64_t serial) {
+    if (command.action != nullptr) run_action(connection, command, request, serial);
     if (check_ == nullptr) return;
     send_script(connection, check_->on_command(command, request));
-    note_check_over();
+    report_check_over();
 }
 
-void Session::act(Connection& connection, const Command& command, const Request& request,
-                  std::uint64_t serial) {
+void Session::run_action(Connection& connection, const Command& command, const Request& request,
+                         std::uint64_t serial) {
     const std::string callback =
         command.calls_back() ? request.text(static_cast<std::size_t>(command.callback)) : "";
     const Reply reply(
@@ -121,12 +123,12 @@ void Session::act(Connection& connection, const Command& command, const Request&
     try {
         command.action(services_, request, reply);
     } catch (const std::exception& error) {
-        services_.desktop.show_notice(std::string(command.name) + ": " + error.what());
-        reply("null");
+        services_.user_interface.show_notice(std::string(command.name) + ": " + error.what());
+        reply(nullptr);
     }
 }
 
-void Session::note_check_over() {
+void Session::report_check_over() {
     if (check_ != nullptr && check_->is_over()) events_.check_over();
 }
 
@@ -159,8 +161,8 @@ void Session::send_page(Connection& connection) {
                                  std::array<std::string_view, 2>{services_.page_uri, resources_}));
 }
 
-void Session::send_greeting(Connection& connection) {
-    send_script(connection, kFirstWord);
+void Session::send_ready(Connection& connection) {
+    send_script(connection, kHostReadyScript);
     if (check_ != nullptr) send_script(connection, check_->on_page_shown());
 }
 

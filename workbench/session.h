@@ -1,12 +1,12 @@
-// The conversation with the web processes of one window.
+// The host's side of the protocol, for all web processes of one window.
 //
-// The window first shows an empty page, so that a web process starts. As soon as that page is shown
-// and the process has announced itself, it is handed the store page's URL and resources; the store
-// page is loaded when the process says that it has taken them. When the page has loaded, it gets
-// the host's first word, and only then does it call the host: before that, its link need not be up.
+// The window first shows an empty page, which starts a web process. Once that page is shown and the
+// process has announced itself, the session sends the store page's URL and resources, and loads the
+// store page when the process confirms them. When the page has loaded, it gets the host-ready
+// script, and calls the host only then: before, its link may not be up.
 //
-// WebKit may move the page to a second process at any time, so everything is said to every process
-// that has announced itself.
+// WebKit may move the page to another process at any time, so everything is sent to every announced
+// process.
 #pragma once
 
 #include <cstdint>
@@ -28,35 +28,35 @@ class Session final : public MessageReceiver {
   public:
     struct Events {
         std::function<void()> load_page;   // the web process is ready for services.page_uri
-        std::function<void()> check_over;  // nothing more is to be expected
+        std::function<void()> check_over;  // the check has finished
         std::function<void()> processes_changed = [] {};
     };
 
-    // `resources` are a script expression, or "". `check` may be null. Everything given by
-    // reference must outlive the session.
+    // `resources` is a script expression or "". `check` may be null. All references must outlive
+    // the session.
     Session(Services& services, std::string resources, Transcript& transcript, PageCheck* check,
             Events events);
 
-    // From the next offer on.
+    // Takes effect with the next offer_page.
     void set_resources(std::string resources) { resources_ = std::move(resources); }
     const std::string& resources() const { return resources_; }
 
-    // The window shows a page that the store page is to replace.
+    // Call when the window shows a page that the store page is to replace.
     void offer_page();
 
-    // The window shows the store page.
-    void greet_page();
+    // Call when the window shows the store page.
+    void notify_ready();
 
-    // The processes that have announced themselves and have not gone.
+    // The process ids of the announced, connected processes.
     std::vector<int> processes() const;
 
-    // Sends a message that nobody has asked for to one of them, or to all if `pid` is 0.
+    // Sends an unrequested message to one process, or to all if `pid` is 0.
     void send_to(int pid, const webkit_message& message);
 
-    // How answers are sent from now on.
+    // Applies to all answers from now on.
     void set_misbehavior(Misbehavior kind) { misbehavior_ = kind; }
 
-    // Misbehaves to all processes once, without a request.
+    // Misbehaves once towards all processes, without a request.
     void misbehave_now(Misbehavior kind);
 
     void on_message(Connection& connection, const webkit_message& message) override;
@@ -65,17 +65,17 @@ class Session final : public MessageReceiver {
   private:
     enum class Phase : std::uint8_t { starting, offering, loading, shown };
 
-    void introduce(Connection& connection, int pid);
-    void carry_out(Connection& connection, const Command& command, const Request& request,
-                   std::uint64_t serial);
-    void act(Connection& connection, const Command& command, const Request& request,
-             std::uint64_t serial);
-    void note_check_over();
+    void on_announce(Connection& connection, int pid);
+    void dispatch(Connection& connection, const Command& command, const Request& request,
+                  std::uint64_t serial);
+    void run_action(Connection& connection, const Command& command, const Request& request,
+                    std::uint64_t serial);
+    void report_check_over();
 
     void send(Connection& connection, Frame frame);
     void send(Connection& connection, Outgoing outgoing, std::uint64_t answer_to);
     void send_page(Connection& connection);
-    void send_greeting(Connection& connection);
+    void send_ready(Connection& connection);
     void send_script(Connection& connection, std::string_view script);
     bool send_answer(Connection& connection, const Answer& answer, std::uint64_t request);
 

@@ -5,8 +5,7 @@
 
 namespace kestrel {
 
-// Arguments or an environment as C wants them, with a null at the end. The texts stay where they
-// are, and must outlive the pointers.
+// A null-terminated argv or environ that points into `texts`, which must outlive it.
 inline std::vector<char*> pointers_to(std::vector<std::string>& texts) {
     std::vector<char*> pointers;
     pointers.reserve(texts.size() + 1);

@@ -3,33 +3,39 @@
 #include <array>
 #include <csignal>
 #include <filesystem>
+#include <system_error>
 #include <vector>
 
-#include "workbench/check/rehearsal.h"
+#include "program/translation.h"
+#include "workbench/check/api_coverage_check.h"
 #include "workbench/check/script_check.h"
 #include "workbench/desktop/app_icon.h"
 #include "workbench/desktop/catalogues.h"
-#include "workbench/desktop/headless_desktop.h"
+#include "workbench/desktop/headless_user_interface.h"
 #include "workbench/window/sandbox.h"
-#include "workbench/window/window_desktop.h"
+#include "workbench/window/window_user_interface.h"
 
 namespace kestrel {
 namespace {
 
-constexpr std::chrono::seconds kPatienceAtExit{2};
+constexpr std::chrono::seconds kExitTimeout{2};
 
-// The terminal goes, the user has enough, the system goes down: the transcript is completed and the
-// temporary home removed.
+// Handled so that the transcript is completed and the temporary home removed.
 constexpr std::array kEndingSignals = {SIGHUP, SIGINT, SIGTERM};
 
 constexpr int kIconSize = 64;  // pixels
 
-// A picture of the page has this size.
+// The size of a screenshot.
 constexpr int kHeadlessWidth = 1'280;
 constexpr int kHeadlessHeight = 860;
 
 std::string database_path(const std::string& directory) {
-    std::filesystem::create_directories(directory);
+    std::error_code error;
+    std::filesystem::create_directories(directory, error);
+    if (error) {
+        throw DatabaseError(
+            formatted(translate("%s cannot be opened or created"), directory.c_str()));
+    }
     return directory + "/" + std::string(kStoreDatabaseFile);
 }
 
@@ -58,10 +64,10 @@ Workbench::Workbench(const Options& options, const PrivateHome& home, Transcript
              .install_root = install_root_,
              .home = home.path(),
              .resources = options.resources,
-             .has_sandbox = has_sandbox()},
+             .has_sandbox = has_sandbox(home.path())},
             view_events()),
-      desktop_(make_desktop()),
-      services_{options.page_uri, database_, apps_, requests_, *desktop_, icon_uri},
+      user_interface_(make_user_interface()),
+      services_{options.page_uri, database_, apps_, requests_, *user_interface_, icon_uri},
       check_(make_check()),
       session_(services_, options.resources, transcript, check_.get(),
                {.load_page = [this] { view_.load(services_.page_uri); },
@@ -82,26 +88,27 @@ Workbench::~Workbench() {
     transcript_.log_to(nullptr);
 }
 
-bool Workbench::has_sandbox() const {
+bool Workbench::has_sandbox(const std::string& home) const {
     if (!options_.has_sandbox) return false;
-    const bool can = can_make_sandbox();
-    if (!can) transcript_.note("no sandbox: this machine does not let us make one");
-    return can;
+    const std::string obstacle =
+        sandbox_obstacle(home, {options_.extension_directory, install_root_, home});
+    if (!obstacle.empty()) transcript_.note("no sandbox: " + obstacle);
+    return obstacle.empty();
 }
 
 PageView::Events Workbench::view_events() {
     return {.empty_page_shown = [this] { session_.offer_page(); },
-            .page_shown = [this] { session_.greet_page(); },
-            .failed = [this](const std::string& what) { give_up(what); }};
+            .page_shown = [this] { session_.notify_ready(); },
+            .failed = [this](const std::string& what) { on_page_failure(what); }};
 }
 
-std::unique_ptr<Desktop> Workbench::make_desktop() {
+std::unique_ptr<UserInterface> Workbench::make_user_interface() {
     if (options_.is_headless) {
         off_screen_.reset(show_off_screen(view_.widget()));
-        return std::make_unique<HeadlessDesktop>(
-            options_.agrees,
-            HeadlessDesktop::Events{.shown = [this](const std::string& line) { show_notice(line); },
-                                    .open_default_store = [this] { open_default_store(); }});
+        return std::make_unique<HeadlessUserInterface>(
+            options_.agrees, HeadlessUserInterface::Events{
+                                 .shown = [this](const std::string& line) { show_notice(line); },
+                                 .open_default_store = [this] { open_default_store(); }});
     }
     window_ = std::make_unique<WorkbenchWindow>(
         view_.widget(), log_,
@@ -109,12 +116,13 @@ std::unique_ptr<Desktop> Workbench::make_desktop() {
         window_events());
     window_->show_address(options_.page_uri);
     transcript_.log_to(&log_);
-    return std::make_unique<WindowDesktop>(
+    return std::make_unique<WindowUserInterface>(
         window_->window(), view_.widget(),
-        WindowDesktop::Events{.notice = [this](const std::string& line) { show_notice(line); },
-                              .open_default_store = [this] { open_default_store(); },
-                              .reload = [this] { reload(); },
-                              .show_inspector = [this] { view_.show_inspector(); }});
+        WindowUserInterface::Events{
+            .notice = [this](const std::string& line) { show_notice(line); },
+            .open_default_store = [this] { open_default_store(); },
+            .reload = [this] { reload(); },
+            .show_inspector = [this] { view_.show_inspector(); }});
 }
 
 WorkbenchWindow::Events Workbench::window_events() {
@@ -135,9 +143,8 @@ WorkbenchWindow::Events Workbench::window_events() {
 
 std::unique_ptr<PageCheck> Workbench::make_check() const {
     if (!options_.is_headless) return nullptr;
-    if (options_.call_everything) return std::make_unique<Rehearsal>();
-    // Not before there is a view: WebKit starts no process after JavaScriptCore has been used
-    // alone.
+    if (options_.call_everything) return std::make_unique<ApiCoverageCheck>();
+    // Only once the view exists: WebKit starts no process if JavaScriptCore was used before it.
     const std::string problem = ScriptCheck::find_syntax_error(options_.script);
     if (!problem.empty()) throw UsageError("--script: " + problem);
     return std::make_unique<ScriptCheck>(options_.script);
@@ -146,7 +153,7 @@ std::unique_ptr<PageCheck> Workbench::make_check() const {
 int Workbench::run() {
     EventSource time_limit;
     if (check_) {
-        // The picture may never come either: whoever is still here the next time leaves.
+        // The screenshot may hang too: the second timeout exits in any case.
         time_limit = EventSource::every(options_.timeout, [this] {
             if (is_leaving_) leave(1);
             finish_check();
@@ -212,7 +219,7 @@ void Workbench::reload() {
     }
 }
 
-void Workbench::give_up(const std::string& what) {
+void Workbench::on_page_failure(const std::string& what) {
     transcript_.note(what);
     if (check_) finish_check();
 }
@@ -239,10 +246,10 @@ void Workbench::leave(int status) {
     g_main_loop_quit(loop_.get());
 }
 
-// They would write into the home directory while it is being removed.
+// Otherwise they would write into the home directory while it is being removed.
 void Workbench::wait_for_web_processes() {
     bool is_over = false;
-    const auto limit = EventSource::every(kPatienceAtExit, [&] { is_over = true; });
+    const auto limit = EventSource::every(kExitTimeout, [&] { is_over = true; });
     while (server_.has_connections() && !is_over) g_main_context_iteration(nullptr, TRUE);
 }
 

@@ -8,7 +8,7 @@
 
 #include "workbench/answers/services.h"
 #include "workbench/check/page_check.h"
-#include "workbench/desktop/desktop.h"
+#include "workbench/desktop/user_interface.h"
 #include "workbench/options.h"
 #include "workbench/private_home.h"
 #include "workbench/session.h"
@@ -21,21 +21,20 @@
 
 namespace kestrel {
 
-// The program, from start to exit status: one view, one server, and either a window or a check.
+// The program: one view, one server, and either a window or a check.
 class Workbench {
   public:
-    // The environment and GTK must have been set up for `home`. Throws what the database and the
-    // server throw.
+    // The environment and GTK must have been set up for `home`. Throws what StoreDatabase and
+    // MessageServer throw.
     Workbench(const Options& options, const PrivateHome& home, Transcript& transcript);
     ~Workbench();
     Workbench(const Workbench&) = delete;
     Workbench& operator=(const Workbench&) = delete;
 
-    // Runs until the window is closed or the check is over. The exit status.
+    // Runs until the window is closed or the check has finished. Returns the exit status.
     int run();
 
-    // The locale with which the program is to start anew, "" for the user's own; none if it is to
-    // end.
+    // The locale to restart with, "" for the user's own; none to exit.
     const std::optional<std::string>& wanted_locale() const { return wanted_locale_; }
 
   private:
@@ -43,9 +42,9 @@ class Workbench {
         void operator()(GtkWidget* widget) const { gtk_widget_destroy(widget); }
     };
 
-    bool has_sandbox() const;
+    bool has_sandbox(const std::string& home) const;
     PageView::Events view_events();
-    std::unique_ptr<Desktop> make_desktop();
+    std::unique_ptr<UserInterface> make_user_interface();
     std::unique_ptr<PageCheck> make_check() const;
     void show_notice(const std::string& text);
     void open_default_store();
@@ -53,12 +52,12 @@ class Workbench {
     void load(const std::string& address);
     void load_resources(const std::string& path);
     void reload();
-    void give_up(const std::string& what);
+    void on_page_failure(const std::string& what);
     void finish_check();
     void leave(int status);
     void wait_for_web_processes();
 
-    // Services go before what uses them, and are silent when they go: see Services.
+    // Services are destroyed after the session that uses them, and call nothing back then.
     const Options& options_;
     Transcript& transcript_;
     const std::string install_root_;
@@ -70,7 +69,7 @@ class Workbench {
     MessageLog log_;
     std::unique_ptr<WorkbenchWindow> window_;               // null when headless
     std::unique_ptr<GtkWidget, WidgetDestroy> off_screen_;  // null otherwise
-    std::unique_ptr<Desktop> desktop_;
+    std::unique_ptr<UserInterface> user_interface_;
     Services services_;
     std::unique_ptr<PageCheck> check_;  // null with a window
     Session session_;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "ipc/frame.h"
+#include "ipc/frame_builder.h"
 
 namespace kestrel::bench {
 namespace {

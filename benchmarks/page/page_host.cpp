@@ -10,6 +10,7 @@
 #include "benchmarks/require.h"
 #include "benchmarks/unix_socket.h"
 #include "ipc/frame.h"
+#include "ipc/frame_builder.h"
 
 namespace kestrel::bench {
 namespace {

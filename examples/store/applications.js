@@ -1,11 +1,11 @@
-// The applications in a grid: what the store offers, and what is on this computer. The host keeps
-// the subscriptions in the user's order; the page shows them and passes on what is done.
+// The grid of applications: the store's catalogue and the applications of this computer. The host
+// stores the subscriptions in the user's order.
 'use strict';
 
 const store = {
   /** @type {string[]} Ids of the subscribed applications, in the user's order. */
   mine: [],
-  /** @type {any[]} The applications of this computer, made alike to those of the catalogue. */
+  /** @type {any[]} The applications of this computer, in the format of the catalogue. */
   installed: [],
   category: 'discover',
   query: '',
@@ -39,7 +39,7 @@ function shownApplications() {
   });
 }
 
-// --- What can be done with one ---
+// --- Actions ---
 
 async function subscribe(app) {
   store.mine = await host.ask('subscribe', app.id);
@@ -59,7 +59,7 @@ async function launch(app) {
   toast(started ? `${app.name} is starting` : `${app.name} was not started: ${problem}`);
 }
 
-// Puts one of the user's own where it is to stand in the user's order.
+// Moves a subscription to a position in the user's order.
 function moveTo(id, position) {
   store.mine = store.mine.filter((each) => each !== id);
   store.mine.splice(position, 0, id);
@@ -67,7 +67,7 @@ function moveTo(id, position) {
   showApplications();
 }
 
-// By keyboard: the button that was pressed keeps the focus, to be pressed again.
+// For the keyboard: the pressed button keeps the focus.
 function step(app, by, button) {
   const position = store.mine.indexOf(app.id) + by;
   if (position < 0 || position >= store.mine.length) return;
@@ -75,14 +75,14 @@ function step(app, by, button) {
   element('grid').querySelector(`[data-id="${CSS.escape(app.id)}"] ${button}`).focus();
 }
 
-// The order may hold more than is shown: what stands before on the page stands before in the order.
+// The order may contain applications that are not shown: the card goes after its shown predecessor.
 function drop(card) {
   const {id} = card.dataset;
   const others = store.mine.filter((each) => each !== id);
   moveTo(id, others.indexOf(card.previousElementSibling?.dataset.id) + 1);
 }
 
-// --- What is shown ---
+// --- Display ---
 
 function fillIcon(icon, app) {
   if (app.icon) {

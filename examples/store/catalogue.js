@@ -1,4 +1,4 @@
-// What the sample store offers.
+// The catalogue of the sample store.
 'use strict';
 
 const kCategories = {
@@ -13,8 +13,8 @@ const kCategories = {
 
 const kFeatured = 'easel';
 
-// `required` applications belong to everybody from the first visit on. A glyph is the path of a
-// drawing of 24 by 24, made of lines.
+// `required` applications are subscribed on the first visit. A glyph is an SVG path in a view box of
+// 24 by 24.
 const kCatalogue = [
   {id: 'letters', name: 'Letters', publisher: 'Northwind Office', category: 'office', required: true,
    summary: 'Mail with every account in one place', colors: ['#4f8cff', '#2356d8'],

@@ -1,8 +1,8 @@
-// The sheet of all functions: one control each, what was called with it, and what came back.
+// The sheet of all functions: a button, the arguments and the answer of each.
 'use strict';
 
 const kSampleApp = 'atlas';
-const kRefusedAddress = 'http://127.0.0.1:9/';  // nobody listens: an answer without a network
+const kRefusedAddress = 'http://127.0.0.1:9/';  // refuses connections: an answer without a network
 
 /** @typedef {{name: string, isAnswered?: boolean, call: () => unknown}} Row */
 /**
@@ -32,7 +32,7 @@ const kFunctions = [
   askRow('launchResource', 'documents/Budget 2027.csv'),
   askRow('unsubscribe', kSampleApp),
   askRow('setItem', 'greeting', 'Grüß Gott – "hello"'),
-  // This callback travels as a function's text, the others as names.
+  // This callback is passed as source text, the others as names.
   {name: 'getItem', isAnswered: true, call: () => host.askBySource('getItem', 'greeting')},
   askRow('getFileUri', 'index.html'),
   askRow('recolorImage', 'drop.png', 63, 94, 251, ''),
@@ -45,7 +45,7 @@ const kFunctions = [
   tellRow('offlineErrorTryAgain'),
   tellRow('writeTraceMessage', 'A line for the trace', '', '', ''),
   tellRow('logOff'),
-  // The last: it may end this page.
+  // The last one: it may unload this page.
   tellRow('openDefaultStore'),
 ];
 
@@ -83,7 +83,7 @@ function showSheet(isShown) {
   element('toggle-sheet').ariaPressed = String(isShown);
 }
 
-// Calls every function once, one after the other, and tells the host which callbacks ran.
+// Calls every function once, in sequence, and reports to the host which callbacks ran.
 async function callEveryFunction() {
   showSheet(true);
   const calledBack = [];

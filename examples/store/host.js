@@ -1,5 +1,5 @@
-// The page's way to the host. A function of `external` returns nothing; where the host answers, it
-// calls a function of the page later. Here such a call becomes a promise.
+// Wraps the functions of `external`. They return nothing; the host answers by calling a function of
+// the page. Here such a call returns a promise.
 'use strict';
 
 /** @typedef {import('kestrel-store-page-types').Answers} Answers */
@@ -18,24 +18,23 @@
  */
 
 const host = (() => {
-  // How long an answer may take, in milliseconds: what waits for the user or for a web server takes
-  // longer.
-  const kPatience = 10_000;
-  const kPatienceFor =
+  // Timeouts for answers, in milliseconds; longer where the user or a web server is involved.
+  const kTimeout = 10_000;
+  const kTimeoutFor =
       {launchApp: 600_000, launchResource: 600_000, errorDialog: 600_000, ajax: 60_000};
 
-  const pending = new Map();  // number of a question -> what to do with its answer
+  const pending = new Map();  // number of a question -> its promise
   let questions = 0;
   const observers = [];
 
-  // The host's first word. Before it the link need not be up, and a call would be lost.
+  // Resolved when the host is ready. Before, the link may not be up and calls would be lost.
   /** @type {Promise<void>} */
   const ready = new Promise((resolve) => { window.onHostReady = resolve; });
 
   const observe = (observer) => { observers.push(observer); };
   const report = (event) => { for (const observer of observers) observer(event); };
 
-  // Calls a function that is not answered.
+  // Calls a function without an answer.
   function tell(name, ...args) {
     external[name](...args);
     report({name, args});
@@ -50,8 +49,8 @@ const host = (() => {
     question.resolve(value);
   }
 
-  // Calls a function that is answered, with the arguments that `makeArguments` gives for the
-  // question's number, and gives what the host answers.
+  // Calls a function with the arguments that `makeArguments` returns for the question's number.
+  // Resolves to the host's answer.
   function question(name, makeArguments) {
     const number = ++questions;
     return new Promise((resolve, reject) => {
@@ -59,13 +58,13 @@ const host = (() => {
         pending.delete(number);
         report({name, failure: 'no answer'});
         reject(new Error(`${name}: no answer`));
-      }, kPatienceFor[name] ?? kPatience);
+      }, kTimeoutFor[name] ?? kTimeout);
       pending.set(number, {name, resolve, timer});
       tell(name, ...makeArguments(number));
     });
   }
 
-  // A host finds a callback by its name: every question has one here, made when it is looked up.
+  // Callbacks by name: the callback of a question is created when it is looked up.
   /** @type {any} */ (window).hostAnswers = new Proxy({}, {
     get: (_, property) => {
       const number = Number(/^take(\d+)$/.exec(String(property))?.[1]);
@@ -73,15 +72,15 @@ const host = (() => {
     },
   });
 
-  // The last argument is the callback, by its name.
+  // Passes the callback as the last argument, by name.
   const ask = (name, ...args) =>
       question(name, (number) => [...args, `hostAnswers.take${number}`]);
 
-  // The same by a function's text, in which the number travels.
+  // Passes the callback as source text.
   const askBySource = (name, ...args) =>
       question(name, (number) => [...args, `(value) => hostAnswers.take${number}(value)`]);
 
-  // The answer to a relayed request comes to a function whose name holds "zyns_ajax_complete".
+  // Relayed requests are answered to a function whose name contains "zyns_ajax_complete".
   window.zyns_ajax_complete = (id, status, statusText, headers, body) => {
     settle(Number(id), {status: Number(status), statusText, headers, body});
   };

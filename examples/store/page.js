@@ -1,4 +1,4 @@
-// What every part of the page uses: its elements, and how failures are shown.
+// Shared helpers: access to elements, and display of failures.
 'use strict';
 
 const kToastTime = 3_500;  // milliseconds
@@ -20,7 +20,7 @@ function toast(text) {
   setTimeout(() => line.remove(), kToastTime);
 }
 
-// Runs what a control does; a failure is traced and shown, not lost.
+// Runs the action of a control; traces and shows a failure.
 async function attempt(action) {
   try {
     await action();
@@ -32,7 +32,7 @@ async function attempt(action) {
 
 const onClick = (id, action) => element(id).addEventListener('click', () => attempt(action));
 
-// The texts that the host has handed over take the place of the page's own.
+// Replaces the page's texts by the host's translations.
 function applyResources() {
   const zyns = window.ZYNS;
   if (!zyns) return;  // consumed by an earlier load, or the host has none

@@ -1,17 +1,17 @@
 // Reordering the children of a grid by dragging them.
 'use strict';
 
-const kDragDistance = 6;  // pixels from where the button went down, before a press becomes a drag
+const kDragDistance = 6;  // pixels before a press becomes a drag
 
 /**
- * A child of `grid` that matches `selector` follows the pointer that drags it, and the others make
- * room. Escape puts it back.
+ * Lets the user drag the children of `grid` that match `selector`; the others make
+ * room. Escape cancels.
  * @param {HTMLElement} grid
  * @param {string} selector
- * @param {(item: any) => void} dropped Told once, when a child has been put down at another place.
+ * @param {(item: any) => void} dropped Called when a child was dropped at another position.
  */
 function makeSortable(grid, selector, dropped) {
-  /** @type {any} What is being dragged; null without a press. */
+  /** @type {any} The dragged element; null without a press. */
   let drag = null;
 
   function follow({clientX, clientY}) {
@@ -60,14 +60,14 @@ function makeSortable(grid, selector, dropped) {
 
   grid.addEventListener('pointermove', (event) => {
     if (event.pointerId !== drag?.pointer) return;
-    // The grid may have been filled anew, or the button have gone up elsewhere.
+    // The grid may have been refilled, or the button released elsewhere.
     if (!drag.item.isConnected || event.buttons === 0) return finish(false);
     if (!drag.isMoving) {
       const {start} = drag;
       if (Math.hypot(event.clientX - start.x, event.clientY - start.y) < kDragDistance) return;
       drag.isMoving = true;
       drag.item.classList.add('dragged');
-      // By the grid, which stays where it is: an element that is moved loses the pointer.
+      // Captured by the grid: a moved element loses the pointer.
       grid.setPointerCapture(drag.pointer);
     }
     makeRoom(event);

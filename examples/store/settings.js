@@ -1,4 +1,4 @@
-// The settings dialog. What is set here is kept by the host as items.
+// The settings dialog. The host stores the settings as items.
 'use strict';
 
 const kAccents = ['#3f5efb', '#0f9a68', '#d1297f', '#e05a1c', '#7a3fe0'];
@@ -20,8 +20,8 @@ function setAccent(color) {
   }
 }
 
-// The swatches are drops that the host has coloured; until they come, and if they cannot be made,
-// plain colour stands in.
+// The swatches are images coloured by the host. Plain colours are shown until they arrive, or if
+// colouring fails.
 async function makeSwatches() {
   for (const swatch of elements('#accents button')) {
     const {image, problem} =

@@ -1,8 +1,7 @@
-// The store's start, and what stands around its applications: documents, the user's account, and
-// the connection.
+// Start-up, documents, the user's account and the connection.
 'use strict';
 
-// --- Documents, files beside the page ---
+// --- Documents, files in the page's directory ---
 
 async function openDocument(file) {
   const {started, problem} = await host.ask('launchResource', `documents/${file.name}`);

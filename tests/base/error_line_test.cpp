@@ -11,7 +11,7 @@
 namespace kestrel::testing {
 namespace {
 
-TEST(ErrorLineTest, WritesTheTextAndKeepsErrno) {
+TEST(ErrorLine, WritesTextAndKeepsErrno) {
     const StderrCapture errors;
     errno = EPIPE;
     error_line("one line\n");
@@ -19,7 +19,7 @@ TEST(ErrorLineTest, WritesTheTextAndKeepsErrno) {
     EXPECT_EQ(errors.text(), "one line\n");
 }
 
-TEST(ErrorLineTest, LinesOfTwoThreadsNeverMix) {
+TEST(ErrorLine, DoesNotInterleaveThreads) {
     const StderrCapture errors;
     const std::string first(100, 'a');
     const std::string second(100, 'b');

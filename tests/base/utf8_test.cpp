@@ -5,9 +5,9 @@
 namespace kestrel::testing {
 namespace {
 
-TEST(Utf8, ReadsCharactersOfEverySizeAtBothEndsOfTheirRange) {
+TEST(Utf8, DecodesTheLimitsOfEverySize) {
     const auto expect = [](std::string_view text, std::size_t size, char32_t code) {
-        const Utf8Character character = first_character(text);
+        const Utf8Character character = first_utf8_character(text);
         EXPECT_EQ(character.size, size) << text;
         EXPECT_EQ(character.code, code) << text;
     };
@@ -23,16 +23,16 @@ TEST(Utf8, ReadsCharactersOfEverySizeAtBothEndsOfTheirRange) {
     expect("\xf4\x8f\xbf\xbfx", 4, 0x10ffff);
 }
 
-TEST(Utf8, KnowsWhatIsNoCharacter) {
+TEST(Utf8, RejectsInvalidBytes) {
     for (const std::string_view text :
          {"", "\x80", "\xbf", "\xff", "\xf8\x88\x80\x80\x80", "\xc2", "\xe2\x82", "\xf0\x9f\x98",
           "\xc2x", "\xe2\x82x", "\xc0\x80", "\xc1\xbf", "\xe0\x9f\xbf", "\xf0\x8f\xbf\xbf",
           "\xed\xa0\x80", "\xed\xbf\xbf", "\xf4\x90\x80\x80", "\xf7\xbf\xbf\xbf"}) {
-        EXPECT_EQ(first_character(text).size, 0U) << text;
+        EXPECT_EQ(first_utf8_character(text).size, 0U) << text;
     }
 }
 
-TEST(Utf8, JudgesAWholeText) {
+TEST(Utf8, ValidatesTexts) {
     EXPECT_TRUE(is_utf8(""));
     EXPECT_TRUE(is_utf8("a\xc3\xbc\xe2\x82\xac\xf0\x9f\x98\x80z"));
     EXPECT_FALSE(is_utf8("a\xc3\xbc\xe2\x82"));

@@ -22,7 +22,7 @@ class FileExistsTest : public ::testing::Test {
     TemporaryDirectory directory;
 };
 
-TEST_F(FileExistsTest, SeesFilesOfEveryKind) {
+TEST_F(FileExistsTest, FindsFilesOfEveryType) {
     const std::string base = directory.path() + "/";
     create_file(base + "file");
     std::filesystem::create_directory(base + "directory");
@@ -34,7 +34,7 @@ TEST_F(FileExistsTest, SeesFilesOfEveryKind) {
     }
 }
 
-TEST_F(FileExistsTest, SeesNothingWhereNothingIs) {
+TEST_F(FileExistsTest, IsFalseForMissingFiles) {
     const std::string base = directory.path() + "/";
     create_file(base + "file");
     std::filesystem::create_symlink("nowhere", base + "dangling");
@@ -45,7 +45,7 @@ TEST_F(FileExistsTest, SeesNothingWhereNothingIs) {
     EXPECT_FALSE(LinuxCommonUtils::ifFileExists(empty));
 }
 
-TEST_F(FileExistsTest, LeavesThePathAsItIs) {
+TEST_F(FileExistsTest, KeepsThePathUnchanged) {
     std::string path = directory.path();
     EXPECT_TRUE(LinuxCommonUtils::ifFileExists(path));
     EXPECT_EQ(path, directory.path());

@@ -24,18 +24,18 @@ class HomeDirectoryTest : public ::testing::Test {
     SeparateRoot system;
 };
 
-TEST_F(HomeDirectoryTest, IsTheEnvironments) {
+TEST_F(HomeDirectoryTest, IsTakenFromTheEnvironment) {
     system.set_password_file("root:x:0:0::/home/of/entry:/bin/sh\n");
     EXPECT_EQ(home({{"HOME", "/home/ann"}}), "/home/ann");
     EXPECT_EQ(home({{"HOME", "not even a path"}}), "not even a path");
 }
 
-TEST_F(HomeDirectoryTest, IsEmptyIfTheEnvironmentSaysSo) {
+TEST_F(HomeDirectoryTest, IsEmptyIfTheVariableIsEmpty) {
     system.set_password_file("root:x:0:0::/home/of/entry:/bin/sh\n");
     EXPECT_EQ(home({{"HOME", ""}}), "");
 }
 
-TEST_F(HomeDirectoryTest, IsThatOfThePasswordEntryOtherwise) {
+TEST_F(HomeDirectoryTest, FallsBackToThePasswordEntry) {
     system.set_password_file(
         "ann:x:1000:1000::/home/ann:/bin/sh\n"
         "root:x:0:0::/home/of/entry:/bin/sh\n");
@@ -53,13 +53,13 @@ TEST_F(HomeDirectoryTest, IsEmptyIfThePasswordEntryHasNone) {
     EXPECT_EQ(home({}), "");
 }
 
-TEST_F(HomeDirectoryTest, FindsAPasswordEntryFarLongerThanUsual) {
+TEST_F(HomeDirectoryTest, ReadsALongPasswordEntry) {
     const std::string long_home = "/home/" + std::string(900, 'a');
     system.set_password_file("root:x:0:0::" + long_home + ":/bin/sh\n");
     EXPECT_EQ(home({}), long_home);
 }
 
-TEST_F(HomeDirectoryTest, IsThatOfTheUserNotOfTheRightsInUse) {
+TEST_F(HomeDirectoryTest, BelongsToTheRealUser) {
     if (geteuid() != 0) GTEST_SKIP() << "only the superuser has other users' rights";
     system.set_password_file(
         "ann:x:1000:1000::/home/ann:/bin/sh\n"

@@ -1,4 +1,4 @@
-// The search for the install root, in directory trees laid out for it.
+// The search for the install root, in temporary directory trees.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -25,7 +25,7 @@ class InstallRootTest : public ::testing::Test {
 
     void install(const std::string& path) const { install_client(system.outside(path)); }
 
-    // The search's result, which must be its only word unless it finds nothing.
+    // The result. There must be no output unless nothing is found.
     std::string search(const std::map<std::string, std::string>& environment) const {
         const SeparateRoot::Outcome outcome = system.run(environment, LinuxCommonUtils::getQUOROOT);
         EXPECT_EQ(outcome.errors, outcome.result.empty() ? kNoneFound : "");
@@ -35,7 +35,7 @@ class InstallRootTest : public ::testing::Test {
     SeparateRoot system;
 };
 
-TEST_F(InstallRootTest, IsTheFirstOfTheCandidatesThatIsValid) {
+TEST_F(InstallRootTest, IsTheFirstValidCandidate) {
     system.set_executable("/client/util/tool");
     const std::array<std::string, 6> candidates = {"/custom",
                                                    "/client/util",
@@ -51,18 +51,18 @@ TEST_F(InstallRootTest, IsTheFirstOfTheCandidatesThatIsValid) {
     EXPECT_EQ(search({{"QUOROOT", "/custom"}, {"HOME", "/home/ann"}}), "");
 }
 
-TEST_F(InstallRootTest, WithoutAnyIsEmptyAndSaysSoOnce) {
+TEST_F(InstallRootTest, ReportsOnceIfThereIsNone) {
     const SeparateRoot::Outcome outcome = system.run({}, LinuxCommonUtils::getQUOROOT);
     EXPECT_EQ(outcome.result, "");
     EXPECT_EQ(outcome.errors, kNoneFound);
 }
 
-TEST_F(InstallRootTest, IsAsTheEnvironmentSpellsIt) {
+TEST_F(InstallRootTest, KeepsTheSpellingOfTheEnvironment) {
     install("/custom");
     EXPECT_EQ(search({{"QUOROOT", "/custom/../custom/"}}), "/custom/../custom/");
 }
 
-TEST_F(InstallRootTest, IsNotAnIncompleteDirectoryThatTheEnvironmentNames) {
+TEST_F(InstallRootTest, IgnoresAnIncompleteDirectoryInTheEnvironment) {
     install("/custom");
     break_client(system.outside("/custom"));
     install("/usr/lib/QUOClient");
@@ -94,19 +94,19 @@ TEST_F(InstallRootTest, IsNeverTheRootDirectoryItself) {
     }
 }
 
-TEST_F(InstallRootTest, IsFoundWithoutKnowingTheExecutable) {
+TEST_F(InstallRootTest, IsFoundIfTheExecutableIsUnknown) {
     install("/<unknown>");
     install("/usr/lib/QUOClient");
     EXPECT_EQ(search({}), "/usr/lib/QUOClient");
 }
 
-TEST_F(InstallRootTest, IsNotAnExecutableWithoutDirectory) {
+TEST_F(InstallRootTest, IgnoresAnExecutableWithoutDirectory) {
     install("/tool");
     system.set_executable("tool");
     EXPECT_EQ(search({}), "");
 }
 
-TEST_F(InstallRootTest, IsInTheHomeOfThePasswordEntryWithoutHome) {
+TEST_F(InstallRootTest, UsesThePasswordEntryWithoutHome) {
     system.set_password_file("root:x:0:0::/home/of/entry:/bin/sh\n");
     install("/home/of/entry" + kInHome);
     EXPECT_EQ(search({}), "/home/of/entry" + kInHome);
@@ -119,7 +119,7 @@ TEST_F(InstallRootTest, IsBelowTheRootDirectoryWithoutAnyHome) {
     EXPECT_EQ(search({{"HOME", ""}}), kInHome);
 }
 
-TEST_F(InstallRootTest, IsSearchedAfreshEveryTime) {
+TEST_F(InstallRootTest, IsNotCached) {
     install("/custom");
     install("/usr/lib/QUOClient");
     const auto search_twice = [] {
@@ -139,20 +139,20 @@ std::string output_of(const std::string& command) {
     return output;
 }
 
-// What a program of the client prints as its install root when it is started from `directory`.
+// The install root that a program started from `directory` finds.
 std::string root_found_from(const std::string& directory) {
     std::filesystem::create_directories(directory);
     std::filesystem::copy_file(PRINT_INSTALL_ROOT, directory + "/tool");
     return output_of("env -i '" + directory + "/tool' 2>&1");
 }
 
-TEST(InstalledProgramTest, FindsTheRootThatItsUtilDirectoryBelongsTo) {
+TEST(InstalledProgramTest, FindsTheParentOfItsUtilDirectory) {
     const TemporaryDirectory directory;
     install_client(directory.path() + "/client");
     EXPECT_EQ(root_found_from(directory.path() + "/client/util"), directory.path() + "/client\n");
 }
 
-TEST(InstalledProgramTest, FindsTheRootThatItLiesIn) {
+TEST(InstalledProgramTest, FindsItsOwnDirectory) {
     const TemporaryDirectory directory;
     install_client(directory.path() + "/client");
     EXPECT_EQ(root_found_from(directory.path() + "/client"), directory.path() + "/client\n");

@@ -26,16 +26,16 @@ class ModulePathInSeparateRootTest : public ::testing::Test {
     SeparateRoot system;
 };
 
-TEST_F(ModulePathInSeparateRootTest, IsUnknownWhenTheLinkCannotBeRead) {
+TEST_F(ModulePathInSeparateRootTest, IsUnknownIfTheLinkCannotBeRead) {
     EXPECT_EQ(module_path(), "<unknown>");
 }
 
-TEST_F(ModulePathInSeparateRootTest, IsWhateverTheLinkSays) {
+TEST_F(ModulePathInSeparateRootTest, IsTheTargetOfTheLink) {
     system.set_executable("/client/util/tool (deleted)");
     EXPECT_EQ(module_path(), "/client/util/tool (deleted)");
 }
 
-TEST_F(ModulePathInSeparateRootTest, IsWholeAtTheGreatestLength) {
+TEST_F(ModulePathInSeparateRootTest, IsCompleteAtTheMaximumLength) {
     const std::string longest = "/" + std::string(4'094, 'x');
     system.set_executable(longest);
     EXPECT_EQ(module_path(), longest);

@@ -22,7 +22,7 @@ TEST_F(RootValidityTest, ACompleteInstallationIsValid) {
     EXPECT_TRUE(LinuxCommonUtils::ifValidQUOROOT(root + "/"));
 }
 
-TEST_F(RootValidityTest, ANamesakeOfAnyKindWillDo) {
+TEST_F(RootValidityTest, AcceptsFilesOfEveryType) {
     std::filesystem::remove(root + "/ServiceLedger");
     std::filesystem::create_directory(root + "/ServiceLedger");
     EXPECT_TRUE(LinuxCommonUtils::ifValidQUOROOT(root));
@@ -38,11 +38,11 @@ TEST_P(MissingFileTest, MakesTheRootInvalid) {
 
 INSTANTIATE_TEST_SUITE_P(EveryFile, MissingFileTest, ::testing::ValuesIn(kClientFiles));
 
-TEST_F(RootValidityTest, ADirectoryThatIsMissingIsInvalid) {
+TEST_F(RootValidityTest, AMissingDirectoryIsInvalid) {
     EXPECT_FALSE(LinuxCommonUtils::ifValidQUOROOT(root + "/missing"));
 }
 
-TEST_F(RootValidityTest, TheEmptyTextIsNotTheRootDirectory) {
+TEST_F(RootValidityTest, AnEmptyPathIsInvalid) {
     if (!SeparateRoot::is_possible()) GTEST_SKIP() << "may not change the root directory";
     const SeparateRoot system;
     install_client(system.outside(""));

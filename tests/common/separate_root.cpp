@@ -14,7 +14,7 @@
 namespace kestrel::testing {
 namespace {
 
-// An ordinary user may change the root in a user namespace, of which it is made the superuser.
+// An ordinary user may change the root as the superuser of a new user namespace.
 bool enter_root(const std::string& directory) {
     const uid_t user = getuid();
     if (geteuid() != 0) {

@@ -8,22 +8,22 @@
 
 namespace kestrel::testing {
 
-// An empty file system of its own, in which functions run as in a process of that system's
-// superuser: every absolute path, /proc and the password database are the test's to lay out.
+// An empty root directory in which functions run as the superuser of a separate system: the test
+// controls all absolute paths, /proc and the password database.
 class SeparateRoot {
   public:
     struct Outcome {
         std::string result;
-        std::string errors;  // what went to standard error
+        std::string errors;  // standard error
     };
 
-    // Whether this process may use one.
+    // Whether the kernel allows this process to use one.
     static bool is_possible();
 
-    // Where `path` of that system is to be found from outside.
+    // The path outside of `path` in that system.
     std::string outside(const std::string& path) const { return directory_.path() + path; }
 
-    // Makes the system's /proc/self/exe lead to `target`.
+    // Makes the system's /proc/self/exe a link to `target`.
     void set_executable(const std::string& target) const;
 
     void set_password_file(const std::string& content) const;

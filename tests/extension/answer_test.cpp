@@ -34,33 +34,33 @@ class Answer : public PageGlueWithPage {
 
 using AnswerWithoutPage = PageGlue;
 
-TEST_F(Answer, CallsTheFunctionThatItNames) {
+TEST_F(Answer, CallsTheNamedFunction) {
     deliver({"onCaps"});
     EXPECT_EQ(calls(), "[[]]");
     EXPECT_EQ(errors.text(), "");
     expect_delivered();
 }
 
-TEST_F(Answer, CarriesNoArgumentsWhateverTheHostSent) {
+TEST_F(Answer, PassesNoArgumentsToOtherCallbacks) {
     deliver({"onCaps", "1", "2", "3", "4", "5"});
     EXPECT_EQ(calls(), "[[]]");
     expect_delivered();
 }
 
-TEST_F(Answer, CarriesFiveStringsToAnAjaxCallback) {
+TEST_F(Answer, PassesFiveStringsToAnAjaxCallback) {
     deliver({"zyns_ajax_complete", "200", "", "h\u00e9", "null", "5"});
     EXPECT_EQ(calls(), "[[\"200\",\"\",\"h\u00e9\",\"null\",\"5\"]]");
     EXPECT_EQ(page.text_of("called[0].every(argument => typeof argument === 'string')"), "true");
     expect_delivered();
 }
 
-TEST_F(Answer, IsAnAjaxAnswerByAnyTextThatContainsTheName) {
+TEST_F(Answer, PassesArgumentsIfTheTextContainsTheAjaxName) {
     deliver({"(function() { keep('own', ...arguments) /* zyns_ajax_complete_7 */ })", "1", "2"});
     EXPECT_EQ(calls(), R"([["own","1","2","","",""]])");
     expect_delivered();
 }
 
-TEST_F(Answer, TakesAnyExpressionThatGivesAFunction) {
+TEST_F(Answer, AcceptsAnyExpressionThatEvaluatesToAFunction) {
     page.text_of("shop = {onCaps: keep}");
     deliver({"shop.onCaps"});
     deliver({"() => keep('arrow')"});
@@ -69,7 +69,7 @@ TEST_F(Answer, TakesAnyExpressionThatGivesAFunction) {
     for (int i = 0; i < 3; ++i) EXPECT_EQ(host.read_frame(), kDelivered);
 }
 
-TEST_F(Answer, IsLookedUpWhenItIsDelivered) {
+TEST_F(Answer, ResolvesTheCallbackAtDelivery) {
     HandlerStrings strings{"onCaps"};
     KsJS_proxy::zyns_cb_wrapper(nullptr, strings.data());
     strings[0] = "gone with its handler";
@@ -80,18 +80,18 @@ TEST_F(Answer, IsLookedUpWhenItIsDelivered) {
     expect_delivered();
 }
 
-TEST_F(Answer, IsReportedAfterWhatTheCallbackSent) {
+TEST_F(Answer, IsReportedAfterMessagesOfTheCallback) {
     deliver({"() => external.refresh()"});
     EXPECT_EQ(host.read_frame(), frame_bytes(7, {}, {}));
     expect_delivered();
 }
 
-TEST_F(Answer, ThatNamesNothingIsALine) {
+TEST_F(Answer, ReportsUnknownCallback) {
     deliver({"notDefined"});
     expect_refused(kNoCallback);
 }
 
-TEST_F(Answer, ThatIsNoObjectIsALine) {
+TEST_F(Answer, ReportsACallbackThatIsNotAnObject) {
     for (const char* callback :
          {"undefined", "null", "7", "'onCaps'", "true", "Symbol()", "", " "}) {
         const StderrCapture each;
@@ -101,52 +101,52 @@ TEST_F(Answer, ThatIsNoObjectIsALine) {
     expect_refused("");
 }
 
-TEST_F(Answer, OfAFunctionDeclarationIsALine) {
+TEST_F(Answer, ReportsAFunctionDeclaration) {
     deliver({"function onAnswer() { keep() }"});
     expect_refused(kNoCallback);
 }
 
-TEST_F(Answer, WithASyntaxErrorIsALine) {
+TEST_F(Answer, ReportsASyntaxError) {
     deliver({"onCaps("});
     expect_refused(kNoCallback);
 }
 
-TEST_F(Answer, WhoseTextThrowsIsALine) {
+TEST_F(Answer, ReportsACallbackTextThatThrows) {
     deliver({"(() => { throw new Error('no') })()"});
     expect_refused(kNoCallback);
 }
 
-TEST_F(Answer, WhoseTextThrowsWhatHasNoTextIsTwoLines) {
+TEST_F(Answer, ReportsAnExceptionWithoutText) {
     deliver({"(() => { throw Symbol() })()"});
     expect_refused(std::string(kBreakout) + kNoCallback);
 }
 
-TEST_F(Answer, ThatIsNoUtf8IsALine) {
+TEST_F(Answer, ReportsInvalidUtf8) {
     deliver({"onCaps /* \xff */"});
     expect_refused(kNoCallback);
 }
 
-TEST_F(Answer, ToAnObjectThatIsNoFunctionIsALineAndReported) {
+TEST_F(Answer, ReportsAnObjectThatIsNotCallableAndTellsTheHost) {
     deliver({"({})"});
     EXPECT_EQ(errors.text(), kCallbackFailed);
     EXPECT_EQ(calls(), "[]");
     expect_delivered();
 }
 
-TEST_F(Answer, WhoseCallbackThrowsIsALineAndReported) {
+TEST_F(Answer, ReportsAThrowingCallbackAndTellsTheHost) {
     deliver({"() => { keep('then'); throw new Error('no') }"});
     EXPECT_EQ(errors.text(), kCallbackFailed);
     EXPECT_EQ(calls(), R"([["then"]])");
     expect_delivered();
 }
 
-TEST_F(Answer, CarriesAnArgumentThatIsNoUtf8AsEmpty) {
+TEST_F(Answer, PassesInvalidUtf8AsEmptyArgument) {
     deliver({"zyns_ajax_complete", "\xff", "a\xc3", "ok", "", ""});
     EXPECT_EQ(calls(), R"([["","","ok","",""]])");
     expect_delivered();
 }
 
-TEST_F(Answer, TakesOverAListOfAnyLength) {
+TEST_F(Answer, AcceptsListsOfAnyLength) {
     auto* answer = new std::list<char*>{strdup("keep")};
     for (int i = 0; i < 1'000; ++i) answer->push_back(strdup("argument"));
     EXPECT_EQ(KsJS_proxy::szyns_cb_wrapper(answer), 0);
@@ -156,7 +156,7 @@ TEST_F(Answer, TakesOverAListOfAnyLength) {
 }
 
 // So much text, here and in the next one, that the collector runs meanwhile.
-TEST_F(Answer, LosesNothingOfLargeArguments) {
+TEST_F(Answer, KeepsLargeArgumentsWhole) {
     if (!kCollectorMayRun) GTEST_SKIP();
     const std::string large(20'000'000, '.');
     page.text_of("zyns_ajax_complete = (...texts) => keep(texts.map(text => text.length).join())");
@@ -167,7 +167,7 @@ TEST_F(Answer, LosesNothingOfLargeArguments) {
     }
 }
 
-TEST_F(Answer, LosesNothingOfALongList) {
+TEST_F(Answer, KeepsAllElementsOfALongList) {
     if (!kCollectorMayRun) GTEST_SKIP();
     constexpr int kCount = 10'000;
     auto* answer = new std::list<char*>{strdup("keep")};
@@ -181,12 +181,12 @@ TEST_F(Answer, LosesNothingOfALongList) {
     expect_delivered();
 }
 
-TEST_F(Answer, WithoutAnyTextIsNothing) {
+TEST_F(Answer, IgnoresAnEmptyList) {
     EXPECT_EQ(KsJS_proxy::szyns_cb_wrapper(new std::list<char*>), 0);
     expect_refused("");
 }
 
-TEST_F(AnswerWithoutPage, IsALine) {
+TEST_F(AnswerWithoutPage, IsReported) {
     deliver({"onCaps"});
     EXPECT_EQ(errors.text(), kNoCallback);
     EXPECT_TRUE(host.is_quiet());

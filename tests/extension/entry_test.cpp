@@ -132,31 +132,31 @@ TEST_F(Entry, EndsTheProcessWithoutAClientDirectory) {
     EXPECT_TRUE(std::filesystem::is_empty(home.path()));
 }
 
-TEST_F(Entry, LooksForTheClientDirectoryInTheRootWithoutAHome) {
+TEST_F(Entry, LooksForTheClientDirectoryInTheRootDirectoryWithoutAHome) {
     const Result result = EntryProcess("", "C.UTF-8", kUserData, "given").end();
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.errors, kNoClientDirectory);
 }
 
-TEST_F(Entry, GoesOnWithAnEmptyInstallRoot) {
+TEST_F(Entry, ContinuesWithAnEmptyInstallRoot) {
     const Result result = run("['', '{a: 1}']", "given");
     EXPECT_EQ(result.errors, std::string(kNoRoot) + kNoClientDirectory);
     EXPECT_EQ(result.output, report("", "{a: 1}", "connected"));
 }
 
-TEST_F(Entry, TakesWhatIsMissingInTheUserDataAsEmpty) {
+TEST_F(Entry, TreatsMissingUserDataAsEmpty) {
     EXPECT_EQ(report_of("['/opt/x']"), report("/opt/x", "", "not connected"));
     EXPECT_EQ(report_of("@as []"), report("", "", "not connected"));
     EXPECT_EQ(report_of("null"), report("", "", "not connected"));
 }
 
-TEST_F(Entry, TakesUserDataOfAnotherTypeAsEmpty) {
+TEST_F(Entry, TreatsUserDataOfAnotherTypeAsEmpty) {
     EXPECT_EQ(report_of("'/opt/x'"), report("", "", "not connected"));
     EXPECT_EQ(report_of("('/opt/x', '{a: 1}')"), report("", "", "not connected"));
     EXPECT_EQ(report_of("[1, 2]"), report("", "", "not connected"));
 }
 
-TEST_F(Entry, LooksAtTwoStringsOnly) {
+TEST_F(Entry, IgnoresFurtherStrings) {
     EXPECT_EQ(report_of("['/opt/x', '{a: 1}', 'more']"),
               report("/opt/x", "{a: 1}", "not connected"));
 }

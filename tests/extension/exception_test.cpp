@@ -14,19 +14,19 @@ class ScriptException : public PageGlueWithPage {
     }
 };
 
-TEST_F(ScriptException, ThatIsNoneLeavesNoTrace) {
+TEST_F(ScriptException, NullIsIgnored) {
     KsJS_proxy::traceExceptionJS(page.get(), nullptr);
     EXPECT_EQ(errors.text(), "");
 }
 
-TEST_F(ScriptException, WithATextPassesSilently) {
+TEST_F(ScriptException, WithTextIsIgnored) {
     trace("new Error('text')");
     trace("'text'");
     trace("undefined");
     EXPECT_EQ(errors.text(), "");
 }
 
-TEST_F(ScriptException, WithoutATextIsALine) {
+TEST_F(ScriptException, WithoutTextIsReported) {
     trace("Symbol('s')");
     EXPECT_EQ(errors.text(), kBreakout);
     trace("{toString() { throw 1 }}");

@@ -16,6 +16,14 @@ JSGlobalContextRef webkit_frame_get_javascript_global_context(WebKitFrame* frame
     return static_cast<JSGlobalContextRef>(g_object_get_data(G_OBJECT(frame), kContext));
 }
 
+// The frame has no other contexts.
+WebKitScriptWorld* webkit_script_world_new() { return nullptr; }
+
+JSGlobalContextRef webkit_frame_get_javascript_context_for_script_world(
+    WebKitFrame* /*frame*/, WebKitScriptWorld* /*world*/) {
+    return nullptr;
+}
+
 namespace kestrel::testing {
 
 FakePage::FakePage(FrameKind kind, JSGlobalContextRef shown)

@@ -7,8 +7,8 @@
 #include <cstdio>
 #include <string>
 
+#include "extension/KsJS_proxy.h"
 #include "extension/page_globals.h"
-#include "jsapi/KsJS_proxy.h"
 #include "tests/support/script_context.h"
 
 namespace {
@@ -39,7 +39,7 @@ extern "C" void __vsyslog_chk(int priority, int /*flag*/, const char* format,
 namespace kestrel::testing {
 namespace {
 
-TEST(Globals, HoldNoPageBeforeOneIsAttached) {
+TEST(Globals, HoldNoPageInitially) {
     EXPECT_EQ(web_frame, nullptr);
     EXPECT_EQ(web_world, nullptr);
     EXPECT_EQ(jsContext, nullptr);
@@ -47,14 +47,14 @@ TEST(Globals, HoldNoPageBeforeOneIsAttached) {
     EXPECT_EQ(getJsContext(), nullptr);
 }
 
-TEST(Globals, HoldEmptyTextsInTheBeginning) {
+TEST(Globals, HoldEmptyTextsInitially) {
     EXPECT_STREQ(g_quoroot, "");
     EXPECT_STREQ(g_resources, "");
     EXPECT_EQ(KsJS_proxy::resources, "");
     EXPECT_EQ(KsJS_proxy::preloadURL, "");
 }
 
-TEST(Globals, OfNoUseAreReadyForUseAllTheSame) {
+TEST(Globals, IncludeUnusedObjectsThatWork) {
     EXPECT_TRUE(mut.try_lock());
     mut.unlock();
     con.notify_all();
@@ -63,14 +63,14 @@ TEST(Globals, OfNoUseAreReadyForUseAllTheSame) {
     EXPECT_FALSE(fileURL_bool);
 }
 
-TEST(Globals, GiveTheCurrentContext) {
+TEST(Globals, ReturnTheCurrentContext) {
     const ScriptContext page;
     jsContext = page.get();
     EXPECT_EQ(getJsContext(), page.get());
     jsContext = nullptr;
 }
 
-TEST(PrintLog, PassesItsTextOnToSyslogAsDebug) {
+TEST(PrintLog, WritesToSyslogAtDebug) {
     printLog("%s has %d of %c", "text", 3, 'x');
     EXPECT_EQ(last_line.priority, LOG_DEBUG);
     EXPECT_EQ(last_line.text, "text has 3 of x");

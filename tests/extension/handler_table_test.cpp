@@ -3,12 +3,12 @@
 #include <map>
 #include <memory>
 
-#include "jsapi/KsJS_proxy.h"
+#include "extension/KsJS_proxy.h"
 
 namespace kestrel::testing {
 namespace {
 
-TEST(HandlerTable, HoldsTheThreeHandlersAtTheirTypes) {
+TEST(HandlerTable, HoldsThreeHandlersByType) {
     const std::map<std::size_t, webkit_client::InboundHandler> handlers{
         {0, KsJS_proxy::insertJS},
         {1, KsJS_proxy::zyns_cb_wrapper},

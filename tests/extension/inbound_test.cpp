@@ -62,7 +62,7 @@ TEST_F(Inbound, EmptyScriptIsNotRun) {
     EXPECT_EQ(errors.text(), "");
 }
 
-TEST_F(Inbound, AnswerReachesItsCallbackAndTheHostIsTold) {
+TEST_F(Inbound, AnswerCallsTheCallbackAndTellsTheHost) {
     page.text_of("onCaps = function() { count = arguments.length }");
     send_answer("onCaps");
     EXPECT_TRUE(run_main_loop_until([&] { return !host.is_quiet(); }));
@@ -70,7 +70,7 @@ TEST_F(Inbound, AnswerReachesItsCallbackAndTheHostIsTold) {
     EXPECT_EQ(page.text_of("count"), "0");
 }
 
-TEST_F(Inbound, AjaxAnswerHasFiveArgumentsWhateverCountWasSent) {
+TEST_F(Inbound, AjaxAnswerAlwaysHasFiveArguments) {
     page.text_of(
         std::string("called = []; zyns_ajax_complete ="
                     " function() { called.push(Array.from(arguments)) }"));
@@ -87,7 +87,7 @@ TEST_F(Inbound, AjaxAnswerHasFiveArgumentsWhateverCountWasSent) {
     EXPECT_TRUE(host.is_quiet());
 }
 
-TEST_F(Inbound, ScriptsAndAnswersReachThePageInTheOrderInWhichTheyCame) {
+TEST_F(Inbound, ScriptsAndAnswersKeepTheirOrder) {
     constexpr int kPairs = 200;
     page.text_of("order = []");
     std::string expected;
@@ -104,7 +104,7 @@ TEST_F(Inbound, ScriptsAndAnswersReachThePageInTheOrderInWhichTheyCame) {
     EXPECT_TRUE(host.is_quiet());
 }
 
-TEST_F(Inbound, UrlIsConfirmedAtOnceAndTheResourcesWaitForTheNextPage) {
+TEST_F(Inbound, ConfirmsTheUrlAtOnceAndKeepsTheResourcesForTheNextPage) {
     host.write(frame_bytes(34, {}, {"http://example.org/h\u00e9", "{a: 1}"}));
     EXPECT_EQ(host.read_frame(), frame_bytes(35, {}, {"http://example.org/h\u00e9"}));
     EXPECT_EQ(KsJS_proxy::preloadURL, "http://example.org/h\u00e9");
@@ -112,7 +112,7 @@ TEST_F(Inbound, UrlIsConfirmedAtOnceAndTheResourcesWaitForTheNextPage) {
     EXPECT_TRUE(host.is_quiet());
 }
 
-TEST_F(Inbound, UrlWithoutResourcesLeavesNoneToTheNextPage) {
+TEST_F(Inbound, UrlWithoutResourcesClearsThem) {
     set_resources("{old: 1}");
     host.write(frame_bytes(34, {}, {}));
     EXPECT_EQ(host.read_frame(), frame_bytes(35, {}, {""}));
@@ -128,7 +128,7 @@ TEST_F(Inbound, LastResourcesWin) {
     EXPECT_EQ(take_resources(), "{a: 2}");
 }
 
-TEST_F(Inbound, UrlIsNotConfirmedBeforeAScriptThatCameFirstHasRun) {
+TEST_F(Inbound, ConfirmsTheUrlAfterEarlierScriptsHaveRun) {
     send_script("resources = 'still to come'");
     host.write(frame_bytes(34, {}, {"url", "{a: 1}"}));
     wait_for_reader();
@@ -141,7 +141,7 @@ TEST_F(Inbound, UrlIsNotConfirmedBeforeAScriptThatCameFirstHasRun) {
     EXPECT_EQ(take_resources(), "{a: 1}");
 }
 
-TEST_F(Inbound, UrlsAreConfirmedInOrderBehindAScript) {
+TEST_F(Inbound, ConfirmsUrlsInOrderBehindAScript) {
     send_script("ran = true");
     host.write(frame_bytes(34, {}, {"one", "{a: 1}"}));
     host.write(frame_bytes(34, {}, {"two", "{a: 2}"}));
@@ -154,7 +154,7 @@ TEST_F(Inbound, UrlsAreConfirmedInOrderBehindAScript) {
     EXPECT_EQ(host.read_frame(), frame_bytes(35, {}, {"three"}));
 }
 
-TEST_F(Inbound, UrlDoesNotWaitForAnswers) {
+TEST_F(Inbound, ConfirmsTheUrlWithoutWaitingForAnswers) {
     send_answer("() => 0");
     host.write(frame_bytes(34, {}, {"url", ""}));
     EXPECT_EQ(host.read_frame(), frame_bytes(35, {}, {"url"}));
@@ -164,7 +164,7 @@ TEST_F(Inbound, UrlDoesNotWaitForAnswers) {
 
 using ReadyToLoad = PageGlue;
 
-TEST_F(ReadyToLoad, CarriesTheUrlUpToItsNul) {
+TEST_F(ReadyToLoad, SendsTheUrlUpToItsFirstNul) {
     KsJS_proxy::readyToLoadURL(std::string("url\0rest", 8));
     EXPECT_EQ(host.read_frame(), frame_bytes(35, {}, {"url"}));
 }

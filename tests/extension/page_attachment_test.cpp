@@ -7,9 +7,7 @@
 #include "log/zynlog.h"
 #include "tests/extension/fake_page.h"
 #include "tests/extension/page_glue.h"
-#include "tests/support/collector.h"
 #include "tests/support/log_recorder.h"
-#include "tests/support/process_state.h"
 
 namespace kestrel::testing {
 namespace {
@@ -35,7 +33,7 @@ class PageAttachment : public PageGlue {
     WebKitScriptWorld* world = webkit_script_world_get_default();
 };
 
-TEST_F(PageAttachment, GivesTheMainFrameTheApi) {
+TEST_F(PageAttachment, AddsTheApiToTheMainFrame) {
     const FakePage page(main, first.get());
     attach(page);
     EXPECT_EQ(web_frame, page.frame());
@@ -56,7 +54,7 @@ TEST_F(PageAttachment, LogsTheVersionOfWebKit) {
     EXPECT_EQ(logged(), std::vector<LogLine>({{29, kInfo, line}}));
 }
 
-TEST_F(PageAttachment, GivesOtherFramesNothing) {
+TEST_F(PageAttachment, IgnoresSubframes) {
     const FakePage page(main, first.get());
     const FakePage framed(other, second.get());
     attach(page);
@@ -79,7 +77,7 @@ TEST_F(PageAttachment, HoldsTheFrameWhileThePageLives) {
     EXPECT_FALSE(page.is_frame_held());
 }
 
-TEST_F(PageAttachment, GivesTheGlobalsToThePageThatIsCurrent) {
+TEST_F(PageAttachment, SetsTheGlobalsToTheCurrentPage) {
     FakePage opener(main, first.get());
     FakePage popup(main, second.get());
     attach(opener);
@@ -156,11 +154,10 @@ TEST_F(PageAttachment, RefusesScriptsOfAPopupThatHasClosed) {
     g_main_context_release(nullptr);
 }
 
-TEST_F(PageAttachment, LetsGoOfThePageWhoseCallbackItLookedUp) {
-    static bool has_gone = false;
+TEST_F(PageAttachment, ReleasesAPageThatHasClosed) {
+    static bool was_collected = false;
     JSClassDefinition definition{};
-    definition.finalize = [](JSObjectRef) { has_gone = true; };
-    const FakePage page(main, second.get());
+    definition.finalize = [](JSObjectRef) { was_collected = true; };
     {
         const ScriptContext shown;
         shown.text_of("window = globalThis; onAnswer = () => {}");
@@ -168,42 +165,16 @@ TEST_F(PageAttachment, LetsGoOfThePageWhoseCallbackItLookedUp) {
         JSObjectSetPrototype(shown.get(), shown.global(),
                              JSObjectMake(shown.get(), watched, nullptr));
         JSClassRelease(watched);
-        const FakePage left(main, shown.get());
-        attach(left);
+        FakePage closed(main, shown.get());
+        attach(closed);
         for (int i = 0; i < 3; ++i) deliver({"onAnswer"});
-        attach(page);
+        closed.close();
     }
     EXPECT_EQ(errors.text(), "");
-    EXPECT_TRUE(has_gone);
+    EXPECT_TRUE(was_collected);
 }
 
-// A short text that is a part of a large one keeps that in memory.
-TEST_F(PageAttachment, LetsGoOfTheTextsThatItKept) {
-    if (!kCollectorMayRun) GTEST_SKIP();
-#ifdef __SANITIZE_ADDRESS__
-    GTEST_SKIP() << "the sanitizer keeps what has been freed";
-#endif
-    constexpr std::size_t kLarge = 10'000'000;
-    constexpr int kTexts = 20;
-    const FakePage page(main, first.get());
-    const FakePage next(main, second.get());
-    attach(page);
-    const std::size_t before = resident_bytes();
-    for (int i = 0; i < kTexts; ++i) {
-        first.text_of("part = String(" + std::to_string(i) + ").padStart(" +
-                      std::to_string(kLarge) + ", '.').slice(-20);" +
-                      "for (let left = 12; left > 0; --left) external.sendAction(part)");
-    }
-    JSSynchronousGarbageCollectForDebugging(first.get());
-    EXPECT_GT(resident_bytes(), before + kLarge * kTexts / 2);
-    attach(next);
-    EXPECT_TRUE(run_main_loop_until([&] {
-        JSSynchronousGarbageCollectForDebugging(first.get());
-        return resident_bytes() < before + kLarge * kTexts / 4;
-    }));
-}
-
-TEST_F(PageAttachment, HandsWaitingResourcesToTheNextPageOnly) {
+TEST_F(PageAttachment, ConsumesTheResources) {
     const FakePage page(main, first.get());
     set_resources("{title: 'h\u00e9'}");
     attach(page);
@@ -217,7 +188,7 @@ TEST_F(PageAttachment, HandsWaitingResourcesToTheNextPageOnly) {
     EXPECT_EQ(second.text_of("typeof external + typeof ZYNS"), "objectundefined");
 }
 
-TEST_F(PageAttachment, TakesTheResourcesAsAnExpression) {
+TEST_F(PageAttachment, EvaluatesTheResourcesAsAnExpression) {
     set_resources("[ZYNS === window.ZYNS, typeof external].join()");
     attach(FakePage(main, first.get()));
     EXPECT_EQ(first.text_of("ZYNS.getResources()"), "true,object");
@@ -225,14 +196,14 @@ TEST_F(PageAttachment, TakesTheResourcesAsAnExpression) {
     EXPECT_EQ(errors.text(), "");
 }
 
-TEST_F(PageAttachment, KeepsANamespaceThatIsThere) {
+TEST_F(PageAttachment, KeepsAnExistingNamespace) {
     first.text_of("ZYNS = {own: 1}");
     set_resources("{}");
     attach(FakePage(main, first.get()));
     EXPECT_EQ(first.text_of("Object.keys(ZYNS).join()"), "own,getLocale,getResources");
 }
 
-TEST_F(PageAttachment, ReportsResourcesThatAreNoExpression) {
+TEST_F(PageAttachment, ReportsResourcesWithASyntaxError) {
     set_resources("{title:");
     attach(FakePage(main, first.get()));
     EXPECT_EQ(errors.text(), kScriptFailed);
@@ -240,7 +211,7 @@ TEST_F(PageAttachment, ReportsResourcesThatAreNoExpression) {
     EXPECT_STREQ(g_resources, "");
 }
 
-TEST_F(PageAttachment, IsFollowedByScriptsAndAnswers) {
+TEST_F(PageAttachment, LetsScriptsAndAnswersRun) {
     const FakePage page(main, first.get());
     attach(page);
     insert("where = 'first'");
@@ -250,7 +221,7 @@ TEST_F(PageAttachment, IsFollowedByScriptsAndAnswers) {
 }
 
 // No new window object is announced when a page comes back from WebKit's cache.
-TEST_F(PageAttachment, HoldsForWhateverTheFrameShows) {
+TEST_F(PageAttachment, FollowsTheFrameToAnotherContext) {
     const FakePage page(main, first.get());
     attach(page);
     page.show(second.get());
@@ -261,7 +232,7 @@ TEST_F(PageAttachment, HoldsForWhateverTheFrameShows) {
     EXPECT_EQ(globalObject, second.global());
 }
 
-TEST_F(PageAttachment, EndsWhenTheFrameShowsNothing) {
+TEST_F(PageAttachment, EndsWhenTheFrameHasNoContext) {
     const FakePage page(main, first.get());
     attach(page);
     page.show(nullptr);

@@ -5,9 +5,8 @@
 #include <array>
 #include <string>
 
-#include "extension/callback_evaluation.h"
+#include "extension/KsJS_proxy.h"
 #include "extension/page_globals.h"
-#include "jsapi/KsJS_proxy.h"
 #include "tests/support/link_peer.h"
 #include "tests/support/main_loop.h"
 #include "tests/support/script_context.h"
@@ -34,7 +33,6 @@ using HandlerStrings = std::array<std::string, 6>;
 class PageGlue : public ::testing::Test {
   protected:
     ~PageGlue() override {
-        forget_named_callback();
         jsContext = nullptr;
         globalObject = nullptr;
     }

@@ -19,7 +19,7 @@ TEST_F(Resources, AreShownByTheExportedGlobal) {
     EXPECT_STREQ(g_resources, "{a: 2}");
 }
 
-TEST_F(Resources, AreACopy) {
+TEST_F(Resources, AreCopied) {
     std::string text = "{a: 1}";
     set_resources(text);
     text = "other";
@@ -33,7 +33,7 @@ TEST_F(Resources, AreConsumedWhenTaken) {
     EXPECT_EQ(take_resources(), "");
 }
 
-TEST_F(Resources, MayBeATextOfAnotherProgram) {
+TEST_F(Resources, MayBeSetByAnotherProgram) {
     set_resources("ours");
     g_resources = "theirs";
     EXPECT_EQ(take_resources(), "theirs");
@@ -44,7 +44,7 @@ TEST_F(Resources, MayBeATextOfAnotherProgram) {
     EXPECT_STREQ(g_resources, "ours");
 }
 
-TEST_F(Resources, ThatAreNullAreEmpty) {
+TEST_F(Resources, TreatNullAsEmpty) {
     g_resources = nullptr;
     EXPECT_EQ(take_resources(), "");
     EXPECT_STREQ(g_resources, "");

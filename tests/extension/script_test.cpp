@@ -11,7 +11,7 @@ namespace {
 using Script = PageGlueWithPage;
 using ScriptWithoutPage = PageGlue;
 
-TEST_F(Script, RunsAtOnceOnTheThreadOfThePage) {
+TEST_F(Script, RunsAtOnceOnTheMainThread) {
     insert("done = 'at once'");
     EXPECT_EQ(page.text_of("done"), "at once");
     g_main_context_acquire(nullptr);
@@ -30,7 +30,7 @@ TEST_F(Script, RunsAsTheBodyOfAFunctionOfTheGlobalObject) {
     EXPECT_EQ(errors.text(), "");
 }
 
-TEST_F(Script, KeepsTextBeyondAscii) {
+TEST_F(Script, KeepsNonAsciiText) {
     insert("text = 'h\u00e9 \u20ac \U0001f600'");
     EXPECT_EQ(page.text_of("text"), "h\u00e9 \u20ac \U0001f600");
 }
@@ -40,18 +40,25 @@ TEST_F(Script, MayCallExternal) {
     EXPECT_EQ(host.read_frame(), frame_bytes(7, {}, {}));
 }
 
-TEST_F(Script, ThatIsEmptyIsNotRun) {
+TEST_F(Script, IgnoresEmptyText) {
     insert("");
     EXPECT_EQ(errors.text(), "");
 }
 
-TEST_F(Script, ThatIsNoUtf8DoesNothing) {
+TEST_F(Script, IgnoresInvalidUtf8) {
     insert("done = '\xff'");
     EXPECT_EQ(page.text_of("typeof done"), "undefined");
     EXPECT_EQ(errors.text(), "");
 }
 
-TEST_F(Script, ThatClosesItsFunctionIsALine) {
+TEST_F(Script, EndsAtItsFirstNul) {
+    using namespace std::string_literals;
+    insert("done = 1\0 + 1"s);
+    EXPECT_EQ(page.text_of("done"), "1");
+    EXPECT_EQ(errors.text(), "");
+}
+
+TEST_F(Script, ReportsTextThatClosesItsFunction) {
     for (const char* script :
          {"}), (done = 1), (function() {", "}, done() {", "}, function() {", "} + function() {",
           "}}).anonymous, ({anonymous() {", "}; done = 1; {", "return 1 /*", "return `"}) {
@@ -69,7 +76,7 @@ TEST_F(Script, MayEndInAComment) {
 }
 
 // As the body of a function that script makes with its own constructor.
-TEST_F(Script, MeansWhatItMeansInAFunctionMadeFromText) {
+TEST_F(Script, BehavesLikeAFunctionMadeByTheConstructor) {
     page.text_of("shown = []; show = value => { shown.push(String(value)) }");
     for (const std::string script :
          {"show(new Error().line)", "show(arguments.callee.name)", "show(typeof anonymous)",
@@ -86,13 +93,13 @@ TEST_F(Script, MeansWhatItMeansInAFunctionMadeFromText) {
     }
 }
 
-TEST_F(Script, WithASyntaxErrorIsALine) {
+TEST_F(Script, ReportsASyntaxError) {
     insert("done = 1; (");
     EXPECT_EQ(errors.text(), kScriptFailed);
     EXPECT_EQ(page.text_of("typeof done"), "undefined");
 }
 
-TEST_F(Script, ThatThrowsIsALine) {
+TEST_F(Script, ReportsAnException) {
     insert("done = 1; throw new Error('no')");
     EXPECT_EQ(errors.text(), kScriptFailed);
     EXPECT_EQ(page.text_of("done"), "1");
@@ -100,12 +107,12 @@ TEST_F(Script, ThatThrowsIsALine) {
     EXPECT_EQ(page.text_of("done"), "2");
 }
 
-TEST_F(Script, ThatThrowsWhatHasNoTextIsTwoLines) {
+TEST_F(Script, ReportsAnExceptionWithoutText) {
     insert("throw Symbol()");
     EXPECT_EQ(errors.text(), std::string(kScriptFailed) + kBreakout);
 }
 
-TEST_F(Script, OfAnotherThreadWaitsForTheMainLoop) {
+TEST_F(Script, FromAnotherThreadWaitsForTheMainLoop) {
     g_main_context_acquire(nullptr);
     std::thread([] { insert("done = 'by the main loop'"); }).join();
     EXPECT_EQ(page.text_of("typeof done"), "undefined");
@@ -114,12 +121,12 @@ TEST_F(Script, OfAnotherThreadWaitsForTheMainLoop) {
     g_main_context_release(nullptr);
 }
 
-TEST_F(ScriptWithoutPage, IsALine) {
+TEST_F(ScriptWithoutPage, IsReported) {
     insert("done = 1");
     EXPECT_EQ(errors.text(), kScriptFailed);
 }
 
-TEST_F(ScriptWithoutPage, ThatIsEmptyIsNone) {
+TEST_F(ScriptWithoutPage, IgnoresEmptyText) {
     insert("");
     EXPECT_EQ(errors.text(), "");
 }

@@ -112,7 +112,7 @@ extern "C" {
         return fails_now(#name) ? on_error : __real_##name arguments; \
     }
 
-// NOLINTBEGIN: a row a function; templates cannot make names.
+// NOLINTBEGIN: one row per function; templates cannot create names.
 FAULTY(int, -1, socket, (int domain, int type, int protocol), (domain, type, protocol))
 FAULTY(int, -1, connect, (int fd, const sockaddr* address, socklen_t size), (fd, address, size))
 FAULTY(ssize_t, -1, send, (int fd, const void* bytes, size_t size, int flags),
@@ -172,7 +172,7 @@ int __wrap_openat(int directory, const char* path, int flags, ...) {
     return __real_openat(directory, path, flags, mode);
 }
 
-// Commands with a number, or without anything.
+// Commands with a number or without an argument.
 int __real_fcntl(int fd, int command, long number);
 int __wrap_fcntl(int fd, int command, ...) {
     if (fails_now("fcntl")) return -1;
@@ -257,7 +257,7 @@ int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, v
     return error;
 }
 
-// Nobody waits for the seconds between attempts to connect.
+// Skips the pause between attempts to connect.
 unsigned __wrap_sleep(unsigned /*seconds*/) { return 0; }
 
 }  // extern "C"

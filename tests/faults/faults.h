@@ -1,4 +1,4 @@
-// System calls that fail when they are told to. Each function that CMakeLists.txt names is
+// System calls that fail on demand. Each function that CMakeLists.txt names is
 // replaced, in all code that is linked into the test program, by one that counts its calls and
 // lets the n-th fail.
 #pragma once
@@ -11,13 +11,13 @@ namespace kestrel::testing {
 // From now on the `nth` call of `function`, counted from 1, fails with `error` and does nothing.
 void fail(std::string_view function, int nth, int error);
 
-// The first call of `function` fails with `error`, too: for what is called only after a failure.
+// The first call of `function` fails with `error`, too: for code that runs only after a failure.
 void fail_before(std::string_view function, int error);
 
-// Whether the call that `fail` names has come.
+// Whether the call that `fail` names has been made.
 bool has_failed();
 
-// The one entry of the password database from now on. The texts are kept.
+// The one entry of the password database from now on. The strings are copied.
 void set_password_entry(std::string name, std::string home);
 
 // Threads that the code under test has started and that have not ended. What they did before they

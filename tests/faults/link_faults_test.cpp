@@ -1,4 +1,4 @@
-// The link's whole life, from connecting to the host's end, with each system call failing once.
+// The link from connecting to the end of the host, with each system call failing once.
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -12,14 +12,14 @@
 namespace kestrel::testing {
 namespace {
 
-TEST(LinkFaults, NoneHappens) {
+TEST(Link, WorksWithoutFaults) {
     const Outcome outcome = run_with({"", 0, 0}, life_of_a_link);
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.errors, "");
     EXPECT_FALSE(outcome.leaks);
 }
 
-TEST(LinkFaults, OfAnInterruptionChangeNothing) {
+TEST(Link, RetriesInterruptedCalls) {
     for_each_fault({{"connect", {EINTR, EAGAIN}}, {"read", {EINTR}}, {"send", {EINTR}}},
                    life_of_a_link, [](const Fault& fault, const Outcome& outcome) {
                        EXPECT_EQ(outcome.status, 0) << fault;
@@ -27,7 +27,7 @@ TEST(LinkFaults, OfAnInterruptionChangeNothing) {
                    });
 }
 
-TEST(LinkFaults, OfConnectingAreTriedAgain) {
+TEST(Link, RetriesConnect) {
     for_each_fault(
         {{"connect", {ECONNREFUSED, ENOENT, EACCES, EPERM, ETIMEDOUT, EPROTOTYPE, ENOTDIR}}},
         life_of_a_link, [](const Fault& fault, const Outcome& outcome) {
@@ -36,13 +36,13 @@ TEST(LinkFaults, OfConnectingAreTriedAgain) {
         });
 }
 
-// The host's queue is full at first, so that connecting has something to wait for.
+// The host's queue is full at first, so that connecting must wait.
 int life_after_a_full_queue() {
     fail_before("connect", EAGAIN);
     return life_of_a_link();
 }
 
-TEST(LinkFaults, OfWaitingForAFullQueueChangeNothing) {
+TEST(Link, IgnoresErrorsOfWaitingForTheQueue) {
     for_each_fault({{"poll", {EINTR, ENOMEM, EINVAL}}}, life_after_a_full_queue,
                    [](const Fault& fault, const Outcome& outcome) {
                        EXPECT_EQ(outcome.status, 0) << fault;
@@ -50,7 +50,7 @@ TEST(LinkFaults, OfWaitingForAFullQueueChangeNothing) {
                    });
 }
 
-TEST(LinkFaults, OfTheSendBufferChangeNothing) {
+TEST(Link, IgnoresSendBufferErrors) {
     for_each_fault({{"setsockopt", {ENOBUFS, ENOMEM, EPERM, EACCES}}}, life_of_a_link,
                    [](const Fault& fault, const Outcome& outcome) {
                        EXPECT_EQ(outcome.status, 0) << fault;
@@ -58,7 +58,7 @@ TEST(LinkFaults, OfTheSendBufferChangeNothing) {
                    });
 }
 
-TEST(LinkFaults, OfClosingAreToldAtTheEnd) {
+TEST(Link, ReportsCloseError) {
     for_each_fault({{"close", {EIO, EINTR, EDQUOT}}}, life_of_a_link,
                    [](const Fault& fault, const Outcome& outcome) {
                        EXPECT_EQ(outcome.status, 0) << fault;
@@ -68,7 +68,7 @@ TEST(LinkFaults, OfClosingAreToldAtTheEnd) {
                    });
 }
 
-TEST(LinkFaults, EndTheLinkOrTheProcessAsDocumented) {
+TEST(Link, EndsAsDocumented) {
     for_each_fault(
         {{"socket", {EMFILE, ENFILE, ENOBUFS, ENOMEM, EACCES, EAFNOSUPPORT}},
          {"pthread_create", {EAGAIN, EPERM}},
@@ -77,7 +77,7 @@ TEST(LinkFaults, EndTheLinkOrTheProcessAsDocumented) {
          {"send", {EPIPE, ECONNRESET, ENOTCONN, EAGAIN, ENOBUFS, ENOMEM, EBADF}},
          {"malloc", {ENOMEM}}},
         life_of_a_link, [](const Fault& fault, const Outcome& outcome) {
-            // The last read finds the host's end, when all has arrived.
+            // The last read finds the end of the stream, after everything has arrived.
             const bool may_be_late = fault.function == "read";
             const int expected = fault.function == "send" ? 255 : 1;
             EXPECT_TRUE(outcome.status == expected || (may_be_late && outcome.status == 0))

@@ -19,7 +19,7 @@
 #include "tests/faults/faults.h"
 #include "tests/support/frame_bytes.h"
 #include "tests/support/listening_host.h"
-#include "tests/support/process_state.h"
+#include "tests/support/wait_until.h"
 
 namespace kestrel::testing {
 namespace {
@@ -54,7 +54,7 @@ int life_of_a_link() {
     static std::array<webkit_client::InboundHandler, kInboundHandlerSlots> handlers{};
     handlers[1] = [](int*, std::string*) { ++dispatched; };
     webkit_client::initComm(handlers.data(), strdup(path.c_str()));
-    const bool is_connected = comes_true([] { return reader_has_ended() || has_announced(); });
+    const bool is_connected = wait_until([] { return reader_has_ended() || has_announced(); });
     bool all_arrived = is_connected;
     send(6, {}, {});
     const std::string text(100'000, 'x');  // fits the socket's buffer
@@ -70,7 +70,7 @@ int life_of_a_link() {
         connection.write(frame_bytes(1, {}, {"a"}) + frame_bytes(1, {}, {text}));
         connection.hang_up();
     }
-    comes_true(reader_has_ended);
+    wait_until(reader_has_ended);
     webkit_client::deinitComm();
     const NoFaults leaving;
     host.reset();

@@ -1,15 +1,15 @@
-// A link's whole life, from connecting to the host's end, as scenario of fault tests.
+// The scenario of fault tests of the link, from connecting to the end of the host.
 #pragma once
 
 #include <string_view>
 
 namespace kestrel::testing {
 
-// Announcement, two messages out, two in, and the link's end. 0 when all of them have arrived, 1
-// when not.
+// Announcement, two messages out, two in, and the end. Returns 0 if all of them have arrived,
+// else 1.
 int life_of_a_link();
 
-// Whether the text is made of lines that the link's documents tell of.
+// Whether the text consists of documented error lines.
 bool is_documented(std::string_view text);
 
 }  // namespace kestrel::testing

@@ -1,4 +1,4 @@
-// The logging client, from its start to its end, with each system call failing once.
+// The logging client from start to shutdown, with each system call failing once.
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -21,7 +21,7 @@ namespace {
 
 enum Status { kAllWell, kNoSettings, kFoundLater, kWrongResult };
 
-// A thread that was about to read the record may do so after the end, whatever has become of it.
+// A slow thread may still read the record after the shutdown, even if the file was truncated.
 void read_when_cut_short(logging::SharedLogConfig& record) {
     const NoFaults of_a_neighbour;
     std::filesystem::resize_file(GetConfigFilePath(), 0);
@@ -53,7 +53,7 @@ int life_of_a_log() {
     return set == 1 ? kAllWell : kNoSettings;
 }
 
-// The settings file is a link of the user's.
+// The settings file is a symbolic link.
 int life_with_a_link() {
     {
         const NoFaults linking;
@@ -95,7 +95,7 @@ int look_for_the_version() {
     return version == "unknown" ? kUnknownVersion : kWrongVersion;
 }
 
-TEST(LogFaults, NoneHappens) {
+TEST(Log, WorksWithoutFaults) {
     const Outcome outcome = run_with({"", 0, 0}, life_of_a_log);
     EXPECT_EQ(outcome.status, kAllWell);
     EXPECT_FALSE(outcome.leaks);
@@ -104,7 +104,7 @@ TEST(LogFaults, NoneHappens) {
     EXPECT_EQ(run_with({"", 0, 0}, look_for_the_version).status, kVersion);
 }
 
-TEST(LogFaults, OfTheSettingsLeaveNone) {
+TEST(Log, HasNoSettingsWithoutTheirFile) {
     for_each_fault({{"ftruncate", {EIO, EFBIG, EROFS, EINTR, EINVAL}},
                     {"openat", {EACCES, EROFS, ENOSPC, EDQUOT, EMFILE, ENFILE, ELOOP, EINTR, EIO}}},
                    life_of_a_log, [](const Fault& fault, const Outcome& outcome) {
@@ -120,7 +120,7 @@ TEST(LogFaults, OfTheSettingsLeaveNone) {
                    });
 }
 
-TEST(LogFaults, OfAnythingElseNeverShow) {
+TEST(Log, HidesOtherErrors) {
     for_each_fault({{"socket", {EMFILE, ENFILE, ENOMEM, EACCES}},
                     {"connect", {ECONNREFUSED, EACCES, EINTR, ETIMEDOUT, EAGAIN}},
                     {"write", {EPIPE, ECONNRESET, EINTR, EAGAIN, ENOBUFS, EIO}},
@@ -140,8 +140,8 @@ TEST(LogFaults, OfAnythingElseNeverShow) {
                    });
 }
 
-// The page of zeros cannot take the place of the settings, and cannot be given back either.
-TEST(LogFaults, OfGivingMemoryBackNeverShow) {
+// The settings cannot be replaced by the page of zeros, which cannot be unmapped either.
+TEST(Log, HidesUnmapErrors) {
     for_each_fault(
         {{"munmap", {EINVAL, ENOMEM}}},
         [] {
@@ -154,7 +154,7 @@ TEST(LogFaults, OfGivingMemoryBackNeverShow) {
         });
 }
 
-TEST(LogFaults, OfThePasswordDatabaseAreNotRemembered) {
+TEST(Log, RetriesThePasswordDatabase) {
     for_each_fault(
         {{"getpwuid_r", {EINTR, EIO, EMFILE, ENFILE, ENOMEM, ENOENT}}, {"strdup", {ENOMEM}}},
         life_without_home, [](const Fault& fault, const Outcome& outcome) {
@@ -167,7 +167,7 @@ TEST(LogFaults, OfThePasswordDatabaseAreNotRemembered) {
                    });
 }
 
-TEST(LogFaults, OfLookingForTheVersionLeaveItUnknown) {
+TEST(Log, ReportsAnUnknownVersion) {
     for_each_fault({{"opendir", {EACCES, EMFILE, ENFILE, ENOENT, ENOMEM, ENOTDIR}},
                     {"fopen", {EACCES, EINTR, ELOOP, EMFILE, ENFILE, ENOENT, ENOMEM}},
                     {"fgets", {EIO, EINTR, EISDIR}},
@@ -179,7 +179,7 @@ TEST(LogFaults, OfLookingForTheVersionLeaveItUnknown) {
                    });
 }
 
-TEST(LogFaults, OfClosingWhatWasReadNeverShow) {
+TEST(Log, HidesCloseErrorsOfTheVersionFile) {
     for_each_fault({{"closedir", {EBADF, EINTR}}, {"fclose", {EBADF, EINTR, EIO}}},
                    look_for_the_version, [](const Fault& fault, const Outcome& outcome) {
                        EXPECT_EQ(outcome.status, kVersion) << fault;

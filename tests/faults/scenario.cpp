@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -10,14 +9,14 @@
 #include <utility>
 
 #include "tests/faults/faults.h"
+#include "tests/support/process.h"
 #include "tests/support/process_state.h"
-#include "tests/support/stderr_capture.h"
 #include "tests/support/temporary_directory.h"
 
 namespace kestrel::testing {
 namespace {
 
-// What the child tells by shared memory: it may end in the middle of anything.
+// Shared with the child, which may end at any place.
 struct Report {
     bool failed;
     bool leaks;
@@ -26,17 +25,15 @@ struct Report {
 }  // namespace
 
 std::ostream& operator<<(std::ostream& stream, const Fault& fault) {
-    return stream << fault.function << " fails at its call " << fault.nth << " with "
+    return stream << fault.function << " call " << fault.nth << " fails with "
                   << strerror(fault.error);
 }
 
 Outcome run_with(const Fault& fault, const std::function<int()>& scenario) {
     const TemporaryDirectory home;
-    const StderrCapture errors;
     auto* const report = static_cast<volatile Report*>(
         mmap(nullptr, sizeof(Report), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
-    const pid_t child = fork();
-    if (child == 0) {
+    const ProcessResult result = run_in_child([&] {
         alarm(30);
         setenv("HOME", home.path().c_str(), 1);
         const std::size_t before = open_descriptors();
@@ -44,23 +41,13 @@ Outcome run_with(const Fault& fault, const std::function<int()>& scenario) {
         at_exit = report;
         std::atexit([] { at_exit->failed = has_failed(); });
         fail(fault.function, fault.nth, fault.error);
-        int status = 0;
-        try {
-            status = scenario();
-        } catch (const std::exception& exception) {
-            std::fprintf(stderr, "the scenario threw: %s\n", exception.what());
-            _exit(99);
-        }
+        const int status = scenario();
         report->failed = has_failed();
         fail("", 0, 0);
         report->leaks = open_descriptors() != before;
-        std::fflush(stderr);
-        _exit(status);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    Outcome outcome{WIFEXITED(status) ? WEXITSTATUS(status) : -1, errors.text(), report->failed,
-                    report->leaks};
+        return status;
+    });
+    const Outcome outcome{result.status, result.errors, report->failed, report->leaks};
     munmap(const_cast<Report*>(report), sizeof(Report));
     return outcome;
 }
@@ -73,11 +60,11 @@ void for_each_fault(const std::vector<std::pair<std::string_view, std::vector<in
         int seen = 0;
         for (const int number : numbers) {
             for (int nth = 1;; ++nth) {
-                ASSERT_LE(nth, kMostCalls) << function << " is called more often than is tried";
+                ASSERT_LE(nth, kMostCalls) << function << " is called more often than the test tries";
                 const Fault fault{function, nth, number};
                 const Outcome outcome = run_with(fault, scenario);
-                // A child that a signal ends does not say whether the call came.
-                EXPECT_NE(outcome.status, -1) << fault << ": ended by a signal";
+                // A child that a signal ends does not report whether the call came.
+                EXPECT_GE(outcome.status, 0) << fault << ": ended by a signal";
                 if (!outcome.failed) break;
                 ++seen;
                 EXPECT_FALSE(outcome.leaks) << fault << ": leaves a descriptor open";

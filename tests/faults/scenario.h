@@ -18,9 +18,9 @@ struct Fault {
 };
 
 struct Outcome {
-    int status = 0;       // as the process exited; -1 when a signal ended it
-    std::string errors;   // its standard error
-    bool failed = false;  // whether the call came at all
+    int status = 0;       // the exit status, or the negative number of the signal that ended it
+    std::string errors;   // standard error
+    bool failed = false;  // whether the call was made
     bool leaks = false;   // more descriptors at the end than at the beginning
 };
 

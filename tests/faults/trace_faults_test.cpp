@@ -1,5 +1,5 @@
-// The link's whole life while the wire is traced into a file, with each system call failing once.
-// Lines of the trace may be lost, frames never.
+// The link with a trace file, with each system call failing once. Lines of the trace may be lost,
+// frames never.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -16,6 +16,7 @@
 #include <string_view>
 
 #include "ipc/frame.h"
+#include "ipc/frame_builder.h"
 #include "ipc/frame_observer.h"
 #include "tests/faults/faults.h"
 #include "tests/faults/link_life.h"
@@ -64,7 +65,7 @@ std::string told(int error) { return "/trace: " + std::string(strerror(error)) +
 
 constexpr auto kNotWritten = "Could not write the trace file ";
 
-TEST(TraceFaults, NoneHappens) {
+TEST(Trace, WorksWithoutFaults) {
     const Outcome outcome = run_with({"", 0, 0}, life_of_a_traced_link);
     EXPECT_EQ(outcome.status, kAllArrived);
     EXPECT_THAT(outcome.errors, StartsWith(kNotWritten));
@@ -72,7 +73,7 @@ TEST(TraceFaults, NoneHappens) {
     EXPECT_FALSE(outcome.leaks);
 }
 
-TEST(TraceFaults, OfOpeningLeaveALinkWithoutTrace) {
+TEST(Trace, LinkWorksIfTheFileCannotBeOpened) {
     for_each_fault({{"open", {EACCES, EDQUOT, EINTR, EIO, ELOOP, EMFILE, ENOSPC, ENXIO, EROFS}}},
                    life_of_a_traced_link, [](const Fault& fault, const Outcome& outcome) {
                        EXPECT_EQ(outcome.status, kLinesMissing) << fault;
@@ -81,7 +82,7 @@ TEST(TraceFaults, OfOpeningLeaveALinkWithoutTrace) {
                    });
 }
 
-TEST(TraceFaults, OfWritingEndTheTraceAndNothingElse) {
+TEST(Trace, WriteErrorEndsTheTraceOnly) {
     for_each_fault({{"write", {EDQUOT, EFBIG, EIO, ENOSPC, EPIPE}}}, life_of_a_traced_link,
                    [](const Fault& fault, const Outcome& outcome) {
                        EXPECT_EQ(outcome.status, fault.nth > kFrames ? kAllArrived : kLinesMissing)
@@ -91,7 +92,7 @@ TEST(TraceFaults, OfWritingEndTheTraceAndNothingElse) {
                    });
 }
 
-TEST(TraceFaults, OfAnInterruptionLoseNoLine) {
+TEST(Trace, RetriesInterruptedWrites) {
     for_each_fault({{"write", {EINTR}}, {"poll", {EINTR, ENOMEM}}}, life_of_a_traced_link,
                    [](const Fault& fault, const Outcome& outcome) {
                        EXPECT_EQ(outcome.status, kAllArrived) << fault;
@@ -100,7 +101,7 @@ TEST(TraceFaults, OfAnInterruptionLoseNoLine) {
 }
 
 // A line for which there is no room is replaced by its number in the next one, if there is one.
-TEST(TraceFaults, OfAFileWithoutRoomLoseNoFrame) {
+TEST(Trace, LosesNoFrameIfTheFileIsFull) {
     for_each_fault({{"write", {EAGAIN}}}, life_of_a_traced_link,
                    [](const Fault& fault, const Outcome& outcome) {
                        EXPECT_NE(outcome.status, kFramesMissing) << fault;
@@ -108,14 +109,14 @@ TEST(TraceFaults, OfAFileWithoutRoomLoseNoFrame) {
                    });
 }
 
-TEST(TraceFaults, OfMemoryEndInDocumentedLines) {
+TEST(Trace, ReportsMissingMemory) {
     for_each_fault({{"malloc", {ENOMEM}}}, life_of_a_traced_link,
                    [&](const Fault& fault, const Outcome& outcome) {
                        EXPECT_TRUE(is_documented(outcome.errors)) << fault << outcome.errors;
                    });
 }
 
-TEST(TraceFaults, OfTheLinkAreAsEver) {
+TEST(Trace, LinkErrorsAreReportedAsWithoutTrace) {
     for_each_fault({{"send", {EPIPE, ENOBUFS}}, {"read", {EIO}}, {"socket", {EMFILE}}},
                    life_of_a_traced_link, [](const Fault& fault, const Outcome& outcome) {
                        const bool may_be_late = fault.function == "read";

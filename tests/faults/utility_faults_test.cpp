@@ -53,7 +53,7 @@ int read_a_time() {
 
 int drop_capabilities() { return LinuxCommonUtils::drop_capability() == 0 ? 0 : 1; }
 
-TEST(UtilityFaults, OfTheLockCountAsAnotherInstanceWithAdvice) {
+TEST(Utilities, TreatLockErrorsAsAnotherInstance) {
     for (const auto& use : {use_the_lock, use_a_lock_in_a_directory}) {
         for_each_fault({{"open", {EACCES, EMFILE, ENFILE, ELOOP, EIO, EINTR}},
                         {"openat", {EACCES, EMFILE, ENFILE, EROFS, ELOOP, ENOSPC, EIO, EINTR}},
@@ -67,7 +67,7 @@ TEST(UtilityFaults, OfTheLockCountAsAnotherInstanceWithAdvice) {
     }
 }
 
-TEST(UtilityFaults, OfLookingAtALockEndInOneOfItsThreeWays) {
+TEST(Utilities, SurviveErrorsAtAnExistingLock) {
     for_each_fault({{"flock", {EINTR, ENOLCK}},
                     {"read", {EIO, EISDIR, EBADF}},
                     {"open", {EACCES, EMFILE, ENOENT}},
@@ -85,7 +85,7 @@ TEST(UtilityFaults, OfLookingAtALockEndInOneOfItsThreeWays) {
                    });
 }
 
-TEST(UtilityFaults, OfClosingDoNotMatter) {
+TEST(Utilities, IgnoreCloseErrors) {
     for (const auto& use : {use_the_lock, use_a_lock_in_a_directory}) {
         for_each_fault({{"close", {EIO, EINTR, ENOSPC, EDQUOT}}}, use,
                        [](const Fault& fault, const Outcome& outcome) {
@@ -95,7 +95,7 @@ TEST(UtilityFaults, OfClosingDoNotMatter) {
     }
 }
 
-TEST(UtilityFaults, OfThePasswordDatabaseGiveAnEmptyText) {
+TEST(Utilities, ReturnNoTextWithoutThePasswordDatabase) {
     EXPECT_EQ(run_with({"", 0, 0}, ask_for_name_and_home).status, 0);
     for_each_fault({{"getpwuid_r", {EINTR, EIO, EMFILE, ENFILE, ENOMEM, ENOENT}}},
                    ask_for_name_and_home, [](const Fault& fault, const Outcome& outcome) {
@@ -107,8 +107,8 @@ TEST(UtilityFaults, OfThePasswordDatabaseGiveAnEmptyText) {
         [](const Fault& fault, const Outcome& outcome) { EXPECT_EQ(outcome.status, 0) << fault; });
 }
 
-// The second name of the library is not there: the first one's fault ends the search.
-TEST(UtilityFaults, OfLoadingTheCapabilityLibraryAreToldAndChangeNothing) {
+// The library is not installed under its second name.
+TEST(Utilities, ReportAMissingCapabilityLibrary) {
     if (geteuid() != 0) GTEST_SKIP() << "there are no capabilities to drop";
     for_each_fault({{"dlopen", {ENOENT, EACCES, EMFILE, ENOMEM}}}, drop_capabilities,
                    [](const Fault& fault, const Outcome& outcome) {
@@ -120,7 +120,7 @@ TEST(UtilityFaults, OfLoadingTheCapabilityLibraryAreToldAndChangeNothing) {
                    });
 }
 
-TEST(UtilityFaults, OfTheScratchDirectoryUseAnother) {
+TEST(Utilities, FallBackToAnotherScratchDirectory) {
     for_each_fault({{"mkdir", {EACCES, ENOSPC, EROFS, EMLINK, ENAMETOOLONG, EDQUOT}}}, use_the_rest,
                    [](const Fault& fault, const Outcome& outcome) {
                        EXPECT_EQ(outcome.status, 0) << fault;
@@ -129,7 +129,7 @@ TEST(UtilityFaults, OfTheScratchDirectoryUseAnother) {
                    });
 }
 
-TEST(UtilityFaults, OfLookingAroundGiveLess) {
+TEST(Utilities, ReturnLessWithoutSystemInformation) {
     for_each_fault({{"readlink", {EACCES, ENOENT, EIO}},
                     {"stat", {EACCES, ELOOP, ENOTDIR}},
                     {"uname", {EFAULT}},
@@ -139,7 +139,7 @@ TEST(UtilityFaults, OfLookingAroundGiveLess) {
                    });
 }
 
-TEST(UtilityFaults, OfATimeGiveMinusOne) {
+TEST(Utilities, ReturnMinusOneForAnInvalidTime) {
     EXPECT_EQ(run_with({"", 0, 0}, read_a_time).status, 0);
     for_each_fault({{"mktime", {EOVERFLOW}}}, read_a_time,
                    [](const Fault& fault, const Outcome& outcome) {

@@ -1,5 +1,5 @@
-// The page's calls of `external`. Each call takes a byte for the function, one for the number of
-// arguments, and for each argument one that chooses a value that means trouble, or a text.
+// Calls of `external` by a page. Each call takes one byte for the function, one for the number of
+// arguments, and one for each argument, which selects a difficult value or a string.
 #include <array>
 #include <string>
 #include <string_view>
@@ -59,7 +59,7 @@ constexpr auto kValues = std::to_array<std::string_view>({
     "{[Symbol.toPrimitive]: 1}",
 });
 
-// Any bytes as a script literal, so that no input ends the call before it is made.
+// Any bytes as a valid script literal.
 std::string literal(std::string_view bytes) {
     std::string text = "'";
     for (const char c : bytes) {

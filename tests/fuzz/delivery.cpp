@@ -1,7 +1,7 @@
 // The host's messages as they reach a real script context: type, then texts that end with NULs.
 #include <array>
 
-#include "jsapi/KsJS_proxy.h"
+#include "extension/KsJS_proxy.h"
 #include "tests/fuzz/input.h"
 #include "tests/fuzz/quiet.h"
 #include "tests/fuzz/script_page.h"

@@ -59,7 +59,7 @@ void InstalledApps::open(const std::string& /*uri*/, Done done) {
     EventSource::call_after(kSoon, [done = std::move(done)] { done(problem()); });
 }
 
-// Decoding images is GdkPixbuf's; finding their bytes is ours.
+// GdkPixbuf decodes images; only the search for their bytes is ours.
 RecoloredImage recolored_image(const std::string& uri, Color /*color*/) {
     const ImageSource source = read_image_source(uri, kMaxImageBytes);
     if (!source.error.empty()) return {.uri = {}, .error = source.error};

@@ -1,6 +1,5 @@
-// The web, the applications and the images of this machine, in place of the workbench's: linked
-// instead of them, nothing leaves the process. Each answers as the original promises, later and in
-// the main context.
+// Fakes of the workbench's web requests, applications and images, linked instead of them so that no
+// request leaves the process. They respond asynchronously in the main context, as the originals do.
 #pragma once
 
 #include <string>
@@ -12,7 +11,7 @@ struct FakeMachine {
     bool succeeds = true;
 };
 
-// What they answer from now on.
+// The responses from now on.
 FakeMachine& fake_machine();
 
 }  // namespace kestrel::fuzz

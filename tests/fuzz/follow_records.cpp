@@ -1,13 +1,13 @@
-// What `kestrel-log follow` takes from a process, and what it prints of it. The first byte is the
-// size of the pieces in which it comes.
+// The stream of a process as `kestrel-log follow` reads and prints it. The first byte is the size
+// of the pieces in which the stream arrives.
 #include <sys/socket.h>
 
 #include <array>
 
 #include "tests/fuzz/check.h"
 #include "tests/fuzz/input.h"
+#include "tools/log_line.h"
 #include "tools/process_connection.h"
-#include "tools/trace_line.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using kestrel::fuzz::check;
@@ -17,7 +17,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     check(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) == 0);
     const kestrel::FileDescriptor process(ends[0]);
     kestrel::tools::ProcessConnection connection{kestrel::FileDescriptor(ends[1])};
-    const auto look_at = [](const kestrel::tools::TraceLine& line) {
+    const auto look_at = [](const kestrel::tools::LogLine& line) {
         const std::string text = text_of(line, true);
         check(text.ends_with('\n') && text.find('\n') == text.size() - 1);
         const std::string json = json_of(line);

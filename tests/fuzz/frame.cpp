@@ -4,6 +4,8 @@
 #include <array>
 #include <cstring>
 
+#include "ipc/frame_builder.h"
+#include "ipc/items.h"
 #include "ipc/webkit_client.h"
 #include "tests/fuzz/check.h"
 #include "tests/fuzz/input.h"

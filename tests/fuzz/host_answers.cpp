@@ -1,6 +1,6 @@
-// What the workbench makes of a page's requests. The first byte says how the user and the machine
-// answer, and a text what they say. Then each request takes a byte for its type, one for the number
-// of its integers, one for that of its strings, and the items, each up to a NUL.
+// The workbench's answers to a page. The first byte selects how the user and the machine respond,
+// and a string their text. Then each request takes one byte for its type, one for the number of
+// integers, one for the number of strings, and the items, each up to a NUL.
 #include <JavaScriptCore/JavaScript.h>
 #include <glib.h>
 #include <nlohmann/json.hpp>
@@ -15,12 +15,13 @@
 #include <string_view>
 #include <utility>
 
+#include "ipc/items.h"
 #include "tests/fuzz/check.h"
 #include "tests/fuzz/fake_machine.h"
 #include "tests/fuzz/input.h"
 #include "tests/fuzz/quiet.h"
 #include "tests/support/temporary_directory.h"
-#include "tests/workbench/fake_desktop.h"
+#include "tests/workbench/desktop/fake_user_interface.h"
 #include "workbench/answers/commands.h"
 #include "workbench/session.h"
 
@@ -28,7 +29,7 @@ namespace {
 
 using kestrel::fuzz::check;
 
-// One request, whatever it says, as it would have come from the wire.
+// One request as received, with any content.
 kestrel::Frame next_request(kestrel::fuzz::Input& input) {
     std::array<int, 4> header{};
     for (std::size_t field = 0; field < 3; ++field) header[field] = static_cast<int>(input.byte());
@@ -44,7 +45,7 @@ kestrel::Frame next_request(kestrel::fuzz::Input& input) {
     return kestrel::FrameAssembler(kestrel::kLimitsFromPage).next(rest);
 }
 
-// The callback of a request, which is the page's own script; everything else that it sends is data.
+// The callback of a request, which is script of the page; all other items are data.
 std::string callback_of(const webkit_message& request) {
     const kestrel::Command* const command = kestrel::find_command(request.msg_type);
     kestrel::Items items;
@@ -53,8 +54,8 @@ std::string callback_of(const webkit_message& request) {
     return index < items.strings.size() ? items.strings[index] : "";
 }
 
-// With a context of its own, which takes long, as the leak sanitizer does not see what a living one
-// refers to.
+// Uses a new context, which is slow, because the leak sanitizer does not find pointers of a live
+// one.
 void check_syntax(const std::string& script) {
     JSGlobalContextRef const context = JSGlobalContextCreate(nullptr);
     JSStringRef const text = JSStringCreateWithUTF8CString(script.c_str());
@@ -63,8 +64,8 @@ void check_syntax(const std::string& script) {
     JSGlobalContextRelease(context);
 }
 
-// An answer is the page's callback, called with literals that are JSON: what the page or the web
-// has said can be in there within a string only. Gives the script, with a callback of ours.
+// An answer calls the page's callback with JSON literals: text of the page or the web must only
+// occur within strings. Returns the script with a callback of ours.
 std::string check_answer(const webkit_message& frame, const std::string& callback) {
     check(frame.msg_type == kestrel::to_page("answer"));
     check(frame.total_len_of_string <= kestrel::kMaxInboundPayload);
@@ -89,18 +90,18 @@ std::string check_answer(const webkit_message& frame, const std::string& callbac
     return "((() => (take\n)(" + values + ")));\n";
 }
 
-// A host with one web process, in a page's directory of their own.
+// A host with one web process and a new directory for its page.
 class Host {
   public:
     explicit Host(bool user_agrees) {
-        desktop_.agrees = user_agrees;
+        user_interface_.agrees = user_agrees;
         std::array<int, 2> ends{};
         check(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) == 0);
         web_process_ = kestrel::FileDescriptor(ends[1]);
         connection_.emplace(kestrel::FileDescriptor(ends[0]), session_);
     }
 
-    // Carries out the request; the answer, if one comes.
+    // Performs the request; returns the answer, if there is one.
     kestrel::Frame answer_to(const webkit_message& request) {
         session_.on_message(*connection_, request);
         kestrel::FrameAssembler assembler({kestrel::kMaxInboundPayload, 6});
@@ -131,12 +132,12 @@ class Host {
     kestrel::StoreDatabase database_{":memory:"};
     kestrel::InstalledApps apps_{directory()};
     kestrel::WebRequests requests_;
-    kestrel::testing::FakeDesktop desktop_;
+    kestrel::testing::FakeUserInterface user_interface_;
     kestrel::Services services_{"file://" + directory() + "/page.html",
                                 database_,
                                 apps_,
                                 requests_,
-                                desktop_,
+                                user_interface_,
                                 [](const std::string& icon) { return "data:," + icon; }};
     std::ostringstream lines_;
     kestrel::Transcript transcript_{lines_};
@@ -154,7 +155,7 @@ void keep_to_this_process() {
 
 }  // namespace
 
-// For every request with a callback there is one answer, and for no other one.
+// Every request with a callback has one answer, other requests have none.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     keep_to_this_process();
     kestrel::fuzz::Input input(data, size);

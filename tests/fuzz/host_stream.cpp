@@ -1,5 +1,5 @@
-// The host's end: frames out of a stream in pieces, and the lines that show them to people and
-// programs. The first byte is the size of the pieces.
+// The host's incremental frame parser, and frames as text and JSON. The first byte is the size of
+// the pieces in which the stream arrives.
 #include <nlohmann/json.hpp>
 
 #include <chrono>

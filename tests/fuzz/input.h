@@ -1,4 +1,4 @@
-// One input of a fuzz target, taken apart from its front.
+// Reads values from the front of a fuzz input.
 #pragma once
 
 #include <algorithm>
@@ -17,7 +17,7 @@ class Input {
     bool is_empty() const { return rest_.empty(); }
     std::string_view rest() const { return rest_; }
 
-    // 0 when nothing is left.
+    // 0 at the end.
     std::size_t byte() {
         if (rest_.empty()) return 0;
         const auto value = static_cast<unsigned char>(rest_.front());
@@ -25,14 +25,14 @@ class Input {
         return value;
     }
 
-    // `size` bytes, or what is left.
+    // `size` bytes, fewer at the end.
     std::string_view bytes(std::size_t size) {
         const std::string_view taken = rest_.substr(0, size);
         rest_.remove_prefix(taken.size());
         return taken;
     }
 
-    // What comes before the next NUL, which is taken too.
+    // The bytes before the next NUL, which is consumed too.
     std::string text() {
         const std::size_t end = std::min(rest_.find('\0'), rest_.size());
         std::string taken(rest_.substr(0, end));

@@ -12,6 +12,7 @@
 
 #include "ipc/frame.h"
 #include "ipc/frame_assembler.h"
+#include "ipc/items.h"
 #include "ipc/send.h"
 #include "ipc/webkit_client.h"
 #include "tests/fuzz/check.h"

@@ -1,13 +1,13 @@
-// The settings that all programs share, as another program may have left them on disk. The first
-// byte chooses how much of the file is cut off while it is mapped.
+// The shared settings file with any content. The first byte selects how far the file is truncated
+// while it is mapped.
 #include <unistd.h>
 
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
 
+#include "log/log_record.h"
 #include "log/shared_config.h"
-#include "log/trace_message.h"
 #include "log/zynlog.h"
 #include "log/zynlog_config.h"
 #include "log/zynlog_paths.h"
@@ -20,10 +20,10 @@ namespace {
 [[gnu::format(printf, 1, 2)]] void trace(const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
-    const kestrel::logging::TraceMessage message(kestrel::kLogWebkit, kestrel::kError, format,
-                                                 arguments);
+    const kestrel::logging::LogRecord record(kestrel::kLogWebkit, kestrel::kError, format,
+                                             arguments);
     va_end(arguments);
-    kestrel::fuzz::check(message.bytes().back() == '\0');
+    kestrel::fuzz::check(record.bytes().back() == '\0');
 }
 
 void look_at_everything() {

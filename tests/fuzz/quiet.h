@@ -4,8 +4,8 @@
 
 namespace kestrel::fuzz {
 
-// Our own error lines go nowhere from now on: they would be thousands a second. The sanitizers'
-// reports do not come through stdio.
+// Discards our own error lines, of which a fuzzer causes thousands per second. Sanitizers do not
+// report through stdio.
 inline void silence_error_lines() {
     static std::FILE* const nowhere = std::fopen("/dev/null", "we");
     if (nowhere != nullptr) stderr = nowhere;

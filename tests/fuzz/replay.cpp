@@ -1,5 +1,5 @@
-// Runs a fuzz target over files, and over the files in directories: what ./test does with each
-// corpus, without a fuzzer. Each argument is a file or a directory.
+// Runs a fuzz target without a fuzzer over its arguments, which are files or directories of files.
+// ./test replays each corpus with it.
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -14,7 +14,7 @@ namespace {
 int replayed = 0;
 
 void replay_file(const std::filesystem::path& path) {
-    // Named before it runs, so that the last line says what crashed.
+    // Printed before it runs: the last line names the input that crashes.
     std::printf("%s\n", path.c_str());
     std::fflush(stdout);
     std::ifstream file(path, std::ios::binary);

@@ -6,8 +6,9 @@
 #include <array>
 #include <span>
 
+#include "extension/KsJS_proxy.h"
 #include "extension/page_globals.h"
-#include "jsapi/KsJS_proxy.h"
+#include "ipc/items.h"
 #include "jsapi/script_text.h"
 
 namespace kestrel::fuzz {

@@ -1,5 +1,5 @@
-// The utilities' texts: user agents, times, trimming, wide and narrow. Two texts that end with
-// NULs.
+// The text utilities: user agents, times, trimming, wide and narrow strings. The input is two
+// strings, each up to a NUL.
 #include <cstdlib>
 #include <string>
 

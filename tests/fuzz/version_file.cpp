@@ -1,4 +1,4 @@
-// The two readers of version files: the logging client's and the user agent's.
+// The version file readers of the logging client and of the user agent.
 #include "log/version_file.h"
 
 #include <cstdio>
@@ -16,7 +16,7 @@
 
 namespace {
 
-// An install root with everything but a version file, whose path it gives.
+// Creates an install root without a version file. Returns the path of that file.
 std::string make_install_root(const std::string& root) {
     std::filesystem::create_directories(root + "/util");
     std::filesystem::create_directories(root + "/pkginf");

@@ -22,6 +22,7 @@
 #include "tests/ipc/log_lines.h"
 #include "tests/support/frame_bytes.h"
 #include "tests/support/listening_host.h"
+#include "tests/support/wait_until.h"
 
 namespace kestrel::testing {
 namespace {
@@ -43,7 +44,7 @@ TEST_F(ConnectTest, AnnouncesTheProcessFirstAndOnce) {
     start_link();
     const HostEnd connection = host.accept();
     EXPECT_EQ(connection.read_frame(), announcement());
-    ASSERT_TRUE(comes_true([] { return webkit_client::mu.try_lock(); }));
+    ASSERT_TRUE(wait_until([] { return webkit_client::mu.try_lock(); }));
     webkit_client::mu.unlock();
     EXPECT_TRUE(connection.is_quiet());
     EXPECT_THAT(logged(), ElementsAre(kStarted));
@@ -60,9 +61,9 @@ TEST_F(ConnectTest, WaitsForRoomInTheHostsQueueWithoutTheLock) {
     ASSERT_EQ(connect(first, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
 
     start_link();
-    ASSERT_TRUE(comes_true([] { return load_server_fd() != -1; }));
+    ASSERT_TRUE(wait_until([] { return load_server_fd() != -1; }));
     for (int i = 0; i < 3; ++i) {
-        ASSERT_TRUE(comes_true([] { return send_lock.try_lock(); }));
+        ASSERT_TRUE(wait_until([] { return send_lock.try_lock(); }));
         send_lock.unlock();
     }
     EXPECT_NE(host.accept().fd(), -1);
@@ -94,13 +95,13 @@ TEST_F(ConnectTest, SendsFromAnyThreadOnceConnected) {
 }
 
 // Sends as soon as the connection stands, so that the announcement would be overtaken if it could.
-TEST_F(ConnectTest, NoFrameComesBeforeTheAnnouncement) {
+TEST_F(ConnectTest, SendsNothingBeforeTheAnnouncement) {
     const ListeningHost host(path);
     for (int round = 0; round < 50; ++round) {
         std::promise<void> watching;
         std::thread sender([&] {
             watching.set_value();
-            comes_true([] {
+            wait_until([] {
                 const int fd = load_server_fd();
                 sockaddr address{};
                 socklen_t size = sizeof address;
@@ -136,7 +137,7 @@ TEST_F(ConnectTest, NotifiesAWaiterOnceTheAnnouncementIsSent) {
     connection.read_frame();
 }
 
-TEST_F(ConnectTest, KeepsItsSocketFromProgramsThatItStarts) {
+TEST_F(ConnectTest, ClosesItsSocketOnExec) {
     const ListeningHost host(path);
     start_link();
     const HostEnd connection = host.accept();
@@ -146,7 +147,7 @@ TEST_F(ConnectTest, KeepsItsSocketFromProgramsThatItStarts) {
 }
 
 // The kernel doubles what it grants, for its own records.
-TEST_F(ConnectTest, HasAsLargeASendBufferAsItWantsAndTheSystemAllows) {
+TEST_F(ConnectTest, GetsTheRequestedSendBufferUpToTheSystemLimit) {
     const ListeningHost host(path);
     start_link();
     const HostEnd connection = host.accept();
@@ -187,7 +188,7 @@ TEST_F(ConnectTest, AHostThatHasGoneEndsTheReaderAndLeavesTheDescriptor) {
     EXPECT_EQ(errors.text(), "");
 }
 
-TEST_F(ConnectTest, ConnectsToAPathOfTheGreatestLength) {
+TEST_F(ConnectTest, AcceptsTheLongestPath) {
     const std::string longest = path_of_length(107);
     const ListeningHost host(longest);
     start_link(longest);

@@ -5,6 +5,8 @@
 #include <climits>
 
 #include "ipc/frame.h"
+#include "ipc/frame_builder.h"
+#include "ipc/items.h"
 #include "tests/ipc/message_block.h"
 #include "tests/support/frame_bytes.h"
 
@@ -49,7 +51,7 @@ TEST(DecodeItemsTest, ReadsBackWhatWasBuilt) {
     EXPECT_THAT(items.strings, ::testing::ElementsAreArray(strings));
 }
 
-TEST(DecodeItemsTest, TextThatIsNoNumberIsZero) {
+TEST(DecodeItemsTest, ReadsTextThatIsNotANumberAsZero) {
     Items items;
     ASSERT_TRUE(decode_items(*message_block(frame_bytes(9, {"abc", "7"}, {"ab"})), items));
     EXPECT_THAT(items.ints, ElementsAre(0, 7));
@@ -71,7 +73,7 @@ TEST(DecodeItemsTest, RefusesAPayloadCutAnywhere) {
     }
 }
 
-TEST(DecodeItemsTest, RefusesAnItemWithoutItsNul) {
+TEST(DecodeItemsTest, RefusesAnUnterminatedItem) {
     EXPECT_FALSE(decodes(1, 0, "7"));
     EXPECT_FALSE(decodes(0, 1, "ab"));
     EXPECT_FALSE(decodes(1, 1, "7\0ab"s));
@@ -87,7 +89,7 @@ TEST(DecodeItemsTest, RefusesNegativeCounts) {
     EXPECT_FALSE(decodes(-1, 2, "7\0"s));
 }
 
-TEST(DecodeItemsTest, AllowsAsManyItemsAsThePayloadHasBytesAndNotOneMore) {
+TEST(DecodeItemsTest, AcceptsOneItemPerPayloadByteAndNoMore) {
     for (int bytes = 0; bytes <= 20; ++bytes) {
         const std::string payload(static_cast<std::size_t>(bytes), '\0');
         EXPECT_TRUE(decodes(bytes, 0, payload)) << bytes;
@@ -103,7 +105,7 @@ TEST(DecodeItemsTest, RefusesHugeCountsBeforeAllocatingForThem) {
     EXPECT_FALSE(decodes(INT_MAX, INT_MAX, "7\0"s));
 }
 
-TEST(CountsArePossibleTest, JudgesTheHeaderAlone) {
+TEST(CountsArePossibleTest, ChecksOnlyTheHeader) {
     EXPECT_TRUE(counts_are_possible({1, 0, 0, 0}));
     EXPECT_TRUE(counts_are_possible({1, 2, 3, 5}));
     EXPECT_TRUE(counts_are_possible({1, 0, INT_MAX, INT_MAX}));

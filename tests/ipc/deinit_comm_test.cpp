@@ -37,7 +37,7 @@ TEST_F(DeinitCommTest, ClosesTheDescriptor) {
     EXPECT_EQ(errors.text(), "");
 }
 
-TEST_F(DeinitCommTest, WarnsWhenItIsClosedAlready) {
+TEST_F(DeinitCommTest, WarnsIfAlreadyClosed) {
     webkit_client::deinitComm();
     EXPECT_EQ(webkit_client::server_fd, -1);
     EXPECT_THAT(logged(), ElementsAre(kStarted, LogLine{kLogWebkit, kWarning,
@@ -45,7 +45,7 @@ TEST_F(DeinitCommTest, WarnsWhenItIsClosedAlready) {
     EXPECT_EQ(errors.text(), "");
 }
 
-TEST_F(DeinitCommTest, ForgetsADescriptorThatItCannotClose) {
+TEST_F(DeinitCommTest, ResetsADescriptorThatFailsToClose) {
     webkit_client::server_fd = 999;
     webkit_client::deinitComm();
     EXPECT_EQ(webkit_client::server_fd, -1);

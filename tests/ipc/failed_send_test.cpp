@@ -106,7 +106,7 @@ TEST_F(FailedSendDeathTest, AClosedDescriptorEndsTheProcess) {
         ExitedWithCode(255), could_not_write("Bad file descriptor"));
 }
 
-TEST_F(FailedSendDeathTest, OfSeveralThreadsOneEndsTheProcess) {
+TEST_F(FailedSendDeathTest, OneOfSeveralThreadsEndsTheProcess) {
     EXPECT_EXIT(
         {
             report_at_exit();
@@ -120,7 +120,7 @@ TEST_F(FailedSendDeathTest, OfSeveralThreadsOneEndsTheProcess) {
         ExitedWithCode(255), could_not_write("Broken pipe"));
 }
 
-TEST_F(FailedSendDeathTest, TheReaderToo) {
+TEST_F(FailedSendDeathTest, AFailedSendOfTheReaderEndsTheProcess) {
     EXPECT_EXIT(
         {
             report_at_exit();

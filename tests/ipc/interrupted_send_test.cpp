@@ -17,6 +17,7 @@
 #include "tests/support/link_peer.h"
 #include "tests/support/log_recorder.h"
 #include "tests/support/process_state.h"
+#include "tests/support/wait_until.h"
 
 namespace kestrel::testing {
 namespace {
@@ -35,14 +36,14 @@ class InterruptedSendTest : public ::testing::Test {
             send(19, {}, std::array{text});
         });
         const pid_t id = started.get_future().get();
-        EXPECT_TRUE(comes_true([id] { return is_blocked_in(id, SYS_sendto); }));
+        EXPECT_TRUE(wait_until([id] { return is_blocked_in(id, SYS_sendto); }));
         return sender;
     }
 
     LinkPeer host;
 };
 
-TEST_F(InterruptedSendTest, ALargeFrameIsNotCutShort) {
+TEST_F(InterruptedSendTest, SendsALargeFrameWhole) {
     const std::string text(5'000'000, 'x');
     std::thread sender = start_sending(text);
     interrupt(sender.native_handle());
@@ -51,7 +52,7 @@ TEST_F(InterruptedSendTest, ALargeFrameIsNotCutShort) {
     EXPECT_THAT(logged(), IsEmpty());
 }
 
-TEST_F(InterruptedSendTest, ASmallFrameIsSentAgain) {
+TEST_F(InterruptedSendTest, RepeatsASmallFrame) {
     // Fills the socket, so that the next frame waits with none of its bytes taken.
     std::string filling;
     const std::string block(1'000, 'f');
@@ -61,7 +62,7 @@ TEST_F(InterruptedSendTest, ASmallFrameIsSentAgain) {
     std::thread sender = start_sending("ab");
     const int before = interruptions();
     interrupt(sender.native_handle());
-    EXPECT_TRUE(comes_true([before] { return interruptions() > before; }));
+    EXPECT_TRUE(wait_until([before] { return interruptions() > before; }));
     EXPECT_TRUE(host.read(filling.size()) == filling);
     EXPECT_EQ(host.read_frame(), frame_bytes(19, {}, {"ab"}));
     sender.join();

@@ -70,7 +70,7 @@ HostEnd connect_link() {
     std::exit(0);
 }
 
-TEST(LeaveWithReaderDeathTest, LeavesInPeaceEveryTime) {
+TEST(LeaveWithReaderDeathTest, ExitsCleanlyEveryTime) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     for (int round = 0; round < 20; ++round) {
         EXPECT_EXIT(leave_amid_messages(), ExitedWithCode(0), StrEq(""));

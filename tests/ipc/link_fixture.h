@@ -11,6 +11,7 @@
 #include "tests/support/process_state.h"
 #include "tests/support/stderr_capture.h"
 #include "tests/support/temporary_directory.h"
+#include "tests/support/wait_until.h"
 
 namespace kestrel::testing {
 
@@ -26,7 +27,7 @@ class LinkTest : public ::testing::Test {
     void start_link() { start_link(path); }
 
     bool reader_has_ended() const {
-        return comes_true([this] { return thread_count() == threads_before; });
+        return wait_until([this] { return thread_count() == threads_before; });
     }
 
     void TearDown() override {

@@ -1,4 +1,4 @@
-// What the link logs when it starts, when no host answers, and when reading ends.
+// Log lines of the link when it starts, when no host answers, and when reading ends.
 #pragma once
 
 #include <string>

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <utility>
 
-#include "ipc/frame.h"
+#include "ipc/items.h"
 #include "ipc/webkit_util.h"
 
 namespace kestrel::testing {
@@ -37,7 +37,7 @@ class ParseItemTest : public ::testing::Test {
     int position = 0;
 };
 
-TEST_F(ParseItemTest, TakesAPayloadApartItemByItem) {
+TEST_F(ParseItemTest, ReadsAPayloadItemByItem) {
     const std::string payload = "12\0-3\0ab\0\0"s;
     EXPECT_EQ(parse_int(payload), 12);
     EXPECT_EQ(position, 3);
@@ -74,7 +74,7 @@ TEST_F(ParseItemTest, AnEmptyItemCostsOneByte) {
     EXPECT_EQ(position, 1);
 }
 
-TEST_F(ParseItemTest, TextThatIsNoNumberIsZeroAndPassedOver) {
+TEST_F(ParseItemTest, ReadsTextThatIsNotANumberAsZero) {
     EXPECT_EQ(parse_int("abc\0"s
                         "7"),
               0);
@@ -84,14 +84,14 @@ TEST_F(ParseItemTest, TextThatIsNoNumberIsZeroAndPassedOver) {
               7);
 }
 
-TEST_F(ParseItemTest, TheLongestItemThatFitsIsWhole) {
+TEST_F(ParseItemTest, ReadsTheLongestItemThatFits) {
     const std::string text(kScratchSize - 1, 'a');
     EXPECT_EQ(parse_string(text), text);
     EXPECT_EQ(position, 5'000'000);
     EXPECT_EQ(buffer.back(), '\0');
 }
 
-TEST_F(ParseItemTest, ALongerItemIsCutAndPassedOverWhole) {
+TEST_F(ParseItemTest, CutsALongerItemAndSkipsItWhole) {
     const std::string text(kScratchSize, 'a');
     EXPECT_EQ(parse_string(text + '\0' + "next"), text.substr(1));
     EXPECT_EQ(position, 5'000'001);
@@ -99,7 +99,7 @@ TEST_F(ParseItemTest, ALongerItemIsCutAndPassedOverWhole) {
     EXPECT_EQ(parse_string(text + '\0' + "next"), "next");
 }
 
-TEST(IntTextTest, IsReadAsScanfReadsIt) {
+TEST(IntTextTest, ReadsNumbersAsScanfDoes) {
     const std::vector<std::pair<std::string_view, int>> cases = {{"0", 0},
                                                                  {"12", 12},
                                                                  {"-3", -3},
@@ -118,7 +118,7 @@ TEST(IntTextTest, IsReadAsScanfReadsIt) {
     for (const auto& [text, value] : cases) EXPECT_EQ(parse_int(text), value) << text;
 }
 
-TEST(IntTextTest, IsZeroWithoutAnInt) {
+TEST(IntTextTest, ReadsTextWithoutNumberAsZero) {
     for (const std::string_view text :
          {"", " ", "abc", "-", "+", "+-5", "-+5", "--5", "- 5", "+ 5"}) {
         EXPECT_EQ(parse_int(text), 0) << text;

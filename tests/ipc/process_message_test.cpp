@@ -54,7 +54,7 @@ TEST_F(ProcessMessageTest, ServesTheFirstAndTheLastSlot) {
                                                    Dispatch{60, {}, {"last", "", "", "", "", ""}}));
 }
 
-TEST_F(ProcessMessageTest, PassesSixStringsAtLeast) {
+TEST_F(ProcessMessageTest, PassesAtLeastSixStrings) {
     for (std::size_t sent = 0; sent <= 6; ++sent) {
         const RecordedHandlers handlers;
         process(header_bytes(1, 0, static_cast<int>(sent), static_cast<int>(2 * sent)) +
@@ -66,7 +66,7 @@ TEST_F(ProcessMessageTest, PassesSixStringsAtLeast) {
 }
 
 // Strings keep their memory from message to message, and nothing else.
-TEST_F(ProcessMessageTest, PassesNothingOfTheMessageBefore) {
+TEST_F(ProcessMessageTest, PassesNothingOfEarlierMessages) {
     const std::string long_text(100'000, 'x');
     const RecordedHandlers handlers;
     process(frame_bytes(1, {"7", "8"}, {long_text, long_text, "c", "d", "e", "f"}));
@@ -79,7 +79,7 @@ TEST_F(ProcessMessageTest, PassesNothingOfTheMessageBefore) {
                             Dispatch{1, {}, {"", long_text + long_text, "", "", "", ""}}));
 }
 
-TEST_F(ProcessMessageTest, LetsAHandlerProcessAnotherMessage) {
+TEST_F(ProcessMessageTest, IsReentrant) {
     static std::vector<std::string> seen;
     RecordedHandlers handlers;
     handlers.table()[2] = [](int*, std::string* strings) { seen.push_back(strings[0]); };
@@ -91,7 +91,7 @@ TEST_F(ProcessMessageTest, LetsAHandlerProcessAnotherMessage) {
     EXPECT_THAT(seen, ElementsAre("inner", "outer"));
 }
 
-TEST_F(ProcessMessageTest, PassesAnEmptyStringBehindTheLast) {
+TEST_F(ProcessMessageTest, AppendsAnEmptyString) {
     for (std::size_t sent = 6; sent <= 20; ++sent) {
         const RecordedHandlers handlers(0, sent + 1);
         const std::vector<std::string> texts(sent, "x");
@@ -132,7 +132,7 @@ TEST_F(ProcessMessageTest, DropsATypeWithoutHandler) {
     EXPECT_THAT(handlers.dispatches(), IsEmpty());
 }
 
-TEST_F(ProcessMessageTest, DropsEverythingBeforeThereIsATable) {
+TEST_F(ProcessMessageTest, DropsMessagesWithoutATable) {
     process(frame_bytes(1, {}, {"ab"}));
     EXPECT_THAT(logged(), ElementsAre(dropped(1, "no handler")));
 }
@@ -174,7 +174,7 @@ TEST_F(ProcessMessageTest, DropsCountsAtTheEndsOfTheirRange) {
     EXPECT_THAT(handlers.dispatches(), IsEmpty());
 }
 
-TEST_F(ProcessMessageTest, DropsItemsThatNoMemoryIsLeftFor) {
+TEST_F(ProcessMessageTest, DropsAMessageWhenOutOfMemory) {
     if (!kMemoryCanRunOut) GTEST_SKIP() << "the sanitizer's allocator does not fail";
     const RecordedHandlers handlers;
     const std::string bytes = header_bytes(1, 0, 5'000'000, 5'000'000) + std::string(5'000'000, 0);
@@ -188,7 +188,7 @@ TEST_F(ProcessMessageTest, DropsItemsThatNoMemoryIsLeftFor) {
     EXPECT_THAT(handlers.dispatches(), IsEmpty());
 }
 
-TEST_F(ProcessMessageTest, GivesUpWhatItsHandlerHasNoMemoryFor) {
+TEST_F(ProcessMessageTest, DropsAMessageWhoseHandlerIsOutOfMemory) {
     RecordedHandlers handlers;
     handlers.table()[1] = [](int*, std::string*) { throw std::bad_alloc(); };
     process(frame_bytes(1, {}, {"too much"}));

@@ -27,7 +27,7 @@ TEST(ProtocolTest, EveryInboundTypeHasASlot) {
     }
 }
 
-TEST(ProtocolTest, HandlersMayIndexEveryArgumentOfAnAjaxAnswer) {
+TEST(ProtocolTest, HandlersMayIndexEveryAjaxArgument) {
     EXPECT_GT(kMinHandlerStrings, kAjaxArguments);
 }
 

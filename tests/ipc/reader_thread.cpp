@@ -10,6 +10,7 @@
 #include "ipc/webkit_client.h"
 #include "tests/ipc/interruption.h"
 #include "tests/support/process_state.h"
+#include "tests/support/wait_until.h"
 
 namespace kestrel::testing {
 
@@ -43,7 +44,7 @@ bool ReaderThread::waits_for_rest_of_header() const {
 }
 
 bool ReaderThread::waits_in(long system_call) const {
-    return comes_true([=, this] {
+    return wait_until([=, this] {
         int unread = 0;
         ioctl(webkit_client::server_fd, FIONREAD, &unread);
         return unread == 0 && is_blocked_in(id_, system_call);
@@ -53,7 +54,7 @@ bool ReaderThread::waits_in(long system_call) const {
 bool ReaderThread::interrupt() const {
     const int before = interruptions();
     kestrel::testing::interrupt(thread_);
-    return comes_true([before] { return interruptions() > before; });
+    return wait_until([before] { return interruptions() > before; });
 }
 
 void* ReaderThread::run(void* self) {

@@ -22,6 +22,7 @@
 #include "tests/support/log_recorder.h"
 #include "tests/support/process_state.h"
 #include "tests/support/stderr_capture.h"
+#include "tests/support/wait_until.h"
 
 namespace kestrel::testing {
 namespace {
@@ -54,7 +55,7 @@ class ReceiveEndTest : public ::testing::Test {
     void TearDown() override {
         EXPECT_EQ(webkit_client::server_fd, link_fd);
         EXPECT_NE(fcntl(link_fd, F_GETFD), -1);
-        EXPECT_TRUE(comes_true([this] { return thread_count() == threads_before; }));
+        EXPECT_TRUE(wait_until([this] { return thread_count() == threads_before; }));
     }
 
     std::size_t threads_before;
@@ -140,7 +141,7 @@ TEST_F(ReceiveEndTest, AnOversizeMessageEndsTheThread) {
     EXPECT_EQ(errors.text(), "");
 }
 
-TEST_F(ReceiveEndTest, AHeaderWhoseRestDoesNotComeEndsTheThread) {
+TEST_F(ReceiveEndTest, AnIncompleteHeaderEndsTheThread) {
     host.write(header_bytes(1, 0, 0, 0).substr(0, 15));
     run_reader();
     EXPECT_EQ(errors.text(), bad_header_text("Success"));

@@ -62,7 +62,7 @@ TEST_F(RetryTest, GivesUpAfterElevenAttemptsASecondApart) {
     expect_ten_retries();
 }
 
-TEST_F(RetryTest, RetriesASocketThatNobodyListensOnAnyMore) {
+TEST_F(RetryTest, RetriesAStaleSocket) {
     { const ListeningHost gone(path); }
     const FakeSleep sleeps;
     fail_to_connect();
@@ -107,7 +107,7 @@ TEST_P(LateHostTest, IsReachedByTheNextAttempt) {
 
 INSTANTIATE_TEST_SUITE_P(Seconds, LateHostTest, ::testing::Values(1, 3, 10));
 
-TEST_F(RetryTest, HoldsTheLockAndAnUnconnectedSocketMeanwhile) {
+TEST_F(RetryTest, HoldsTheLockAndAnUnconnectedSocketWhileRetrying) {
     std::promise<void> sleeping;
     std::promise<void> checked;
     std::optional<ListeningHost> host;

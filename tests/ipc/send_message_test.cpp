@@ -35,7 +35,7 @@ class SendMessageTest : public ::testing::Test {
     StderrCapture errors;
 };
 
-TEST_F(SendMessageTest, WritesToADescriptorThatIsNoSocket) {
+TEST_F(SendMessageTest, WritesToADescriptorThatIsNotASocket) {
     std::array<int, 2> ends{};
     ASSERT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
     webkit_client::server_fd = ends[1];
@@ -48,7 +48,7 @@ TEST_F(SendMessageTest, WritesToADescriptorThatIsNoSocket) {
     close(ends[1]);
 }
 
-TEST_F(SendMessageTest, WritesTheFrameAndLeavesItToTheCaller) {
+TEST_F(SendMessageTest, WritesTheFrameWithoutTakingOwnership) {
     const LinkPeer host;
     const Frame frame(webkit_util::wrapMessage(9, {12, -3}, {"ab", ""}));
     webkit_message* message = frame.get();
@@ -89,7 +89,7 @@ TEST_F(SendMessageTest, WritesAFrameFarLargerThanTheSocketBuffer) {
     EXPECT_THAT(logged(), IsEmpty());
 }
 
-TEST_F(SendMessageTest, KeepsSignalHandlingAsItWas) {
+TEST_F(SendMessageTest, LeavesSignalHandlingUnchanged) {
     const LinkPeer host;
     struct sigaction before {};
     sigaction(SIGPIPE, nullptr, &before);
@@ -117,7 +117,7 @@ TEST_F(SendMessageTest, OpensNoDescriptor) {
     EXPECT_EQ(open_descriptors(), before);
 }
 
-TEST_F(SendMessageTest, DropsTheMessageBeforeThereIsADescriptor) {
+TEST_F(SendMessageTest, DropsTheMessageWithoutADescriptor) {
     ASSERT_EQ(webkit_client::server_fd, -1);
     send(6, {}, {});
     EXPECT_EQ(errors.text(), "webkit_client::sendMessage server_fd not initialized yet\n");
@@ -126,7 +126,7 @@ TEST_F(SendMessageTest, DropsTheMessageBeforeThereIsADescriptor) {
     EXPECT_EQ(webkit_client::server_fd, -1);
 }
 
-TEST_F(SendMessageTest, SendsNothingOfAMessageThatIsTooLong) {
+TEST_F(SendMessageTest, SendsNothingOfAnOversizeMessage) {
     const LinkPeer host;
     constexpr std::size_t kTooLong = 0x7ffff000;
     void* text =
@@ -137,7 +137,7 @@ TEST_F(SendMessageTest, SendsNothingOfAMessageThatIsTooLong) {
     EXPECT_EQ(errors.text(), "webkit_util::wrapMessage message is too long, not sent\n");
 }
 
-TEST_F(SendMessageTest, SendsNothingForAMessageThatWasRefused) {
+TEST_F(SendMessageTest, IgnoresARefusedMessage) {
     const LinkPeer host;
     webkit_message* message = nullptr;
     webkit_client::sendMessage(message);

@@ -21,6 +21,7 @@
 #include "tests/support/file_state.h"
 #include "tests/support/frame_bytes.h"
 #include "tests/support/listening_host.h"
+#include "tests/support/wait_until.h"
 
 namespace kestrel::testing {
 namespace {
@@ -77,7 +78,7 @@ class SocketObstacle : public LinkTest, public ::testing::WithParamInterface<Obs
     std::string beside = directory.path() + "/beside";
 };
 
-TEST_P(SocketObstacle, IsLeftAloneUntilTheLinkGivesUp) {
+TEST_P(SocketObstacle, IsNotTouched) {
     GetParam().put(path, beside);
     const std::string before = state_of(path) + state_of(beside);
     const FakeSleep sleeps;
@@ -89,7 +90,7 @@ TEST_P(SocketObstacle, IsLeftAloneUntilTheLinkGivesUp) {
     EXPECT_EQ(state_of(path) + state_of(beside), before);
 }
 
-TEST_P(SocketObstacle, MayGiveWayToAHost) {
+TEST_P(SocketObstacle, MayBeReplacedByAHost) {
     GetParam().put(path, beside);
     std::optional<ListeningHost> host;
     const FakeSleep sleeps([&](int call) {
@@ -98,8 +99,8 @@ TEST_P(SocketObstacle, MayGiveWayToAHost) {
         host.emplace(path);
     });
     start_link();
-    ASSERT_TRUE(comes_true([&] { return sleeps.calls().size() == 3; }));
-    ASSERT_TRUE(comes_true([] {
+    ASSERT_TRUE(wait_until([&] { return sleeps.calls().size() == 3; }));
+    ASSERT_TRUE(wait_until([] {
         const bool is_free = webkit_client::mu.try_lock();
         if (is_free) webkit_client::mu.unlock();
         return is_free;

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "ipc/frame.h"
+#include "ipc/frame_builder.h"
 #include "ipc/webkit_util.h"
 #include "tests/ipc/memory_limit.h"
 #include "tests/support/frame_bytes.h"
@@ -68,7 +69,7 @@ TEST(WrapMessageTest, LaysOutIntegersBeforeStrings) {
               "\0"s);
 }
 
-TEST(WrapMessageTest, IsTheHeaderAloneWithoutItems) {
+TEST(WrapMessageTest, WithoutItemsIsOnlyTheHeader) {
     EXPECT_EQ(wrapped(6, {}, {}), "\x06"s + std::string(15, '\0'));
 }
 
@@ -88,7 +89,7 @@ TEST(WrapMessageTest, CutsAStringAtItsFirstNul) {
     EXPECT_EQ(wrapped(5, {}, {"\0b"s, "c"}), frame_bytes(5, {}, {"", "c"}));
 }
 
-TEST(WrapMessageTest, NeedsNoMemoryForWhatLiesBehindANul) {
+TEST(WrapMessageTest, AllocatesNothingForTextBehindANul) {
     if (!kMemoryCanRunOut) GTEST_SKIP() << "the sanitizer's allocator does not fail";
     std::vector<std::string> strings = {"a"};
     strings.front().resize(100'000'000);
@@ -101,7 +102,7 @@ TEST(WrapMessageTest, NeedsNoMemoryForWhatLiesBehindANul) {
     EXPECT_EQ(frame->total_len_of_string, 3 + 2);
 }
 
-TEST(WrapMessageTest, CarriesRawBytesUnescaped) {
+TEST(WrapMessageTest, KeepsRawBytes) {
     const std::string raw = "\xC3\xA9 \"quoted\" \\ \n\r\t\x01\xFF";
     EXPECT_EQ(wrapped(5, {}, {raw}), frame_bytes(5, {}, {raw}));
 }
@@ -113,7 +114,7 @@ TEST(WrapMessageTest, CountsEveryItem) {
     EXPECT_EQ(bytes.substr(16 + 2'997, 5), "42\0x\0"s);
 }
 
-TEST(WrapMessageTest, CarriesMoreThanTheHostMaySend) {
+TEST(WrapMessageTest, AllowsMoreThanTheHostMaySend) {
     const std::string text(8'000'000, 'x');
     EXPECT_EQ(wrapped(19, {}, {text}), frame_bytes(19, {}, {text}));
 }
@@ -124,13 +125,13 @@ std::optional<std::size_t> payload_length(std::span<const std::size_t> text_leng
     return length.total();
 }
 
-TEST(PayloadLengthTest, CountsOneNulAnItem) {
+TEST(PayloadLengthTest, CountsOneNulPerItem) {
     EXPECT_THAT(payload_length({}), Optional(0U));
     EXPECT_THAT(payload_length(std::to_array<std::size_t>({0})), Optional(1U));
     EXPECT_THAT(payload_length(std::to_array<std::size_t>({2, 2, 2, 0})), Optional(10U));
 }
 
-TEST(PayloadLengthTest, AllowsWhatOneWriteTakesAndNotAByteMore) {
+TEST(PayloadLengthTest, AllowsTheLongestWriteAndNotAByteMore) {
     constexpr std::size_t kLongest = kMaxOutboundPayload - 1;
     EXPECT_THAT(payload_length(std::array{kLongest}), Optional(0x7fffeff0U));
     EXPECT_EQ(payload_length(std::array{kLongest + 1}), std::nullopt);
@@ -152,14 +153,14 @@ TEST(BuildFrameTest, RefusesAMessageThatIsTooLongUnread) {
     EXPECT_EQ(errors.text(), "webkit_util::wrapMessage message is too long, not sent\n");
 }
 
-TEST(BuildFrameTest, RefusesItemsThatAreTooLongTogether) {
+TEST(BuildFrameTest, RefusesItemsWhoseSumIsTooLong) {
     const UnreadableText text(kMaxOutboundPayload - 2);
     const StderrCapture errors;
     EXPECT_EQ(build_frame(19, std::array{7}, std::array{text.view()}), nullptr);
     EXPECT_EQ(errors.text(), "webkit_util::wrapMessage message is too long, not sent\n");
 }
 
-TEST(BuildFrameTest, SaysWhenMemoryIsOut) {
+TEST(BuildFrameTest, ReportsOutOfMemory) {
     if (!kMemoryCanRunOut) GTEST_SKIP() << "the sanitizer's allocator does not fail";
     const UnreadableText text(1'000'000'000);
     const StderrCapture errors;

@@ -94,7 +94,7 @@ INSTANTIATE_TEST_SUITE_P(External, EachCountedMethod, ::testing::ValuesIn(method
 
 class EachUncountedMethod : public EachMethod {};
 
-TEST_P(EachUncountedMethod, LooksAtNoArgument) {
+TEST_P(EachUncountedMethod, IgnoresItsArguments) {
     for (std::size_t count = 0; count <= kMostArguments; ++count) {
         call(call_of(GetParam(), count));
         EXPECT_EQ(host.read_frame(), GetParam().frame) << count;

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "jsapi/KsJS_proxy.h"
+#include "extension/KsJS_proxy.h"
 
 namespace kestrel::testing {
 

@@ -31,7 +31,7 @@ TEST(MethodTable, ListsTheThirtyFunctionsInTheOrderOfTheApi) {
     EXPECT_EQ(listed.size(), 30U);
 }
 
-TEST_F(ExternalObject, ShowsItsFunctionsAndNothingElse) {
+TEST_F(ExternalObject, EnumeratesItsFunctionsOnly) {
     EXPECT_EQ(page.text_of("names = []; for (name in external) names.push(name);"
                            "names.sort().join()"),
               names_sorted_by_script(page));
@@ -50,7 +50,7 @@ TEST_F(ExternalObject, HasReadOnlyFunctions) {
 }
 
 // The engine heeds read-only from a function's first use on; before that, an assignment hides it.
-TEST_F(ExternalObject, KeepsAFunctionInUseWhenThePageAssigns) {
+TEST_F(ExternalObject, KeepsItsFunctionsWhenThePageAssignsToThem) {
     EXPECT_EQ(page.text_of("used = []; for (name in external) used.push([name, external[name]]);"
                            "for ([name] of used) external[name] = 1;"
                            "used.filter(([name, kept]) => external[name] === kept).length"),
@@ -69,7 +69,7 @@ TEST_F(ExternalObject, IsAnOrdinaryPropertyOfTheGlobalObject) {
     EXPECT_EQ(page.text_of("typeof external"), "undefined");
 }
 
-TEST_F(ExternalObject, IsMadeAnewByEveryLoad) {
+TEST_F(ExternalObject, IsReplacedByEveryLoad) {
     EXPECT_EQ(page.text_of("old = external; typeof old"), "object");
     KsJS_proxy::loadJSAPI(page.get(), page.global());
     EXPECT_EQ(page.text_of("old === external"), "false");

@@ -11,7 +11,7 @@ using namespace std::string_view_literals;
 
 using Message = PageApiWithHost;
 
-TEST_F(Message, WithoutItemsIsTheHeaderAlone) {
+TEST_F(Message, WithoutItemsIsOnlyTheHeader) {
     call("external.logOff(1, 2, 3)");
     EXPECT_EQ(host.read_frame(),
               "\6\0\0\0"
@@ -20,7 +20,7 @@ TEST_F(Message, WithoutItemsIsTheHeaderAlone) {
               "\0\0\0\0"sv);
 }
 
-TEST_F(Message, CarriesTheSecondCapabilitiesArgumentFirst) {
+TEST_F(Message, SendsTheSecondCapabilitiesArgumentFirst) {
     call("external.getCapabilities('f', 'g')");
     EXPECT_EQ(host.read_frame(),
               "\2\0\0\0"
@@ -30,7 +30,7 @@ TEST_F(Message, CarriesTheSecondCapabilitiesArgumentFirst) {
               "g\0f\0"sv);
 }
 
-TEST_F(Message, CarriesIntegersAsDecimalText) {
+TEST_F(Message, SendsIntegersAsDecimalText) {
     call("external.settingsMenu(10, 20, 110, 70)");
     EXPECT_EQ(host.read_frame(),
               "\12\0\0\0"
@@ -43,7 +43,7 @@ TEST_F(Message, CarriesIntegersAsDecimalText) {
               "50\0"sv);
 }
 
-TEST_F(Message, CarriesAnEmptyStringAsItsNul) {
+TEST_F(Message, SendsAnEmptyStringAsItsNul) {
     call("external.openUrl('')");
     EXPECT_EQ(host.read_frame(),
               "\24\0\0\0"
@@ -53,7 +53,7 @@ TEST_F(Message, CarriesAnEmptyStringAsItsNul) {
               "\0"sv);
 }
 
-TEST_F(Message, CarriesIntegersBeforeStrings) {
+TEST_F(Message, SendsIntegersBeforeStrings) {
     call("external.recolorImage('a', 1, 2, 3, 4, 'b')");
     EXPECT_EQ(host.read_frame(),
               "\25\0\0\0"
@@ -89,7 +89,7 @@ TEST_F(Message, IsSentForEveryCallInCallOrder) {
     EXPECT_TRUE(host.is_quiet());
 }
 
-TEST_F(Message, OfACallInsideAConversionGoesFirst) {
+TEST_F(Message, OfANestedCallIsSentFirst) {
     call("external.sendAction({toString() { external.refresh(); return 'outer' }})");
     EXPECT_EQ(host.read_frame(), frame_bytes(7, {}, {}));
     EXPECT_EQ(host.read_frame(), frame_bytes(5, {}, {"outer"}));

@@ -74,17 +74,17 @@ TEST_F(SettingsMenu, SendsWidthAndHeight) {
     EXPECT_EQ(host.read_frame(), frame_bytes(10, {"10", "-10", "100", "80"}, {}));
 }
 
-TEST_F(SettingsMenu, SendsANegativeWidthAsItIs) {
+TEST_F(SettingsMenu, SendsANegativeWidth) {
     call("external.settingsMenu(100, 0, 10, 0)");
     EXPECT_EQ(host.read_frame(), frame_bytes(10, {"100", "0", "-90", "0"}, {}));
 }
 
-TEST_F(SettingsMenu, SubtractsAfterTheCut) {
+TEST_F(SettingsMenu, SubtractsAfterTruncation) {
     call("external.settingsMenu(0.9, 0.9, 2.1, 1.8)");
     EXPECT_EQ(host.read_frame(), frame_bytes(10, {"0", "0", "2", "1"}, {}));
 }
 
-TEST_F(SettingsMenu, WrapsAroundWhereAnArgumentIsNoNumber) {
+TEST_F(SettingsMenu, WrapsAroundForNaN) {
     call("external.settingsMenu(1.9, '2', null, undefined)");
     EXPECT_EQ(host.read_frame(), frame_bytes(10, {"1", "2", "-1", "2147483646"}, {}));
 }
@@ -94,7 +94,7 @@ TEST_F(SettingsMenu, WrapsAroundAtBothEnds) {
     EXPECT_EQ(host.read_frame(), frame_bytes(10, {"-2147483648", "2147483647", "-1", "1"}, {}));
 }
 
-TEST_F(SettingsMenu, SendsNoWidthOfNothingButNaN) {
+TEST_F(SettingsMenu, SendsZeroWidthForNaN) {
     call("external.settingsMenu(NaN, NaN, NaN, NaN)");
     EXPECT_EQ(host.read_frame(), frame_bytes(10, {kNotANumber, kNotANumber, "0", "0"}, {}));
 }

@@ -4,8 +4,7 @@
 
 #include <string>
 
-#include "jsapi/KsJS_proxy.h"
-#include "jsapi/argument_text.h"
+#include "extension/KsJS_proxy.h"
 #include "tests/support/link_peer.h"
 #include "tests/support/script_context.h"
 #include "tests/support/stderr_capture.h"
@@ -19,7 +18,6 @@ inline constexpr const char* kBreakout =
 class PageApi : public ::testing::Test {
   protected:
     PageApi() { KsJS_proxy::loadJSAPI(page.get(), page.global()); }
-    ~PageApi() override { forget_kept_texts(page.get()); }
 
     // Runs `script`, whose last call is one of `external`: it raises nothing and is undefined.
     void call(const std::string& script) const {

@@ -19,19 +19,19 @@ class Reading : public PageApiWithHost {
     }
 };
 
-TEST_F(Reading, IsInArgumentOrderEvenWhenTheMessageIsNot) {
+TEST_F(Reading, FollowsArgumentOrderEvenIfTheMessageDoesNot) {
     call("external.getCapabilities(text('a'), text('b'))");
     EXPECT_EQ(host.read_frame(), frame_bytes(2, {}, {"b", "a"}));
     EXPECT_EQ(page.text_of("order"), "ab");
 }
 
-TEST_F(Reading, IsOnceForAnArgumentThatIsSentTwice) {
+TEST_F(Reading, ReadsAnArgumentOnceEvenIfItIsSentTwice) {
     call("external.settingsMenu(number('a'), number('b'), number('c'), number('d'))");
     EXPECT_EQ(host.read_frame(), frame_bytes(10, {"1", "1", "0", "0"}, {}));
     EXPECT_EQ(page.text_of("order"), "abcd");
 }
 
-TEST_F(Reading, MixesNumbersAndTextsInArgumentOrder) {
+TEST_F(Reading, FollowsArgumentOrderAcrossNumbersAndTexts) {
     call(
         "external.recolorImage(text('a'), number('b'), number('c'), number('d'), untouchable,"
         "                      text('f'))");
@@ -39,14 +39,14 @@ TEST_F(Reading, MixesNumbersAndTextsInArgumentOrder) {
     EXPECT_EQ(page.text_of("order"), "abcdf");
 }
 
-TEST_F(Reading, SeesWhatAnEarlierArgumentDid) {
+TEST_F(Reading, SeesSideEffectsOfEarlierArguments) {
     call(R"(
         shared = ['before'];
         external.setItem({toString() { shared[0] = 'after'; return 'key' }}, shared, 'on'))");
     EXPECT_EQ(host.read_frame(), frame_bytes(19, {}, {"key", "after", "on"}));
 }
 
-TEST_F(Reading, ConvertsTheArgumentThatInstalledAppsDrops) {
+TEST_F(Reading, ConvertsTheUnsentArgumentOfGetInstalledApps) {
     call("external.getInstalledApps(text('a'), text('b'))");
     EXPECT_EQ(host.read_frame(), frame_bytes(9, {}, {"b"}));
     EXPECT_EQ(page.text_of("order"), "ab");
@@ -55,7 +55,7 @@ TEST_F(Reading, ConvertsTheArgumentThatInstalledAppsDrops) {
     EXPECT_EQ(errors.text(), kBreakout);
 }
 
-TEST_F(Reading, LeavesIgnoredArgumentsAlone) {
+TEST_F(Reading, DoesNotConvertIgnoredArguments) {
     call("external.goOnline(untouchable, 5)");
     EXPECT_EQ(host.read_frame(), frame_bytes(17, {}, {"5"}));
     call("external.writeTraceMessage('line', untouchable, untouchable, untouchable)");

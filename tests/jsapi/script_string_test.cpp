@@ -14,7 +14,7 @@ bool is_made_of(const std::string& text) {
     return JSStringIsEqualToUTF8CString(make_script_string(text.c_str()).get(), text.c_str());
 }
 
-TEST(ScriptString, IsItsTextAtEveryLength) {
+TEST(ScriptString, EqualsItsTextAtEveryLength) {
     std::string text;
     while (text.size() < kLongest) {
         EXPECT_TRUE(is_made_of(text)) << text.size();
@@ -22,7 +22,7 @@ TEST(ScriptString, IsItsTextAtEveryLength) {
     }
 }
 
-TEST(ScriptString, IsItsTextWhereverThatIsNotAscii) {
+TEST(ScriptString, EqualsItsTextWithNonAsciiAnywhere) {
     for (std::size_t position = 0; position < kLongest; ++position) {
         std::string text(kLongest, 'x');
         text.replace(position, 1, "\xC3\xA9");
@@ -32,7 +32,7 @@ TEST(ScriptString, IsItsTextWhereverThatIsNotAscii) {
     }
 }
 
-TEST(ScriptString, HasAsManyUnitsAsItsTextHasCharacters) {
+TEST(ScriptString, HasOneUnitPerAsciiCharacter) {
     const std::string text(kLongest, '~');
     EXPECT_EQ(JSStringGetLength(make_script_string(text.c_str()).get()), kLongest);
 }

@@ -29,7 +29,7 @@ class Text : public PageApiWithHost, public ::testing::WithParamInterface<TextCo
     }
 };
 
-TEST_P(Text, IsWhatScriptMakesOfAValue) {
+TEST_P(Text, IsScriptsOwnConversion) {
     send(GetParam().value);
     EXPECT_EQ(host.read_frame(), frame_bytes(5, {}, {GetParam().sent}));
     EXPECT_EQ(errors.text(), "");
@@ -95,7 +95,7 @@ constexpr TextConversion kFailures[] = {
 
 class TextFailure : public Text {};
 
-TEST_P(TextFailure, IsALineAndAnEmptyString) {
+TEST_P(TextFailure, IsReportedAndSentAsEmpty) {
     send(GetParam().value);
     EXPECT_EQ(host.read_frame(), frame_bytes(5, {}, {""}));
     EXPECT_EQ(errors.text(), kBreakout);
@@ -103,13 +103,13 @@ TEST_P(TextFailure, IsALineAndAnEmptyString) {
 
 INSTANTIATE_TEST_SUITE_P(Value, TextFailure, ::testing::ValuesIn(kFailures));
 
-TEST_F(Text, FailsForOneArgumentWithoutHarmToTheOthers) {
+TEST_F(Text, FailureOfOneArgumentLeavesTheOthers) {
     call("external.setItem(Symbol(), 'value', Symbol())");
     EXPECT_EQ(host.read_frame(), frame_bytes(19, {}, {"", "value", ""}));
     EXPECT_EQ(errors.text(), std::string(kBreakout) + kBreakout);
 }
 
-TEST_F(Text, OfAFailedConversionStaysAsItWas) {
+TEST_F(Text, IsUnchangedByAFailedConversion) {
     JSValueRef exception = nullptr;
     std::string text = "before";
     KsJS_proxy::getStringFromJavascriptRef(page.get(), page.evaluate("Symbol()", exception), text);
@@ -117,14 +117,14 @@ TEST_F(Text, OfAFailedConversionStaysAsItWas) {
     EXPECT_EQ(errors.text(), kBreakout);
 }
 
-TEST_F(Text, ReplacesWhatWasThere) {
+TEST_F(Text, ReplacesThePreviousContent) {
     JSValueRef exception = nullptr;
     std::string text = "before";
     KsJS_proxy::getStringFromJavascriptRef(page.get(), page.evaluate("''", exception), text);
     EXPECT_EQ(text, "");
 }
 
-TEST_F(Text, IsWholeAtEveryLength) {
+TEST_F(Text, IsCompleteAtEveryLength) {
     for (const int length : {340, 341, 342, 1'023, 1'024, 1'025, 30'000}) {
         send("'\\u0416'.repeat(" + std::to_string(length) + ")");
         std::string text;

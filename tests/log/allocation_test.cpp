@@ -1,4 +1,4 @@
-// A program whose allocations and writes are counted: it has the C library's names itself.
+// Counts allocations and writes: this program defines the C library's functions itself.
 
 #include <gtest/gtest.h>
 #include <sys/syscall.h>
@@ -50,13 +50,13 @@ namespace {
 
 using kestrel::kLogWebkit;
 
-TEST(Allocations, AreSeenByThisProgram) {
+TEST(Allocations, AreCounted) {
     const int before = allocations;
     const std::string text(1'000, 'x');
     EXPECT_EQ(allocations, before + 1) << text.size();
 }
 
-TEST(Allocations, AreNotMadeForALine) {
+TEST(Allocations, LinesNeedNone) {
     const kestrel::testing::FakeDaemon daemon;
     ZynLogInit();
     const kestrel::testing::DaemonConnection connection = daemon.accept();
@@ -72,7 +72,7 @@ TEST(Allocations, AreNotMadeForALine) {
     EXPECT_FALSE(connection.is_quiet());
 }
 
-TEST(Writes, AreOneForALineHoweverLongAndNoneForASuppressedOne) {
+TEST(Writes, OnePerLineAndNoneIfFilteredOut) {
     const kestrel::testing::FakeDaemon daemon;
     ZynLogInit();
     const kestrel::testing::DaemonConnection connection = daemon.accept();

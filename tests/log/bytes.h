@@ -1,4 +1,4 @@
-// Reads what the client wrote without any of the client's own definitions.
+// Decodes the client's output without the client's definitions.
 #pragma once
 
 #include <cstddef>

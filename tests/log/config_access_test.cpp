@@ -49,7 +49,7 @@ TEST(UnmappedSettings, FailAfterShutdown) {
     expect_that_every_call_fails();
 }
 
-TEST(UnmappedSettings, FailWhenTheirFileCannotBeOpened) {
+TEST(UnmappedSettings, FailIfTheFileCannotBeOpened) {
     kestrel::testing::write_file(kestrel::testing::home() + "/file", "");
     setenv("HOME", (kestrel::testing::home() + "/file").c_str(), 1);
     EXPECT_EQ(ZynLogInitConfigOnly(), 0);
@@ -64,7 +64,7 @@ TEST(UnmappedSettings, WorkAgainAfterAnotherInit) {
     EXPECT_EQ(ZynLogGetSessionMax(), 11U);
 }
 
-TEST_F(Settings, StartWithTheDefaults) {
+TEST_F(Settings, StartWithDefaults) {
     std::uint32_t flags = 0;
     EXPECT_EQ(ZynLogGetCurrentFlags(&flags), 1);
     EXPECT_EQ(flags, 0x62fU);
@@ -91,12 +91,12 @@ TEST_F(Settings, SetAndClearFlagsBitByBit) {
     EXPECT_EQ(flags, 0x62fU);
 }
 
-TEST_F(Settings, GiveNoFlagsToANullPointer) {
+TEST_F(Settings, RejectNullPointersForFlags) {
     EXPECT_EQ(ZynLogGetCurrentFlags(nullptr), 0);
     EXPECT_EQ(ZynLogGetDefaultFlags(nullptr), 0);
 }
 
-TEST_F(Settings, RefuseClassesAndLevelsThatAreNot) {
+TEST_F(Settings, RejectUnknownClassesAndLevels) {
     EXPECT_EQ(ZynLogSetCurrentLevel(60, 2), 0);
     EXPECT_EQ(ZynLogSetCurrentLevel(kLogFailure, 2), 0);
     EXPECT_EQ(ZynLogSetCurrentLevel(0, 8), 0);
@@ -109,12 +109,12 @@ TEST_F(Settings, RefuseClassesAndLevelsThatAreNot) {
     EXPECT_EQ(ZynLogGetWorkingLevel(60), kLogFailure);
 }
 
-TEST_F(Settings, KeepTheDefaultLevelApartFromTheCurrentOne) {
+TEST_F(Settings, DistinguishDefaultAndCurrentLevel) {
     EXPECT_EQ(ZynLogSetCurrentLevel(0, 1), 1);
     EXPECT_EQ(ZynLogGetDefaultLevel(0), 4U);
 }
 
-TEST_F(Settings, TakeTheWorkingLevelFromTheNearestClassThatHasOne) {
+TEST_F(Settings, InheritTheWorkingLevelFromTheNearestAncestor) {
     EXPECT_EQ(ZynLogGetWorkingLevel(29), 4U);
     EXPECT_EQ(ZynLogSetCurrentLevel(28, 1), 1);
     EXPECT_EQ(ZynLogGetWorkingLevel(29), 1U);
@@ -124,7 +124,7 @@ TEST_F(Settings, TakeTheWorkingLevelFromTheNearestClassThatHasOne) {
     EXPECT_EQ(ZynLogGetWorkingLevel(29), 5U);
 }
 
-TEST_F(Settings, HaveNoWorkingLevelWhenTheRootInherits) {
+TEST_F(Settings, HaveNoWorkingLevelIfTheRootInherits) {
     EXPECT_EQ(ZynLogSetCurrentLevel(0, 0), 1);
     EXPECT_EQ(ZynLogSetCurrentLevel(28, 2), 1);
     EXPECT_EQ(ZynLogGetWorkingLevel(0), kLogFailure);
@@ -163,7 +163,7 @@ TEST_F(Settings, LimitTheSessionMaximum) {
     EXPECT_EQ(ZynLogGetSessionMax(), 0U);
 }
 
-TEST_F(Settings, RefuseANullOutputPath) {
+TEST_F(Settings, RejectANullOutputPath) {
     EXPECT_EQ(ZynLogSetOutputPath(nullptr), 0);
     EXPECT_EQ(ZynLogSetOutputPath(""), 1);
     EXPECT_STREQ(ZynLogGetOutputPath(), "");

@@ -1,4 +1,4 @@
-// The settings' file, read and written as bytes.
+// The bytes of the settings file.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -55,22 +55,22 @@ void plant(std::string_view bytes) {
     write_file(record_path(), bytes);
 }
 
-TEST(ConfigRecord, IsCreatedWithTheDefaults) {
+TEST(ConfigFile, IsCreatedWithDefaults) {
     EXPECT_EQ(ZynLogInitConfigOnly(), 1);
     EXPECT_EQ(record_bytes(), default_record());
 }
 
-TEST(ConfigRecord, IsCreatedByZynLogInitToo) {
+TEST(ConfigFile, IsCreatedByZynLogInitToo) {
     EXPECT_EQ(ZynLogInit(), 1);
     EXPECT_EQ(record_bytes(), default_record());
 }
 
-TEST(ConfigRecord, EndsWithTheMagicInLittleEndian) {
+TEST(ConfigFile, EndsWithTheMagicNumberInLittleEndian) {
     EXPECT_EQ(ZynLogInitConfigOnly(), 1);
     EXPECT_EQ(record_bytes().substr(512), "\x78\x56\x34\x12");
 }
 
-TEST(ConfigRecord, IsOpenToEveryUserWhateverTheUmask) {
+TEST(ConfigFile, IsAccessibleToAllUsersWithAnyUmask) {
     umask(0077);
     EXPECT_EQ(ZynLogInitConfigOnly(), 1);
     struct stat status {};
@@ -78,34 +78,34 @@ TEST(ConfigRecord, IsOpenToEveryUserWhateverTheUmask) {
     EXPECT_EQ(status.st_mode & 07777U, 0666U);
 }
 
-TEST(ConfigRecord, LeavesItsDirectoryToTheUmask) {
+TEST(ConfigFile, DirectoryPermissionsFollowTheUmask) {
     umask(0077);
     EXPECT_EQ(ZynLogInitConfigOnly(), 1);
     EXPECT_EQ(std::filesystem::status(home() + "/.QUOClient").permissions(),
               std::filesystem::perms::owner_all);
 }
 
-TEST(ConfigRecord, LeavesTheUmaskAt022) {
+TEST(ConfigFile, SetsTheUmaskTo022) {
     umask(0077);
     ZynLogInitConfigOnly();
     EXPECT_EQ(umask(0), 0022U);
 }
 
-TEST(ConfigRecord, LeavesTheUmaskAt022EvenIfItCannotBeOpened) {
+TEST(ConfigFile, SetsTheUmaskTo022EvenIfItCannotBeOpened) {
     std::filesystem::create_directory(client_directory() + "/.zynlogconf");
     umask(0077);
     EXPECT_EQ(ZynLogInitConfigOnly(), 0);
     EXPECT_EQ(umask(0), 0022U);
 }
 
-TEST(ConfigRecord, KeepsTheUmaskOfASecondInit) {
+TEST(ConfigFile, KeepsTheUmaskOfASecondInit) {
     ZynLogInitConfigOnly();
     umask(0027);
     ZynLogInitConfigOnly();
     EXPECT_EQ(umask(0), 0027U);
 }
 
-TEST(ConfigRecord, HasEachSettingAtItsOffset) {
+TEST(ConfigFile, HasEachSettingAtItsOffset) {
     ZynLogInitConfigOnly();
     std::string expected = default_record();
 
@@ -132,7 +132,7 @@ TEST(ConfigRecord, HasEachSettingAtItsOffset) {
     EXPECT_EQ(record_bytes(), expected);
 }
 
-TEST(ConfigRecord, IsReadFromItsOffsets) {
+TEST(ConfigFile, IsReadFromItsOffsets) {
     std::string bytes = default_record();
     put_u32(bytes, 0, 0xdeadbeef);
     for (std::uint32_t log_class = 0; log_class < 60; ++log_class) {
@@ -158,14 +158,14 @@ TEST(ConfigRecord, IsReadFromItsOffsets) {
     EXPECT_EQ(record_bytes(), bytes);
 }
 
-TEST(ConfigRecord, HoldsAPathOf255CharactersWhole) {
+TEST(ConfigFile, StoresAPathOf255Characters) {
     ZynLogInitConfigOnly();
     const std::string path(255, 'p');
     EXPECT_EQ(ZynLogSetOutputPath(path.c_str()), 1);
     EXPECT_EQ(record_bytes().substr(244, 256), path + std::string(1, '\0'));
 }
 
-TEST(ConfigRecord, LeavesAPathOf256CharactersWithoutTerminator) {
+TEST(ConfigFile, StoresAPathOf256CharactersWithoutTerminator) {
     ZynLogInitConfigOnly();
     const std::string path(256, 'p');
     EXPECT_EQ(ZynLogSetOutputPath(path.c_str()), 1);
@@ -173,14 +173,14 @@ TEST(ConfigRecord, LeavesAPathOf256CharactersWithoutTerminator) {
     EXPECT_EQ(u32_at(record_bytes(), 500), 200U);
 }
 
-TEST(ConfigRecord, CutsAPathOf1000Characters) {
+TEST(ConfigFile, TruncatesAPathOf1000Characters) {
     ZynLogInitConfigOnly();
     EXPECT_EQ(ZynLogSetOutputPath(std::string(1'000, 'p').c_str()), 1);
     EXPECT_EQ(record_bytes().substr(244, 256), std::string(256, 'p'));
     EXPECT_EQ(u32_at(record_bytes(), 500), 200U);
 }
 
-TEST(ConfigRecord, CutsADefaultPathThatIsTooLong) {
+TEST(ConfigFile, TruncatesALongDefaultPath) {
     std::string deep = home();
     while (deep.size() < 300) deep += "/directory";
     setenv("HOME", deep.c_str(), 1);
@@ -190,8 +190,8 @@ TEST(ConfigRecord, CutsADefaultPathThatIsTooLong) {
     EXPECT_EQ(u32_at(bytes, 500), 200U);
 }
 
-// A record as a neighbour may leave it, of any size up to a page.
-TEST(NeighboursRecord, IsResetUnlessItCarriesTheMagic) {
+// A file that another program wrote, of any size up to a page.
+TEST(ForeignConfigFile, IsResetWithoutTheMagicNumber) {
     for (std::size_t size = 0; size <= 4'096; ++size) {
         std::string bytes = garbage(size);
         if (size >= kRecordSize) put_u32(bytes, 512, 0x12345679);
@@ -202,7 +202,7 @@ TEST(NeighboursRecord, IsResetUnlessItCarriesTheMagic) {
     }
 }
 
-TEST(NeighboursRecord, KeepsItsFirst516BytesIfItCarriesTheMagic) {
+TEST(ForeignConfigFile, KeepsItsFirst516BytesWithTheMagicNumber) {
     for (std::size_t size = kRecordSize; size <= 4'096; ++size) {
         std::string bytes = garbage(size);
         put_u32(bytes, 512, 0x12345678);
@@ -214,7 +214,7 @@ TEST(NeighboursRecord, KeepsItsFirst516BytesIfItCarriesTheMagic) {
     }
 }
 
-TEST(NeighboursRecord, MayLackTheTerminatorOfItsPath) {
+TEST(ForeignConfigFile, MayLackTheTerminatorOfItsPath) {
     std::string bytes(kRecordSize, 'x');
     put_u32(bytes, 512, 0x12345678);
     plant(bytes);
@@ -222,7 +222,7 @@ TEST(NeighboursRecord, MayLackTheTerminatorOfItsPath) {
     EXPECT_EQ(std::string(ZynLogGetOutputPath(), 256), std::string(256, 'x'));
 }
 
-TEST(NeighboursRecord, ShowsLevelsAboveSevenAsTheyAre) {
+TEST(ForeignConfigFile, ReturnsInvalidLevelsUnchanged) {
     std::string bytes = default_record();
     put_u32(bytes, 4 + 4 * 41, 8);
     put_u32(bytes, 4 + 4 * 29, 0x8000'0000);
@@ -233,7 +233,7 @@ TEST(NeighboursRecord, ShowsLevelsAboveSevenAsTheyAre) {
     EXPECT_EQ(ZynLogGetWorkingLevel(29), 0x8000'0000U);
 }
 
-TEST(NeighboursRecord, MayBeReplacedWhileItIsMapped) {
+TEST(ForeignConfigFile, MayBeReplacedWhileMapped) {
     ZynLogInitConfigOnly();
     std::string bytes = default_record();
     put_u32(bytes, 508, 9);
@@ -248,21 +248,21 @@ TEST(NeighboursRecord, MayBeReplacedWhileItIsMapped) {
     EXPECT_EQ(ZynLogGetSessionMax(), 9U);
 }
 
-TEST(NeighboursRecord, MayBeDeletedWhileItIsMapped) {
+TEST(ForeignConfigFile, MayBeDeletedWhileMapped) {
     ZynLogInitConfigOnly();
     std::filesystem::remove(record_path());
     EXPECT_EQ(ZynLogSetSessionMax(10), 1);
     EXPECT_EQ(ZynLogGetSessionMax(), 10U);
 }
 
-TEST(ConfigRecord, IsNoLongerMappedAfterShutdown) {
+TEST(ConfigFile, IsUnmappedByShutdown) {
     ZynLogInitConfigOnly();
     EXPECT_THAT(file_content("/proc/self/maps"), testing::HasSubstr(".zynlogconf"));
     ZynLogShutdown();
     EXPECT_THAT(file_content("/proc/self/maps"), testing::Not(testing::HasSubstr(".zynlogconf")));
 }
 
-TEST(ConfigRecord, TakesNoMoreAddressSpaceWithEachInit) {
+TEST(ConfigFile, ReusesItsAddressSpaceAtEachInit) {
     ZynLogInitConfigOnly();
     const char* const place = ZynLogGetOutputPath();
     ZynLogShutdown();

@@ -13,7 +13,7 @@
 
 namespace kestrel::testing {
 
-// A daemon to which this process has connected and introduced itself.
+// A daemon to which this process has connected and sent its hello.
 class DaemonLink : public ::testing::Test {
   protected:
     DaemonLink() {
@@ -29,7 +29,7 @@ class DaemonLink : public ::testing::Test {
     const std::string hello_ = connection_.read_message();
 
   private:
-    // The one descriptor that the client has opened.
+    // The descriptor of the connection.
     static int init_and_find_link() {
         const std::set<int> before = open_descriptors();
         ZynLogInit();

@@ -28,16 +28,14 @@ using kestrel::testing::syslog_calls;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-TEST_F(DaemonLink, KeepsSyslogOutOfIt) {
+TEST_F(DaemonLink, ReplacesSyslog) {
     __ZynTrace(kLogWebkit, kError, "", "", 0, "x");
     EXPECT_THAT(syslog_calls(), IsEmpty());
 }
 
-TEST_F(DaemonLink, IsClosedInProgramsThatThisOneStarts) {
-    EXPECT_TRUE((fcntl(link_fd_, F_GETFD) & FD_CLOEXEC) != 0);
-}
+TEST_F(DaemonLink, IsCloseOnExec) { EXPECT_TRUE((fcntl(link_fd_, F_GETFD) & FD_CLOEXEC) != 0); }
 
-TEST_F(DaemonLink, LosesOneLineWhenTheDaemonGoesAndSendsTheRestToSyslog) {
+TEST_F(DaemonLink, LosesOneLineAndSwitchesToSyslogIfTheDaemonCloses) {
     connection_.hang_up();
     __ZynTrace(kLogWebkit, kError, "", "", 0, "lost");
     EXPECT_THAT(syslog_calls(), IsEmpty());
@@ -46,7 +44,7 @@ TEST_F(DaemonLink, LosesOneLineWhenTheDaemonGoesAndSendsTheRestToSyslog) {
     EXPECT_THAT(syslog_calls(), ElementsAre("vsyslog(3, second)", "vsyslog(1, third)"));
 }
 
-TEST_F(DaemonLink, IsNotMadeAgainAfterTheDaemonHasGone) {
+TEST_F(DaemonLink, DoesNotReconnect) {
     connection_.hang_up();
     __ZynTrace(kLogWebkit, kError, "", "", 0, "lost");
     __ZynTrace(kLogWebkit, kError, "", "", 0, "second");
@@ -59,14 +57,14 @@ TEST_F(DaemonLink, IsNotMadeAgainAfterTheDaemonHasGone) {
     EXPECT_FALSE(daemon_.is_quiet());
 }
 
-TEST_F(DaemonLink, ClosesItsDescriptorWhenTheDaemonHasGone) {
+TEST_F(DaemonLink, ClosesItsDescriptorIfTheDaemonCloses) {
     connection_.hang_up();
     __ZynTrace(kLogWebkit, kError, "", "", 0, "lost");
     EXPECT_EQ(open_descriptors().count(link_fd_), 0U);
 }
 
-TEST_F(DaemonLink, BreaksWhenTheDaemonTakesOnlyPartOfARecord) {
-    // A daemon that reads nothing, and a socket that does not wait for it.
+TEST_F(DaemonLink, ClosesAfterAnIncompleteWrite) {
+    // A daemon that does not read, and a non-blocking socket.
     fcntl(link_fd_, F_SETFL, O_NONBLOCK);
     const std::string text(8'000, 't');
     int lines = 0;
@@ -85,7 +83,7 @@ TEST_F(DaemonLink, BreaksWhenTheDaemonTakesOnlyPartOfARecord) {
 
 volatile std::sig_atomic_t sigpipes = 0;
 
-TEST_F(DaemonLink, RaisesSigpipeWhenTheDaemonHasGone) {
+TEST_F(DaemonLink, RaisesSigpipeIfTheDaemonCloses) {
     signal(SIGPIPE, [](int) { sigpipes = sigpipes + 1; });
     connection_.hang_up();
     __ZynTrace(kLogWebkit, kError, "", "", 0, "lost");
@@ -105,8 +103,8 @@ TEST(DaemonSocket, MayHaveAPathThatFillsItsAddress) {
     EXPECT_FALSE(daemon.is_quiet());
 }
 
-// Where there is no path, there is no daemon: an empty path would be an abstract name of NULs.
-TEST(DaemonSocket, IsNeverAnAbstractName) {
+// An empty path means no daemon: it would be an abstract address of NULs.
+TEST(DaemonSocket, IsNeverAnAbstractAddress) {
     const FakeDaemon impostor{std::string()};
     kestrel::testing::write_file(kestrel::testing::home() + "/file", "");
     setenv("HOME", (kestrel::testing::home() + "/file").c_str(), 1);

@@ -1,4 +1,4 @@
-// What the log daemon gets, byte by byte.
+// The bytes that the log daemon receives.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -26,7 +26,7 @@ constinit std::atomic<bool> thread_has_no_name = false;
 
 }  // namespace
 
-// Fails when told to, and then changes errno.
+// Fails on request, and then changes errno.
 extern "C" int pthread_getname_np(pthread_t /*thread*/, char* name, std::size_t /*size*/) noexcept {
     if (thread_has_no_name) return errno = ERANGE;
     return prctl(PR_GET_NAME, name);
@@ -45,14 +45,14 @@ using testing::ElementsAre;
 
 std::string terminated(std::string text) { return text + '\0'; }
 
-TEST_F(DaemonLink, BeginsWithAHello) {
+TEST_F(DaemonLink, SendsAHelloFirst) {
     const std::string ident = "veltrane-log-client-test";
     const std::string fields{static_cast<char>(ident.size() + 3), 0, 2, 0, 0, 0};
     EXPECT_EQ(hello_, fields + terminated(ident));
     EXPECT_TRUE(connection_.is_quiet());
 }
 
-TEST_F(DaemonLink, CarriesALineInTheFieldsOfARecord) {
+TEST_F(DaemonLink, SerialisesALine) {
     timeval before{};
     gettimeofday(&before, nullptr);
     __ZynTrace(kLogWebkit, kError, "", "", 0, "%s %d", "number", 7);
@@ -78,7 +78,7 @@ TEST_F(DaemonLink, CarriesALineInTheFieldsOfARecord) {
     EXPECT_EQ(text_of(record), terminated("number 7"));
 }
 
-TEST_F(DaemonLink, NamesTheThreadThatWrites) {
+TEST_F(DaemonLink, SendsTheThreadId) {
     pid_t thread_id = 0;
     std::thread([&] {
         thread_id = gettid();
@@ -88,7 +88,7 @@ TEST_F(DaemonLink, NamesTheThreadThatWrites) {
               static_cast<std::uint64_t>(thread_id) & 0xffffU);
 }
 
-TEST_F(DaemonLink, CarriesAnEmptyLine) {
+TEST_F(DaemonLink, SendsAnEmptyLine) {
     __ZynTrace(kLogWebkit, kError, "", "", 0, "%s", "");
     const std::string record = connection_.read_message();
     EXPECT_EQ(u16_at(record, 0), 23U);
@@ -100,7 +100,7 @@ TEST_F(DaemonLink, AddsNoNewline) {
     EXPECT_EQ(text_of(connection_.read_message()), terminated("a\n"));
 }
 
-TEST_F(DaemonLink, CutsTextAt8191Characters) {
+TEST_F(DaemonLink, TruncatesTextTo8191Characters) {
     for (const std::size_t length : {8'190U, 8'191U, 8'192U, 10'000U}) {
         const std::string text(length, 't');
         __ZynTrace(kLogWebkit, kError, "", "", 0, "%s", text.c_str());
@@ -111,7 +111,7 @@ TEST_F(DaemonLink, CutsTextAt8191Characters) {
     }
 }
 
-TEST_F(DaemonLink, PutsTheThreadNameFirstIfTheFlagIsSet) {
+TEST_F(DaemonLink, PrependsTheThreadNameIfTheFlagIsSet) {
     ZynLogEnableFlags(kLogThreadNameFlag);
     std::thread([] {
         pthread_setname_np(pthread_self(), "worker");
@@ -123,7 +123,7 @@ TEST_F(DaemonLink, PutsTheThreadNameFirstIfTheFlagIsSet) {
     EXPECT_EQ(text_of(connection_.read_message()), terminated("busy"));
 }
 
-TEST_F(DaemonLink, CutsAThreadNameAndItsLineTogether) {
+TEST_F(DaemonLink, CountsTheThreadNameForTheTextLimit) {
     ZynLogEnableFlags(kLogThreadNameFlag);
     std::thread([] {
         pthread_setname_np(pthread_self(), "fifteen-letters");
@@ -135,7 +135,7 @@ TEST_F(DaemonLink, CutsAThreadNameAndItsLineTogether) {
     EXPECT_EQ(text_of(record), terminated("[fifteen-letters]: " + std::string(8'191 - 19, 't')));
 }
 
-TEST_F(DaemonLink, PutsNoNameFirstIfTheThreadHasNone) {
+TEST_F(DaemonLink, PrependsAnEmptyNameIfTheThreadHasNone) {
     ZynLogEnableFlags(kLogThreadNameFlag);
     thread_has_no_name = true;
     const std::string format = "%m";
@@ -145,7 +145,7 @@ TEST_F(DaemonLink, PutsNoNameFirstIfTheThreadHasNone) {
     EXPECT_EQ(text_of(connection_.read_message()), terminated("[]: No space left on device"));
 }
 
-TEST_F(DaemonLink, LeavesOutTextThatCannotBeConverted) {
+TEST_F(DaemonLink, OmitsTextThatCannotBeConverted) {
     std::setlocale(LC_ALL, "C");
     __ZynTrace(kLogWebkit, kError, "", "", 0, "text %ls", L"\u2603");
     const std::string record = connection_.read_message();
@@ -153,7 +153,7 @@ TEST_F(DaemonLink, LeavesOutTextThatCannotBeConverted) {
     EXPECT_EQ(text_of(record), terminated(""));
 }
 
-TEST_F(DaemonLink, CarriesClasslessLinesAsOfClassAllAndToSyslogToo) {
+TEST_F(DaemonLink, SendsClasslessLinesAsClassAllAndToSyslog) {
     __ZynLog(3, "", "", 0, "x");
     const std::string record = connection_.read_message();
     EXPECT_EQ(u16_at(record, 4), 3U);
@@ -168,7 +168,7 @@ TEST_F(DaemonLink, FormatsAClasslessLineForBothDestinations) {
     EXPECT_THAT(syslog_calls(), ElementsAre("vsyslog(5, a 1 b)"));
 }
 
-TEST_F(DaemonLink, PutsTheThreadNameOfAClasslessLineIntoTheRecordOnly) {
+TEST_F(DaemonLink, OmitsTheThreadNameOfAClasslessLineInSyslog) {
     ZynLogEnableFlags(kLogThreadNameFlag);
     pthread_setname_np(pthread_self(), "main-thread");
     __ZynLog(2, "", "", 0, "x");

@@ -1,5 +1,4 @@
-// A home that cannot be written to, or has no room: real file systems, which only the test's
-// process sees.
+// A home on a read-only or full disk: real file systems in a private mount namespace.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/mount.h>
@@ -32,7 +31,7 @@ class HomeOnADisk : public ::testing::Test {
     void SetUp() override {
         if (!has_private_machine()) GTEST_SKIP() << "needs a mount namespace of its own";
     }
-    // Or the directory below it could not be removed.
+    // Otherwise the directory could not be removed.
     void TearDown() override { umount2(home().c_str(), MNT_DETACH); }
 
     static void mount_home(const char* options) {
@@ -44,8 +43,7 @@ class HomeOnADisk : public ::testing::Test {
         ASSERT_EQ(mount("none", home().c_str(), "tmpfs", flags, nullptr), 0);
     }
 
-    // The settings are those of a process without any: nothing can be set, and of all lines those
-    // that are always on pass.
+    // As without settings: nothing can be set, and only always-on lines pass.
     static void expect_no_settings() {
         EXPECT_EQ(ZynLogSetCurrentLevel(kLogWebkit, kVerbose), 0);
         EXPECT_EQ(ZynLogGetOutputPath(), nullptr);
@@ -57,7 +55,7 @@ class HomeOnADisk : public ::testing::Test {
 using ReadOnlyHome = HomeOnADisk;
 using FullHome = HomeOnADisk;
 
-TEST_F(ReadOnlyHome, WithoutDirectoriesHasNoFilesAndALogAllTheSame) {
+TEST_F(ReadOnlyHome, WithoutDirectoriesLogsToSyslogWithoutFiles) {
     mount_home("");
     make_read_only(true);
     EXPECT_EQ(ZynLogInit(), 1);
@@ -70,7 +68,7 @@ TEST_F(ReadOnlyHome, WithoutDirectoriesHasNoFilesAndALogAllTheSame) {
     EXPECT_TRUE(fs::is_empty(home()));
 }
 
-TEST_F(ReadOnlyHome, LeavesTheSettingsThatLieThere) {
+TEST_F(ReadOnlyHome, KeepsExistingSettings) {
     mount_home("");
     fs::create_directories(client_ + "/logs");
     write_file(record_, "as it was");
@@ -80,7 +78,7 @@ TEST_F(ReadOnlyHome, LeavesTheSettingsThatLieThere) {
     EXPECT_EQ(file_content(record_), "as it was");
 }
 
-TEST_F(ReadOnlyHome, ReachesTheDaemonThatListensThere) {
+TEST_F(ReadOnlyHome, ConnectsToTheDaemon) {
     mount_home("");
     fs::create_directories(client_ + "/logs");
     const FakeDaemon daemon;
@@ -93,7 +91,7 @@ TEST_F(ReadOnlyHome, ReachesTheDaemonThatListensThere) {
     EXPECT_TRUE(connection.is_quiet());
 }
 
-TEST_F(ReadOnlyHome, ThatIsWritableAgainHasSettingsAtTheNextStart) {
+TEST_F(ReadOnlyHome, CreatesSettingsAtTheNextStartOnceWritable) {
     mount_home("");
     fs::create_directories(client_ + "/logs");
     make_read_only(true);
@@ -105,7 +103,7 @@ TEST_F(ReadOnlyHome, ThatIsWritableAgainHasSettingsAtTheNextStart) {
     EXPECT_EQ(u32_at(file_content(record_), 508), 10U);
 }
 
-TEST_F(FullHome, WithoutRoomForDirectoriesHasNoFiles) {
+TEST_F(FullHome, WithoutSpaceForDirectoriesHasNoFiles) {
     mount_home("nr_inodes=1");
     EXPECT_EQ(ZynLogInitConfigOnly(), 0);
     EXPECT_STREQ(GetConfigFilePath(), "");
@@ -113,7 +111,7 @@ TEST_F(FullHome, WithoutRoomForDirectoriesHasNoFiles) {
     EXPECT_TRUE(fs::is_empty(home()));
 }
 
-TEST_F(FullHome, WithoutRoomForTheSettingsHasNone) {
+TEST_F(FullHome, WithoutSpaceForTheSettingsHasNone) {
     mount_home("nr_inodes=3");
     fs::create_directories(client_ + "/logs");
     EXPECT_EQ(ZynLogInitConfigOnly(), 0);
@@ -121,8 +119,8 @@ TEST_F(FullHome, WithoutRoomForTheSettingsHasNone) {
     EXPECT_FALSE(fs::exists(record_));
 }
 
-// The record has no room on the disk.
-TEST_F(FullHome, HasTheDefaultsWhichCannotBeChanged) {
+// The disk has no space for the settings file.
+TEST_F(FullHome, UsesDefaultsThatCannotBeChanged) {
     mount_home("size=64k");
     fs::create_directories(client_ + "/logs");
     write_file(home() + "/ballast", std::string(1'000'000, 'x'));
@@ -133,7 +131,7 @@ TEST_F(FullHome, HasTheDefaultsWhichCannotBeChanged) {
     EXPECT_EQ(file_content(record_), std::string(516, '\0'));
 }
 
-TEST_F(FullHome, ThatHasRoomAgainKeepsChangesAfterTheNextStart) {
+TEST_F(FullHome, KeepsChangesAfterTheNextStartOnceThereIsSpace) {
     mount_home("size=64k");
     fs::create_directories(client_ + "/logs");
     write_file(home() + "/ballast", std::string(1'000'000, 'x'));
@@ -147,8 +145,8 @@ TEST_F(FullHome, ThatHasRoomAgainKeepsChangesAfterTheNextStart) {
     EXPECT_EQ(u32_at(file_content(record_), 508), 11U);
 }
 
-// A record that has its place keeps it.
-TEST_F(FullHome, LeavesSettingsThatWereThereBeforeToAllProcesses) {
+// An existing file keeps its blocks.
+TEST_F(FullHome, SharesExistingSettings) {
     mount_home("size=64k");
     ZynLogInitConfigOnly();
     write_file(home() + "/ballast", std::string(1'000'000, 'x'));

@@ -6,28 +6,28 @@
 
 namespace kestrel::testing {
 
-// The daemon's end of one process's connection.
+// The daemon's end of a connection.
 class DaemonConnection : public HostEnd {
   public:
     using HostEnd::HostEnd;
 
-    // One whole message: the length field, and as many bytes as it says.
+    // A complete message.
     std::string read_message() const;
 
-    // Whether the process has closed its end, with nothing left to be read.
+    // Whether the process has closed its end and everything has been read.
     bool is_closed() const;
 };
 
-// Listens where the client looks for the log daemon.
+// Listens at the log daemon's socket.
 class FakeDaemon {
   public:
     explicit FakeDaemon(const std::string& path);
-    FakeDaemon();  // at the per-user place below home()
+    FakeDaemon();  // at the per-user path below home()
     ~FakeDaemon();
     FakeDaemon(const FakeDaemon&) = delete;
     FakeDaemon& operator=(const FakeDaemon&) = delete;
 
-    // The next process that has connected.
+    // The next connection.
     DaemonConnection accept() const;
 
     // Whether no process has connected since the last accept.

@@ -1,4 +1,4 @@
-// Which lines pass, as seen by the daemon or by syslog.
+// Which lines reach the daemon or syslog.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -35,7 +35,7 @@ class Filter : public testing::Test {
         kestrel::testing::clear_syslog_calls();
     }
 
-    // The levels, of all that a caller could give, at which a line of the class is written.
+    // All levels at which a line of the class is written.
     static std::set<int> passing_levels(std::uint32_t log_class) {
         std::set<int> levels;
         for (const int level : {kLowestInt, -1, 0, 1, 2, 3, 4, 5, 6, 7, 8, kHighestInt}) {
@@ -56,13 +56,13 @@ class Filter : public testing::Test {
     va_end(arguments);
 }
 
-TEST_F(Filter, LetsErrorsPassByDefault) {
+TEST_F(Filter, PassesErrorsByDefault) {
     EXPECT_THAT(passing_levels(kLogWebkit), ElementsAre(4, 5, 6));
     EXPECT_THAT(passing_levels(kLogKestrelExtension), ElementsAre(4, 5, 6));
     EXPECT_THAT(passing_levels(kLogAll), ElementsAre(4, 5, 6));
 }
 
-TEST_F(Filter, LetsLevelsPassFromTheWorkingLevelOn) {
+TEST_F(Filter, PassesTheWorkingLevelAndAbove) {
     ZynLogSetCurrentLevel(kLogWebkit, 1);
     EXPECT_THAT(passing_levels(kLogWebkit), ElementsAre(1, 2, 3, 4, 5, 6));
     ZynLogSetCurrentLevel(kLogWebkit, 2);
@@ -71,7 +71,7 @@ TEST_F(Filter, LetsLevelsPassFromTheWorkingLevelOn) {
     EXPECT_THAT(passing_levels(kLogWebkit), ElementsAre(5, 6));
 }
 
-TEST_F(Filter, LetsOnlyAlwaysOnLinesPassAtAolAndNone) {
+TEST_F(Filter, PassesOnlyAlwaysOnLinesAtAolAndNone) {
     ZynLogSetCurrentLevel(kLogWebkit, 6);
     EXPECT_THAT(passing_levels(kLogWebkit), ElementsAre(6));
     ZynLogSetCurrentLevel(kLogWebkit, 7);
@@ -84,19 +84,19 @@ TEST_F(Filter, InheritsFromTheParent) {
     EXPECT_THAT(passing_levels(kLogWebkit), ElementsAre(4, 5, 6));
 }
 
-TEST_F(Filter, LetsOnlyAlwaysOnLinesPassWhenTheRootInherits) {
+TEST_F(Filter, PassesOnlyAlwaysOnLinesIfTheRootInherits) {
     ZynLogSetCurrentLevel(kLogAll, 0);
     EXPECT_THAT(passing_levels(kLogWebkit), ElementsAre(6));
     EXPECT_THAT(passing_levels(kLogAll), ElementsAre(6));
 }
 
-TEST_F(Filter, LetsOnlyAlwaysOnLinesOfUnknownClassesPass) {
+TEST_F(Filter, PassesOnlyAlwaysOnLinesOfUnknownClasses) {
     for (const std::uint32_t log_class : {60U, 0x8000'0000U, kLogFailure}) {
         EXPECT_THAT(passing_levels(log_class), ElementsAre(6));
     }
 }
 
-TEST_F(Filter, SeesEveryTextOrNothing) {
+TEST_F(Filter, RejectsNullTexts) {
     __ZynTrace(kLogWebkit, 5, nullptr, "", 0, "x");
     __ZynTrace(kLogWebkit, 5, "", nullptr, 0, "x");
     const char* volatile no_format = nullptr;
@@ -108,7 +108,7 @@ TEST_F(Filter, SeesEveryTextOrNothing) {
     EXPECT_THAT(syslog_calls(), IsEmpty());
 }
 
-TEST_F(Filter, TreatsTheTwinWithAListAlike) {
+TEST_F(Filter, TreatsTheVariantWithVaListAlike) {
     trace_v(kLogWebkit, 3, "%d", 3);
     trace_v(kLogWebkit, 4, "%d", 4);
     trace_v(kLogWebkit, 0, "%d", 0);
@@ -116,7 +116,7 @@ TEST_F(Filter, TreatsTheTwinWithAListAlike) {
     EXPECT_THAT(syslog_calls(), ElementsAre("vsyslog(3, 4)"));
 }
 
-TEST_F(Filter, LetsEveryClasslessLinePassUpToFatal) {
+TEST_F(Filter, PassesAllClasslessLinesUpToFatal) {
     ZynLogSetCurrentLevel(kLogAll, 7);
     for (const int level : {kLowestInt, -1, 0, 1, 2, 3, 4, 5, 6, 7, kHighestInt}) {
         __ZynLog(level, "", "", 0, "%d", level);
@@ -125,20 +125,20 @@ TEST_F(Filter, LetsEveryClasslessLinePassUpToFatal) {
                                             "vsyslog(3, 4)", "vsyslog(1, 5)"));
 }
 
-TEST_F(Filter, PutsEachLevelAtItsPriorityInSyslog) {
+TEST_F(Filter, MapsLevelsToSyslogPriorities) {
     ZynLogSetCurrentLevel(kLogWebkit, 1);
     for (int level = 1; level <= 6; ++level) __ZynTrace(kLogWebkit, level, "", "", 0, "%d", level);
     EXPECT_THAT(syslog_calls(), ElementsAre("vsyslog(6, 1)", "vsyslog(5, 2)", "vsyslog(4, 3)",
                                             "vsyslog(3, 4)", "vsyslog(1, 5)", "vsyslog(6, 6)"));
 }
 
-TEST_F(Filter, NeverPutsTheThreadNameIntoSyslog) {
+TEST_F(Filter, OmitsTheThreadNameInSyslog) {
     ZynLogEnableFlags(kestrel::kLogThreadNameFlag);
     __ZynTrace(kLogWebkit, 4, "", "", 0, "x");
     EXPECT_THAT(syslog_calls(), ElementsAre("vsyslog(3, x)"));
 }
 
-TEST_F(Filter, StopsEverythingAfterShutdown) {
+TEST_F(Filter, BlocksEverythingAfterShutdown) {
     ZynLogShutdown();
     kestrel::testing::clear_syslog_calls();
     EXPECT_THAT(passing_levels(kLogWebkit), IsEmpty());
@@ -148,14 +148,14 @@ TEST_F(Filter, StopsEverythingAfterShutdown) {
     EXPECT_THAT(passing_levels(kLogWebkit), ElementsAre(4, 5, 6));
 }
 
-TEST(UninitialisedFilter, StopsEverything) {
+TEST(UninitialisedFilter, BlocksEverything) {
     __ZynTrace(kLogWebkit, 6, "", "", 0, "x");
     trace_v(kLogWebkit, 6, "x");
     __ZynLog(5, "", "", 0, "x");
     EXPECT_THAT(syslog_calls(), IsEmpty());
 }
 
-TEST(FilterWithoutSettings, LetsOnlyAlwaysOnLinesPass) {
+TEST(FilterWithoutSettings, PassesOnlyAlwaysOnLines) {
     std::filesystem::create_directory(kestrel::testing::client_directory() + "/.zynlogconf");
     const kestrel::testing::FakeDaemon daemon;
     ZynLogInit();
@@ -166,9 +166,9 @@ TEST(FilterWithoutSettings, LetsOnlyAlwaysOnLinesPass) {
     EXPECT_TRUE(connection.is_quiet());
 }
 
-class FilterOfNeighboursLevels : public testing::TestWithParam<std::uint32_t> {};
+class FilterOfInvalidLevels : public testing::TestWithParam<std::uint32_t> {};
 
-TEST_P(FilterOfNeighboursLevels, LetsOnlyAlwaysOnLinesPass) {
+TEST_P(FilterOfInvalidLevels, PassesOnlyAlwaysOnLines) {
     std::string bytes(516, '\0');
     kestrel::testing::put_u32(bytes, 4, GetParam());
     kestrel::testing::put_u32(bytes, 512, 0x12345678);
@@ -179,7 +179,7 @@ TEST_P(FilterOfNeighboursLevels, LetsOnlyAlwaysOnLinesPass) {
     EXPECT_THAT(syslog_calls(), ElementsAre("vsyslog(6, 6)"));
 }
 
-INSTANTIATE_TEST_SUITE_P(AboveSeven, FilterOfNeighboursLevels,
+INSTANTIATE_TEST_SUITE_P(AboveSeven, FilterOfInvalidLevels,
                          testing::Values(8U, 0x7fff'ffffU, 0x8000'0000U, 0xffff'ffffU));
 
 }  // namespace

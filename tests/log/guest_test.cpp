@@ -1,4 +1,4 @@
-// What a process that uses the client must not notice.
+// Side effects that the client must not have on its process.
 
 #include <gtest/gtest.h>
 
@@ -34,7 +34,7 @@ struct Call {
     std::function<void()> make;
 };
 
-// Every call of the public headers but the inits and the shutdown.
+// Every function of the public headers except init and shutdown.
 std::vector<Call> calls() {
     static std::uint32_t flags;
     return {
@@ -98,7 +98,7 @@ TEST(Errno, IsKeptWithoutADaemon) {
     expect_errno_kept(kShutdown);
 }
 
-TEST(Errno, IsKeptWithADaemonAndWhenItGoes) {
+TEST(Errno, IsKeptWithADaemonAndAfterItCloses) {
     signal(SIGPIPE, SIG_IGN);
     const FakeDaemon daemon;
     expect_errno_kept(kInit);
@@ -118,7 +118,7 @@ TEST(Errno, IsKeptWithoutSettings) {
     expect_errno_kept_by_every_call();
 }
 
-TEST(Errno, IsWhatTheCallersFormatSees) {
+TEST(Errno, IsVisibleToTheCallersFormat) {
     const FakeDaemon daemon;
     ZynLogInit();
     DaemonConnection connection = daemon.accept();
@@ -157,7 +157,7 @@ std::vector<Disposition> dispositions() {
     return result;
 }
 
-TEST(Signals, KeepTheirDispositions) {
+TEST(Signals, DispositionsAreKept) {
     struct sigaction own {};
     own.sa_handler = [](int) {};
     own.sa_flags = SA_RESTART | SA_NODEFER;
@@ -179,7 +179,7 @@ TEST(Signals, KeepTheirDispositions) {
     EXPECT_TRUE(dispositions() == before);
 }
 
-TEST(Descriptors, AreNotLeftBehind) {
+TEST(Descriptors, AreClosed) {
     const auto before = kestrel::testing::open_descriptors();
     for (int round = 0; round < 3; ++round) {
         ZynLogInit();

@@ -15,7 +15,7 @@ constexpr std::time_t kNow = 1'700'000'000;
 
 }  // namespace
 
-// The clock stands still, so that a second more or less can be told apart.
+// A fixed clock, so that one second more or less can be tested.
 extern "C" std::time_t time(std::time_t* result) noexcept {
     if (result != nullptr) *result = kNow;
     return kNow;
@@ -38,7 +38,7 @@ TEST(Heartbeat, IsFreshForADayLessOneSecond) {
     EXPECT_FALSE(check_heartbeat_file_age(file_modified_at(0).c_str()));
 }
 
-TEST(Heartbeat, IsFreshWhenItComesFromTheFuture) {
+TEST(Heartbeat, IsFreshWithATimeInTheFuture) {
     EXPECT_TRUE(check_heartbeat_file_age(file_modified_at(kNow + 86'400).c_str()));
 }
 

@@ -1,4 +1,4 @@
-// What other processes may do to the settings' file.
+// Damage that other processes may do to the settings file.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -55,7 +55,7 @@ void expect_defaults() {
 
 void cut_record_short() { ASSERT_EQ(truncate(record_path().c_str(), 0), 0); }
 
-TEST(NeighboursRecord, MayBeCutShortWhileItIsMapped) {
+TEST(ForeignConfigFile, MayBeTruncatedWhileMapped) {
     ZynLogInitConfigOnly();
     for (const auto& set : kSetters) EXPECT_EQ(set(), 1);
     cut_record_short();
@@ -63,7 +63,7 @@ TEST(NeighboursRecord, MayBeCutShortWhileItIsMapped) {
     EXPECT_EQ(record_bytes(), "");
 }
 
-TEST(NeighboursRecord, CannotBeChangedWhenItIsCutShort) {
+TEST(ForeignConfigFile, CannotBeChangedOnceTruncated) {
     ZynLogInitConfigOnly();
     cut_record_short();
     expect_defaults();
@@ -72,8 +72,8 @@ TEST(NeighboursRecord, CannotBeChangedWhenItIsCutShort) {
     EXPECT_EQ(record_bytes(), "");
 }
 
-// The first access after the cut is that of a setter.
-TEST(NeighboursRecord, CannotBeChangedByWhoeverFindsItCutShort) {
+// The first access after the truncation is by a setter.
+TEST(ForeignConfigFile, CannotBeChangedByTheFirstAccessAfterTruncation) {
     for (const auto& set : kSetters) {
         ASSERT_EQ(ZynLogInitConfigOnly(), 1);
         cut_record_short();
@@ -84,7 +84,7 @@ TEST(NeighboursRecord, CannotBeChangedByWhoeverFindsItCutShort) {
     }
 }
 
-TEST(NeighboursRecord, CannotBeChangedByAnyThreadWhenItIsCutShort) {
+TEST(ForeignConfigFile, CannotBeChangedByAnyThreadOnceTruncated) {
     for (int i = 0; i < 100; ++i) {
         ASSERT_EQ(ZynLogInitConfigOnly(), 1);
         std::vector<std::thread> setters;
@@ -101,7 +101,7 @@ TEST(NeighboursRecord, CannotBeChangedByAnyThreadWhenItIsCutShort) {
     }
 }
 
-TEST(NeighboursRecord, ShowsNoThreadAChangeThatFails) {
+TEST(ForeignConfigFile, HidesFailedChangesFromOtherThreads) {
     ZynLogInitConfigOnly();
     cut_record_short();
     EXPECT_EQ(ZynLogSetSessionMax(7), 0);
@@ -116,7 +116,7 @@ TEST(NeighboursRecord, ShowsNoThreadAChangeThatFails) {
     EXPECT_EQ(seen, 200U);
 }
 
-TEST(NeighboursRecord, CanBeChangedAgainAfterANewStart) {
+TEST(ForeignConfigFile, CanBeChangedAfterARestart) {
     for (int i = 0; i < 3; ++i) {
         ZynLogInitConfigOnly();
         for (const auto& set : kSetters) EXPECT_EQ(set(), 1);
@@ -131,7 +131,7 @@ TEST(NeighboursRecord, CanBeChangedAgainAfterANewStart) {
     EXPECT_EQ(u32_at(record_bytes(), 508), 12U);
 }
 
-TEST(NeighboursRecord, MayBeCutShortWhileThreadsRead) {
+TEST(ForeignConfigFile, MayBeTruncatedWhileThreadsRead) {
     ZynLogInitConfigOnly();
     std::atomic<bool> done = false;
     std::vector<std::thread> readers;
@@ -149,7 +149,7 @@ TEST(NeighboursRecord, MayBeCutShortWhileThreadsRead) {
     EXPECT_EQ(ZynLogGetWorkingLevel(kLogWebkit), 4U);
 }
 
-TEST(NeighboursRecord, MayBeAnythingButAFile) {
+TEST(ForeignConfigFile, MayBeOfAnyFileType) {
     ASSERT_EQ(mkfifo(record_path().c_str(), 0600), 0);
     EXPECT_EQ(ZynLogInitConfigOnly(), 0);
     std::filesystem::remove(record_path());
@@ -160,7 +160,7 @@ TEST(NeighboursRecord, MayBeAnythingButAFile) {
 
 siginfo_t seen_by_earlier_handler;
 
-TEST(Sigbus, OfOthersGoesToTheHandlerBefore) {
+TEST(Sigbus, ChainsToThePreviousHandler) {
     struct sigaction earlier {};
     earlier.sa_flags = SA_SIGINFO;
     earlier.sa_sigaction = [](int, siginfo_t* info, void*) { seen_by_earlier_handler = *info; };
@@ -177,12 +177,12 @@ TEST(Sigbus, OfOthersGoesToTheHandlerBefore) {
 struct sigaction guard {};
 int seen_by_later_handler = 0;
 
-// A program's own handler may pass on what is not its own.
+// A handler of the program that chains to the previous one.
 void see_and_pass_on(int number, siginfo_t* info, void* context) {
     if (++seen_by_later_handler < 10) guard.sa_sigaction(number, info, context);
 }
 
-TEST(Sigbus, OfOthersGoesOnceThroughALaterHandlerAfterASecondStart) {
+TEST(Sigbus, ReachesALaterHandlerOnceAfterASecondInit) {
     signal(SIGBUS, SIG_IGN);
     struct sigaction later {};
     later.sa_flags = SA_SIGINFO;
@@ -199,7 +199,7 @@ TEST(Sigbus, OfOthersGoesOnceThroughALaterHandlerAfterASecondStart) {
     ZynLogShutdown();
 }
 
-TEST(Sigbus, OfOthersEndsTheProcessAsEver) {
+TEST(Sigbus, WithTheDefaultActionEndsTheProcess) {
     EXPECT_EXIT(
         {
             signal(SIGBUS, SIG_DFL);

@@ -1,4 +1,4 @@
-// Says which install root a program finds from where it lies.
+// Prints the install root that a program in its directory finds.
 
 #include <cstdio>
 

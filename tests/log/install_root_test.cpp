@@ -22,7 +22,7 @@ std::string make_root(const std::string& directory) {
     return directory;
 }
 
-// What GetQUORoot gives in a program that lies in `directory`.
+// The result of GetQUORoot in a program in `directory`.
 std::string root_of_program_in(const std::string& directory) {
     fs::create_directories(directory);
     const std::string program = directory + "/install-root-probe";
@@ -34,14 +34,14 @@ std::string root_of_program_in(const std::string& directory) {
     return root;
 }
 
-TEST(InstallRoot, IsNoneWhenNoCandidateIsUsable) { EXPECT_STREQ(GetQUORoot(), ""); }
+TEST(InstallRoot, IsEmptyIfNoCandidateIsUsable) { EXPECT_STREQ(GetQUORoot(), ""); }
 
-TEST(InstallRoot, IsTheOneThatTheEnvironmentNames) {
+TEST(InstallRoot, IsTakenFromTheEnvironment) {
     setenv("QUOROOT", make_root(home() + "/root").c_str(), 1);
     EXPECT_EQ(GetQUORoot(), home() + "/root");
 }
 
-TEST(InstallRoot, IsKept) {
+TEST(InstallRoot, IsCached) {
     setenv("QUOROOT", make_root(home() + "/root").c_str(), 1);
     const char* const root = GetQUORoot();
     setenv("QUOROOT", make_root(home() + "/other").c_str(), 1);
@@ -49,7 +49,7 @@ TEST(InstallRoot, IsKept) {
     EXPECT_EQ(root, home() + "/root");
 }
 
-TEST(InstallRoot, IsNotSearchedAgainWhenThereWasNone) {
+TEST(InstallRoot, IsCachedEvenIfThereIsNone) {
     GetQUORoot();
     setenv("QUOROOT", make_root(home() + "/root").c_str(), 1);
     EXPECT_STREQ(GetQUORoot(), "");
@@ -87,12 +87,12 @@ TEST(InstallRoot, IsNotTheParentOfOtherDirectories) {
     EXPECT_EQ(root_of_program_in(root + "/utils"), "");
 }
 
-TEST(InstallRoot, IsTheEnvironmentsBeforeTheProgramsOwn) {
+TEST(InstallRoot, PrefersTheEnvironmentToTheProgramsDirectory) {
     setenv("QUOROOT", make_root(home() + "/named").c_str(), 1);
     EXPECT_EQ(root_of_program_in(make_root(home() + "/own")), home() + "/named");
 }
 
-TEST(InstallRoot, IsCutToItsBuffer) {
+TEST(InstallRoot, IsTruncatedToItsBuffer) {
     std::string name = make_root(home() + "/root");
     while (name.size() < 4'000) name += "/.";
     setenv("QUOROOT", name.c_str(), 1);
@@ -107,7 +107,7 @@ class InstalledRoot : public testing::Test {
         }
     }
 
-    // Adds a directory to /usr/lib, which must keep what it has.
+    // Adds a directory to /usr/lib without hiding its content.
     static bool add_to_usr_lib() {
         if (!kestrel::testing::cover("/srv")) return false;
         fs::create_directories("/srv/upper");
@@ -122,7 +122,7 @@ TEST_F(InstalledRoot, IsFoundInOpt) {
     EXPECT_STREQ(GetQUORoot(), "/opt/Veltrane/QUOClient");
 }
 
-TEST_F(InstalledRoot, ComesAfterTheProgramsOwn) {
+TEST_F(InstalledRoot, ComesAfterTheProgramsDirectory) {
     make_root("/opt/Veltrane/QUOClient");
     EXPECT_EQ(root_of_program_in(make_root(home() + "/own")), home() + "/own");
 }
@@ -133,7 +133,7 @@ TEST_F(InstalledRoot, IsFoundInUsrLibLast) {
     EXPECT_STREQ(GetQUORoot(), "/usr/lib/QUOClient");
 }
 
-TEST_F(InstalledRoot, IsTheOneInOptRatherThanInUsrLib) {
+TEST_F(InstalledRoot, PrefersOptToUsrLib) {
     if (!add_to_usr_lib()) GTEST_SKIP() << "needs an overlay of /usr/lib";
     make_root("/usr/lib/QUOClient");
     make_root("/opt/Veltrane/QUOClient");

@@ -1,4 +1,4 @@
-// The log daemon is a process of its own that is killed, and one that takes its place.
+// A log daemon in a separate process that is killed, and its successor.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -27,7 +27,7 @@ using kestrel::testing::syslog_calls;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// Serves one process after the other, and passes on the number that each line is.
+// Serves one process after the other, and reports the number in each line.
 class DaemonProcess {
   public:
     // Returns when it listens.
@@ -45,7 +45,7 @@ class DaemonProcess {
     DaemonProcess(const DaemonProcess&) = delete;
     DaemonProcess& operator=(const DaemonProcess&) = delete;
 
-    // Leaves its socket behind, as whatever is killed does.
+    // Leaves its socket file behind.
     void die() {
         if (pid_ == -1) return;
         kill(pid_, SIGKILL);
@@ -54,7 +54,7 @@ class DaemonProcess {
         pid_ = -1;
     }
 
-    // Of the next line that it has got; nothing once it is dead and all are told.
+    // The number of the next line received; nothing once it is dead and all have been reported.
     std::optional<int> next_number() const {
         int number = 0;
         if (read(numbers_[0], &number, sizeof number) != sizeof number) return std::nullopt;
@@ -97,7 +97,7 @@ class KilledDaemon : public testing::Test {
     KilledDaemon() { signal(SIGPIPE, SIG_IGN); }
 };
 
-TEST_F(KilledDaemon, CostsOneLineAndTheRestGoesToSyslogThoughAnotherDaemonListens) {
+TEST_F(KilledDaemon, CostsOneLineAndSwitchesToSyslogEvenIfAnotherDaemonListens) {
     DaemonProcess first;
     ZynLogInit();
     kestrel::testing::clear_syslog_calls();
@@ -116,9 +116,8 @@ TEST_F(KilledDaemon, CostsOneLineAndTheRestGoesToSyslogThoughAnotherDaemonListen
     EXPECT_EQ(second.next_number(), 5);
 }
 
-// What the daemon had not read dies with it; what came before and what comes afterwards is whole
-// and in order.
-TEST_F(KilledDaemon, LosesNothingBeforeItsEndAndNothingOnceLinesGoToSyslog) {
+// Lines that the daemon has not read are lost; all others are complete and in order.
+TEST_F(KilledDaemon, LosesOnlyUnreadLines) {
     DaemonProcess daemon;
     ZynLogInit();
     kestrel::testing::clear_syslog_calls();

@@ -30,7 +30,7 @@ TEST(Init, OpensSyslogAndReportsAMissingDaemon) {
     EXPECT_THAT(syslog_calls(), ElementsAre(kOpen, kMask, kNoDaemon));
 }
 
-TEST(Init, ReportsNothingWhenTheDaemonIsThere) {
+TEST(Init, ReportsNothingIfTheDaemonListens) {
     const FakeDaemon daemon;
     EXPECT_EQ(ZynLogInit(), 1);
     EXPECT_THAT(syslog_calls(), ElementsAre(kOpen, kMask));
@@ -73,7 +73,7 @@ TEST(Init, SucceedsWithoutAHomeDirectory) {
     EXPECT_THAT(syslog_calls(), ElementsAre(kOpen, kMask, kNoDaemon));
 }
 
-TEST(Init, StartsOverAfterShutdown) {
+TEST(Init, StartsAgainAfterShutdown) {
     ZynLogInit();
     ZynLogShutdown();
     clear_syslog_calls();
@@ -144,7 +144,7 @@ TEST(Shutdown, DoesNothingUnlessInitialised) {
     EXPECT_THAT(syslog_calls(), IsEmpty());
 }
 
-TEST(Shutdown, LeavesASyslogThatItDidNotOpen) {
+TEST(Shutdown, KeepsASyslogThatItDidNotOpen) {
     ZynLogInitConfigOnly();
     ZynLogShutdown();
     EXPECT_THAT(syslog_calls(), IsEmpty());
@@ -159,7 +159,7 @@ TEST(Shutdown, LeavesNoDescriptorOpen) {
     EXPECT_EQ(kestrel::testing::open_descriptors(), before);
 }
 
-TEST(Ident, IsCutTo31Characters) {
+TEST(Ident, IsTruncatedTo31Characters) {
     std::string name(40, 'n');
     program_invocation_short_name = name.data();
     const FakeDaemon daemon;
@@ -170,7 +170,7 @@ TEST(Ident, IsCutTo31Characters) {
     EXPECT_EQ(daemon.accept().read_message().substr(6), ident + '\0');
 }
 
-TEST(Ident, IsTakenAfreshByEachInit) {
+TEST(Ident, IsUpdatedByEachInit) {
     ZynLogInit();
     ZynLogShutdown();
     clear_syslog_calls();

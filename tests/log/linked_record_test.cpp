@@ -1,5 +1,4 @@
-// A settings file that is a symbolic link: followed if it is the user's or root's, and otherwise
-// not.
+// A settings file that is a symbolic link: followed only if it belongs to the user or to root.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -23,7 +22,7 @@ namespace fs = std::filesystem;
 constexpr uid_t kAnotherUser = 12'345;
 constexpr uid_t kThirdUser = 54'321;
 
-class LinkedRecord : public ::testing::Test {
+class LinkedConfigFile : public ::testing::Test {
   protected:
     std::string target_ = home() + "/elsewhere";
 
@@ -31,7 +30,7 @@ class LinkedRecord : public ::testing::Test {
         ASSERT_EQ(lchown(link.c_str(), user, user), 0);
     }
 
-    // The settings are those of the target, in this process and on the disk.
+    // Reads and writes go to the target, in memory and on disk.
     void expect_settings_in_target() const {
         EXPECT_EQ(ZynLogInitConfigOnly(), 1);
         EXPECT_EQ(ZynLogSetSessionMax(10), 1);
@@ -40,7 +39,7 @@ class LinkedRecord : public ::testing::Test {
         EXPECT_TRUE(fs::is_symlink(record_path()));
     }
 
-    // The result of ZynLogInitConfigOnly in a process of that user.
+    // The result of ZynLogInitConfigOnly in a process of this user.
     static int init_as(uid_t user) {
         const pid_t child = fork();
         if (child == 0) _exit(setuid(user) == 0 ? ZynLogInitConfigOnly() : 99);
@@ -49,7 +48,7 @@ class LinkedRecord : public ::testing::Test {
         return WEXITSTATUS(status);
     }
 
-    // The directories of the record, open to all users.
+    // The directories of the file, accessible to all users.
     static void open_directories() {
         fs::create_directories(client_directory() + "/logs");
         for (const std::string& path : {home(), client_directory()}) {
@@ -58,8 +57,8 @@ class LinkedRecord : public ::testing::Test {
     }
 };
 
-// The same by root, for another user.
-class LinkedRecordOfUsers : public LinkedRecord {
+// The same as root, for another user.
+class LinkedConfigFileOfUsers : public LinkedConfigFile {
   protected:
     void SetUp() override {
         if (geteuid() != 0) GTEST_SKIP() << "needs links of other users";
@@ -67,7 +66,7 @@ class LinkedRecordOfUsers : public LinkedRecord {
     }
 };
 
-TEST_F(LinkedRecord, IsReadAndWrittenInItsTarget) {
+TEST_F(LinkedConfigFile, ReadsAndWritesItsTarget) {
     ZynLogInitConfigOnly();
     ZynLogSetRolloverCount(7);
     ZynLogShutdown();
@@ -77,7 +76,7 @@ TEST_F(LinkedRecord, IsReadAndWrittenInItsTarget) {
     EXPECT_EQ(ZynLogGetRolloverCount(), 7U);
 }
 
-TEST_F(LinkedRecord, IsCreatedInItsTargetForEveryUser) {
+TEST_F(LinkedConfigFile, CreatesItsTargetForAllUsers) {
     umask(0077);
     fs::create_symlink(target_, record_path());
     expect_settings_in_target();
@@ -85,12 +84,12 @@ TEST_F(LinkedRecord, IsCreatedInItsTargetForEveryUser) {
     EXPECT_EQ(fs::status(target_).permissions(), fs::perms{0666});
 }
 
-TEST_F(LinkedRecord, IsFoundByARelativeTarget) {
+TEST_F(LinkedConfigFile, FollowsARelativeTarget) {
     fs::create_symlink("../elsewhere", record_path());
     expect_settings_in_target();
 }
 
-TEST_F(LinkedRecord, IsFoundThroughLinksInOtherDirectories) {
+TEST_F(LinkedConfigFile, FollowsLinksInOtherDirectories) {
     const std::string directory = home() + "/directory";
     fs::create_directory(directory);
     fs::create_directory_symlink("directory", home() + "/shortcut");
@@ -100,7 +99,7 @@ TEST_F(LinkedRecord, IsFoundThroughLinksInOtherDirectories) {
     expect_settings_in_target();
 }
 
-TEST_F(LinkedRecord, HasNoSettingsBehindALoop) {
+TEST_F(LinkedConfigFile, FailsOnALoop) {
     fs::create_symlink("loop", record_path());
     fs::create_symlink(record_path(), client_directory() + "/loop");
     umask(0077);
@@ -108,13 +107,13 @@ TEST_F(LinkedRecord, HasNoSettingsBehindALoop) {
     EXPECT_EQ(umask(0), 0022U);
 }
 
-TEST_F(LinkedRecord, HasNoSettingsInAMissingDirectory) {
+TEST_F(LinkedConfigFile, FailsInAMissingDirectory) {
     fs::create_symlink(home() + "/missing/elsewhere", record_path());
     EXPECT_EQ(ZynLogInitConfigOnly(), 0);
     EXPECT_FALSE(fs::exists(home() + "/missing"));
 }
 
-TEST_F(LinkedRecord, HasNoSettingsInADirectory) {
+TEST_F(LinkedConfigFile, FailsOnADirectory) {
     fs::create_directory(target_);
     for (const std::string& target : {target_, target_ + "/", target_ + "/."}) {
         fs::create_symlink(target, record_path());
@@ -125,7 +124,7 @@ TEST_F(LinkedRecord, HasNoSettingsInADirectory) {
     EXPECT_TRUE(fs::is_empty(target_));
 }
 
-TEST_F(LinkedRecord, LeavesNoDescriptorOpen) {
+TEST_F(LinkedConfigFile, LeavesNoDescriptorOpen) {
     fs::create_symlink("second", record_path());
     fs::create_symlink(target_, client_directory() + "/second");
     const auto before = open_descriptors();
@@ -133,7 +132,7 @@ TEST_F(LinkedRecord, LeavesNoDescriptorOpen) {
     EXPECT_EQ(open_descriptors(), before);
 }
 
-TEST_F(LinkedRecordOfUsers, IsNotFollowedWhenItIsAnotherUsers) {
+TEST_F(LinkedConfigFileOfUsers, IsNotFollowedIfAnotherUserOwnsIt) {
     write_file(target_, "dear diary");
     fs::create_symlink(target_, record_path());
     give_link(record_path(), kAnotherUser);
@@ -141,14 +140,14 @@ TEST_F(LinkedRecordOfUsers, IsNotFollowedWhenItIsAnotherUsers) {
     EXPECT_EQ(file_content(target_), "dear diary");
 }
 
-TEST_F(LinkedRecordOfUsers, IsNotCreatedThroughAnotherUsersLink) {
+TEST_F(LinkedConfigFileOfUsers, IsNotCreatedThroughAnotherUsersLink) {
     fs::create_symlink(target_, record_path());
     give_link(record_path(), kAnotherUser);
     EXPECT_EQ(ZynLogInitConfigOnly(), 0);
     EXPECT_FALSE(fs::exists(target_));
 }
 
-TEST_F(LinkedRecordOfUsers, IsNotFollowedThroughASecondLinkOfAnotherUser) {
+TEST_F(LinkedConfigFileOfUsers, IsNotFollowedThroughASecondLinkOfAnotherUser) {
     const std::string second = home() + "/second";
     write_file(target_, "dear diary");
     fs::create_symlink(second, record_path());
@@ -158,7 +157,7 @@ TEST_F(LinkedRecordOfUsers, IsNotFollowedThroughASecondLinkOfAnotherUser) {
     EXPECT_EQ(file_content(target_), "dear diary");
 }
 
-TEST_F(LinkedRecordOfUsers, IsFollowedByItsOwnerAndByThirdUsersOnlyIfItIsRoots) {
+TEST_F(LinkedConfigFileOfUsers, IsFollowedByItsOwnerAndByAllIfRootOwnsIt) {
     fs::create_symlink(target_, record_path());
     EXPECT_EQ(init_as(kThirdUser), 1);
     give_link(record_path(), kAnotherUser);

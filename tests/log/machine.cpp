@@ -26,7 +26,7 @@ namespace {
 std::optional<TemporaryDirectory> home_directory;
 bool private_machine = false;
 
-// Root may do without a user namespace; others need one in which they stay who they are.
+// Root needs no user namespace; others need one that maps them to themselves.
 bool enter_mount_namespace() {
     if (unshare(CLONE_NEWNS) == 0) return true;
     const std::string uid = std::to_string(getuid());
@@ -57,7 +57,7 @@ bool run_alone(const std::string& test_case) {
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-// With more than one case selected, runs each in a process of its own and ends this one.
+// If several cases are selected, runs each in a separate process and exits.
 class OneProcessPerCase : public ::testing::Environment {
   public:
     void SetUp() override {
@@ -83,7 +83,7 @@ class OneProcessPerCase : public ::testing::Environment {
     }
 };
 
-// Of the process that runs the case.
+// In the process that runs the case.
 class OwnHome : public ::testing::Environment {
   public:
     void SetUp() override {

@@ -1,7 +1,7 @@
-// The machine as a test of the logging client sees it: an empty HOME of its own, and, where the
-// kernel allows a private mount namespace, an empty /var/log of its own.
+// The environment of a test of the logging client: a temporary empty HOME and, if the kernel allows
+// a private mount namespace, an empty /var/log.
 //
-// The client settles its files once per process, so each test case runs in a process of its own.
+// The client caches its paths, so each test case runs in a separate process.
 #pragma once
 
 #include <set>
@@ -16,12 +16,12 @@ const std::string& home();
 // Its ".QUOClient", which exists.
 std::string client_directory();
 
-// Where the shared record lies, and its bytes.
+// The path of the settings file, and its content.
 std::string record_path();
 std::string record_bytes();
 
-// Puts a new, empty file system over a directory that only this process sees. False when the
-// kernel refuses.
+// Mounts an empty file system over a directory, visible only to this process. False if the kernel
+// refuses.
 bool cover(const std::string& directory);
 
 // Whether /var/log is private and empty.

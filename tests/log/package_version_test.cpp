@@ -48,7 +48,7 @@ TEST_F(PackageVersion, MayBeEmpty) {
     EXPECT_STREQ(GetTarnPackageversion(), "");
 }
 
-TEST_F(PackageVersion, IsCutTo31Characters) {
+TEST_F(PackageVersion, IsTruncatedTo31Characters) {
     write_version_file("ID_VERSION=" + std::string(40, '1') + "\n");
     EXPECT_EQ(GetTarnPackageversion(), std::string(31, '1'));
 }
@@ -83,12 +83,12 @@ TEST_F(PackageVersion, IsUnknownWithoutItsDirectory) {
     EXPECT_STREQ(GetTarnPackageversion(), "unknown");
 }
 
-TEST_F(PackageVersion, IsUnknownWhenItsFileIsADirectory) {
+TEST_F(PackageVersion, IsUnknownIfItsFileIsADirectory) {
     fs::create_directory(root_ + "/pkginf/Ver.core.linuxx64");
     EXPECT_STREQ(GetTarnPackageversion(), "unknown");
 }
 
-TEST_F(PackageVersion, IsUnknownWhenItsFileCannotBeOpened) {
+TEST_F(PackageVersion, IsUnknownIfItsFileCannotBeOpened) {
     fs::create_symlink("/nowhere", root_ + "/pkginf/Ver.core.linuxx64");
     EXPECT_STREQ(GetTarnPackageversion(), "unknown");
 }
@@ -98,7 +98,7 @@ TEST_F(PackageVersion, ComesFromAnyFileWhoseNameContainsThePattern) {
     EXPECT_STREQ(GetTarnPackageversion(), "1.2.3");
 }
 
-TEST_F(PackageVersion, IsKept) {
+TEST_F(PackageVersion, IsCached) {
     write_version_file("ID_VERSION=1.2.3\n");
     const char* const version = GetTarnPackageversion();
     write_version_file("ID_VERSION=4\n");
@@ -106,7 +106,7 @@ TEST_F(PackageVersion, IsKept) {
     EXPECT_STREQ(version, "1.2.3");
 }
 
-TEST_F(PackageVersion, IsKeptWhenUnknownToo) {
+TEST_F(PackageVersion, IsCachedEvenIfUnknown) {
     GetTarnPackageversion();
     write_version_file("ID_VERSION=4\n");
     EXPECT_STREQ(GetTarnPackageversion(), "unknown");

@@ -44,7 +44,7 @@ void expect_no_paths() {
     EXPECT_STREQ(GetSocketFilePath(), "");
 }
 
-TEST(PerUserPaths, LieBelowHomeWithADoubleSlash) { expect_per_user_paths(home()); }
+TEST(PerUserPaths, FollowHomeWithADoubleSlash) { expect_per_user_paths(home()); }
 
 class AnyPath : public testing::TestWithParam<const char* (*)()> {};
 
@@ -53,7 +53,7 @@ TEST_P(AnyPath, CreatesTheLogDirectory) {
     EXPECT_TRUE(fs::is_directory(home() + "/.QUOClient/logs"));
 }
 
-TEST_P(AnyPath, IsKept) {
+TEST_P(AnyPath, IsCached) {
     const char* const path = GetParam()();
     const std::string text = path;
     setenv("HOME", "/nowhere", 1);
@@ -79,7 +79,7 @@ TEST_P(AnyPath, IsTheSameForAllThreads) {
 INSTANTIATE_TEST_SUITE_P(Paths, AnyPath,
                          testing::Values(&GetConfigFilePath, &GetLogFilePath, &GetSocketFilePath));
 
-TEST(PerUserPaths, AllLieBelowTheHomeOfTheFirst) {
+TEST(PerUserPaths, UseTheHomeOfTheFirstCall) {
     GetLogFilePath();
     const std::string first = home();
     setenv("HOME", (home() + "/other").c_str(), 1);
@@ -94,7 +94,7 @@ TEST(PerUserPaths, CreateTheLogDirectoryWithAllItsParents) {
     EXPECT_TRUE(fs::is_directory(deep + "/.QUOClient/logs"));
 }
 
-TEST(PerUserPaths, CreateTheLogDirectoryAsTheUmaskAllows) {
+TEST(PerUserPaths, CreateTheLogDirectoryWithTheUmask) {
     umask(0027);
     GetConfigFilePath();
     struct stat status {};
@@ -102,24 +102,24 @@ TEST(PerUserPaths, CreateTheLogDirectoryAsTheUmaskAllows) {
     EXPECT_EQ(status.st_mode & 07777U, 0750U);
 }
 
-TEST(PerUserPaths, UseALogDirectoryThatIsThere) {
+TEST(PerUserPaths, UseAnExistingLogDirectory) {
     fs::create_directories(home() + "/.QUOClient/logs");
     expect_per_user_paths(home());
 }
 
-TEST(PerUserPaths, AreEmptyWhenTheLogDirectoryCannotBeCreated) {
+TEST(PerUserPaths, AreEmptyIfTheLogDirectoryCannotBeCreated) {
     kestrel::testing::write_file(home() + "/.QUOClient", "not a directory");
     expect_no_paths();
     fs::remove(home() + "/.QUOClient");
     expect_no_paths();
 }
 
-TEST(PerUserPaths, AreEmptyWhenAParentIsADanglingLink) {
+TEST(PerUserPaths, AreEmptyIfAParentIsADanglingLink) {
     fs::create_symlink("/nowhere/at/all", home() + "/.QUOClient");
     expect_no_paths();
 }
 
-TEST(PerUserPaths, LieInTheHomeOfThePasswordEntryWithoutHOME) {
+TEST(PerUserPaths, UseThePasswordEntryWithoutHOME) {
     const std::string entry_home = getpwuid(getuid())->pw_dir;
     if (!kestrel::testing::has_private_machine() || !kestrel::testing::cover(entry_home)) {
         GTEST_SKIP() << "the real home directory would be written to";
@@ -145,9 +145,9 @@ class MissingHome : public testing::Test {
     }
 };
 
-TEST_F(MissingHome, LeavesThePathsEmpty) { expect_no_paths(); }
+TEST_F(MissingHome, MakesPathsEmpty) { expect_no_paths(); }
 
-TEST_F(MissingHome, IsNotRememberedOnceHOMEIsSet) {
+TEST_F(MissingHome, IsNotCached) {
     expect_no_paths();
     setenv("HOME", home().c_str(), 1);
     expect_per_user_paths(home());
@@ -155,7 +155,7 @@ TEST_F(MissingHome, IsNotRememberedOnceHOMEIsSet) {
     expect_per_user_paths(home());
 }
 
-TEST_F(MissingHome, LeavesTheSettingsToALaterStart) {
+TEST_F(MissingHome, AllowsSettingsAtALaterStart) {
     EXPECT_EQ(ZynLogInitConfigOnly(), 0);
     ZynLogShutdown();
     setenv("HOME", home().c_str(), 1);
@@ -192,7 +192,7 @@ TEST_F(SystemLogDirectory, IsNotUsedByOthers) {
     if (!IsSkipped()) expect_per_user_paths(home());
 }
 
-TEST_F(SystemLogDirectory, IsUsedByOthersWhenADaemonAnswersThere) {
+TEST_F(SystemLogDirectory, IsUsedByOthersIfADaemonListensThere) {
     give_to_another_user();
     if (IsSkipped()) return;
     const FakeDaemon daemon(kSocket);
@@ -200,7 +200,7 @@ TEST_F(SystemLogDirectory, IsUsedByOthersWhenADaemonAnswersThere) {
     EXPECT_TRUE(daemon.accept().is_closed());
 }
 
-TEST_F(SystemLogDirectory, IsNotUsedByOthersWhenItsSocketIsStale) {
+TEST_F(SystemLogDirectory, IsNotUsedByOthersIfItsSocketIsStale) {
     give_to_another_user();
     if (IsSkipped()) return;
     { const FakeDaemon gone(kSocket); }
@@ -208,7 +208,7 @@ TEST_F(SystemLogDirectory, IsNotUsedByOthersWhenItsSocketIsStale) {
     expect_per_user_paths(home());
 }
 
-TEST_F(SystemLogDirectory, IsNotUsedWhenItIsAFile) {
+TEST_F(SystemLogDirectory, IsNotUsedIfItIsAFile) {
     fs::remove("/var/log/veltrane");
     kestrel::testing::write_file("/var/log/veltrane", "");
     expect_per_user_paths(home());
@@ -220,7 +220,7 @@ TEST_F(SystemLogDirectory, IsDecidedOnceForAllPaths) {
     expect_system_wide_paths();
 }
 
-TEST_F(SystemLogDirectory, IsNotTakenUpLater) {
+TEST_F(SystemLogDirectory, IsIgnoredIfItAppearsLater) {
     fs::remove("/var/log/veltrane");
     GetSocketFilePath();
     fs::create_directory("/var/log/veltrane");
@@ -235,7 +235,7 @@ TEST_F(SystemLogDirectory, LeavesNoProbeOpen) {
     EXPECT_EQ(kestrel::testing::open_descriptors(), before);
 }
 
-TEST_F(SystemLogDirectory, HoldsTheSettingsAndTheDaemon) {
+TEST_F(SystemLogDirectory, ContainsSettingsAndSocket) {
     const FakeDaemon daemon(kSocket);
     ZynLogInit();
     EXPECT_NE(daemon.accept().read_message(), "");

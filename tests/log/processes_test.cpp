@@ -1,4 +1,4 @@
-// Several processes, and several threads, at once.
+// Concurrent processes and threads.
 
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -25,7 +25,7 @@ using kestrel::testing::DaemonConnection;
 using kestrel::testing::FakeDaemon;
 using kestrel::testing::u16_at;
 
-// Another process that logs a line, "1", "2", ..., at INFO whenever it is told to.
+// Another process that logs the lines "1", "2", ... at INFO on request.
 class OtherProcess {
   public:
     OtherProcess() {
@@ -41,7 +41,7 @@ class OtherProcess {
     OtherProcess(const OtherProcess&) = delete;
     OtherProcess& operator=(const OtherProcess&) = delete;
 
-    // Gives back once the line has been through the client.
+    // Returns after the client has handled the line.
     void log_a_line() {
         char byte = 0;
         ASSERT_EQ(write(commands_[1], &byte, 1), 1);
@@ -65,7 +65,7 @@ class OtherProcess {
     pid_t pid_ = -1;
 };
 
-TEST(TwoProcesses, ShareTheLevelsAtOnce) {
+TEST(TwoProcesses, ShareLevelsImmediately) {
     const FakeDaemon daemon;
     OtherProcess other;
     DaemonConnection connection = daemon.accept();
@@ -89,7 +89,7 @@ TEST(TwoProcesses, ShareTheLevelsAtOnce) {
 constexpr int kThreads = 8;
 constexpr int kLinesPerThread = 500;
 
-// Lengths up to the longest text, so that records of every size meet.
+// Lengths up to the maximum, so that records of every size are mixed.
 std::string line_text(int thread, int line) {
     const auto length = static_cast<std::size_t>(line * 8'191 / kLinesPerThread);
     std::string text = std::to_string(thread) + " " + std::to_string(line) + " ";
@@ -97,7 +97,7 @@ std::string line_text(int thread, int line) {
     return text;
 }
 
-TEST(EightThreads, LoseNothingAndTearNoRecord) {
+TEST(EightThreads, LoseAndTearNoRecord) {
     const FakeDaemon daemon;
     ZynLogInit();
     DaemonConnection connection = daemon.accept();
@@ -130,7 +130,7 @@ TEST(EightThreads, LoseNothingAndTearNoRecord) {
     EXPECT_EQ(next_line.size(), 8U);
 }
 
-TEST(EightThreads, ComeToNoHarmWhenTheDaemonGoes) {
+TEST(EightThreads, AreSafeIfTheDaemonCloses) {
     signal(SIGPIPE, SIG_IGN);
     const FakeDaemon daemon;
     ZynLogInit();
@@ -151,7 +151,7 @@ TEST(EightThreads, ComeToNoHarmWhenTheDaemonGoes) {
     connection.read_message();
     connection.hang_up();
     for (std::thread& thread : threads) thread.join();
-    // The number that the link had is free for others, and no line goes there.
+    // The descriptor's number is free for reuse, and no line is written to it.
     std::array<int, 2> pipe_ends{};
     ASSERT_EQ(pipe(pipe_ends.data()), 0);
     __ZynTrace(kLogWebkit, kestrel::kError, "", "", 0, "to syslog");
@@ -159,7 +159,7 @@ TEST(EightThreads, ComeToNoHarmWhenTheDaemonGoes) {
     EXPECT_EQ(poll(&waiting, 1, 0), 0);
 }
 
-TEST(EightThreads, ComeToNoHarmWhenTheSettingsChange) {
+TEST(EightThreads, AreSafeWhileSettingsChange) {
     ZynLogInit();
     std::vector<std::thread> threads;
     for (int thread = 0; thread < kThreads; ++thread) {
@@ -178,8 +178,8 @@ TEST(EightThreads, ComeToNoHarmWhenTheSettingsChange) {
     EXPECT_EQ(flags, 0x00ff'062fU);
 }
 
-// The process may be on its way out while a thread still logs.
-TEST(EightThreads, ComeToNoHarmDuringAShutdown) {
+// A thread may still log while the process exits.
+TEST(EightThreads, AreSafeDuringAShutdown) {
     const FakeDaemon daemon;
     ZynLogInit();
     DaemonConnection connection = daemon.accept();

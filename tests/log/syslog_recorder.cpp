@@ -1,4 +1,5 @@
-// Fortified builds call other entry points, whose inline callers would stand in the way here.
+// Fortified builds call other functions, whose inline callers would conflict with these
+// definitions.
 #undef _FORTIFY_SOURCE
 
 #include "tests/log/syslog_recorder.h"
@@ -16,7 +17,7 @@ namespace {
 constinit std::mutex lock;
 std::vector<std::string> recorded;
 
-// As a real syslog may, it changes errno.
+// Changes errno, as a real syslog may.
 void record(std::string call) {
     const std::scoped_lock own(lock);
     recorded.push_back(std::move(call));

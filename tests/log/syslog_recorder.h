@@ -1,4 +1,4 @@
-// Stands in for the C library's syslog in the test program.
+// Replaces the C library's syslog in the test program.
 #pragma once
 
 #include <string>

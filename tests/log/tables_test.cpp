@@ -23,7 +23,7 @@ static_assert(sizeof(LogClassRecord) == 68);
 static_assert(offsetof(LogClassRecord, displayName) == 32);
 static_assert(offsetof(LogClassRecord, parent) == 64);
 
-TEST_F(Tables, HaveTheEightLevels) {
+TEST_F(Tables, HaveEightLevels) {
     const std::array<std::array<const char*, 2>, 8> levels{{
         {"INHERIT", "Inherited"},
         {"VERBOSE", "Verbose"},
@@ -77,13 +77,13 @@ TEST_F(Tables, MarkTheOtherClassesAsReserved) {
     }
 }
 
-TEST_F(Tables, NameEveryClassDifferently) {
+TEST_F(Tables, HaveUniqueClassNames) {
     std::set<std::string> names;
     for (std::uint32_t index = 0; index < 60; ++index) names.insert(ZynLogGetClassName(index));
     EXPECT_EQ(names.size(), 60U);
 }
 
-TEST_F(Tables, LeadFromEveryClassToTheRoot) {
+TEST_F(Tables, ConnectEveryClassToTheRoot) {
     for (std::uint32_t index = 0; index < 60; ++index) {
         std::uint32_t at = index;
         for (int steps = 0; steps < 60 && at != 0; ++steps) at = ZynLogGetParent(at);

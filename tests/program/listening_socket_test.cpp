@@ -28,7 +28,7 @@ class ListeningSocketTest : public ::testing::Test {
   protected:
     void listen() { socket.emplace(path, "somebody is there"); }
 
-    // Whether a connection that is made arrives.
+    // Whether a new connection is accepted.
     bool is_reached() const {
         const FileDescriptor client = connect_to(path.c_str());
         return client.is_open() && socket->accept().is_open();
@@ -39,7 +39,7 @@ class ListeningSocketTest : public ::testing::Test {
     std::optional<ListeningSocket> socket;
 };
 
-TEST_F(ListeningSocketTest, GivesConnectionsUntilThereAreNone) {
+TEST_F(ListeningSocketTest, AcceptsPendingConnections) {
     listen();
     const FileDescriptor first = connect_to(path.c_str());
     const FileDescriptor second = connect_to(path.c_str());
@@ -49,7 +49,7 @@ TEST_F(ListeningSocketTest, GivesConnectionsUntilThereAreNone) {
     EXPECT_EQ(errno, EAGAIN);
 }
 
-TEST_F(ListeningSocketTest, LeavesNothingBehind) {
+TEST_F(ListeningSocketTest, RemovesItsFile) {
     const std::size_t before = open_descriptors();
     listen();
     EXPECT_TRUE(is_reached());
@@ -58,41 +58,41 @@ TEST_F(ListeningSocketTest, LeavesNothingBehind) {
     EXPECT_FALSE(fs::exists(path));
 }
 
-TEST_F(ListeningSocketTest, IsItsUsersAlone) {
+TEST_F(ListeningSocketTest, IsPrivateToItsUser) {
     const mode_t previous = umask(0);
     listen();
     umask(previous);
     EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_all);
 }
 
-TEST_F(ListeningSocketTest, ReplacesTheSocketOfAListenerThatHasGone) {
+TEST_F(ListeningSocketTest, ReplacesAStaleSocket) {
     { const ListeningHost gone(path); }
     ASSERT_TRUE(fs::is_socket(path));
     listen();
     EXPECT_TRUE(is_reached());
 }
 
-TEST_F(ListeningSocketTest, LeavesALivingListenerAlone) {
+TEST_F(ListeningSocketTest, RejectsAnAddressInUse) {
     const ListeningHost living(path);
     EXPECT_THAT([this] { listen(); }, ThrowsMessage<AddressInUse>("somebody is there"));
     EXPECT_TRUE(fs::is_socket(path));
 }
 
-TEST_F(ListeningSocketTest, LeavesAListenerAloneWhoseQueueIsFull) {
+TEST_F(ListeningSocketTest, RejectsAnAddressInUseWhoseQueueIsFull) {
     const ListeningHost living(path, 0);
     const FileDescriptor waiting = connect_to(path.c_str());
     EXPECT_THAT([this] { listen(); }, Throws<AddressInUse>());
     EXPECT_TRUE(fs::is_socket(path));
 }
 
-TEST_F(ListeningSocketTest, LeavesAFileThatIsNoSocketAlone) {
+TEST_F(ListeningSocketTest, KeepsOtherFiles) {
     std::ofstream(path) << "text";
     EXPECT_THAT([this] { listen(); },
                 ThrowsMessage<std::runtime_error>(EndsWith("is not a socket")));
     EXPECT_EQ(fs::file_size(path), 4U);
 }
 
-TEST_F(ListeningSocketTest, LeavesALinkAloneAndWhatItPointsTo) {
+TEST_F(ListeningSocketTest, KeepsLinksAndTheirTargets) {
     const std::string beside = directory.path() + "/beside";
     { const ListeningHost gone(beside); }
     fs::create_symlink(beside, path);
@@ -102,7 +102,7 @@ TEST_F(ListeningSocketTest, LeavesALinkAloneAndWhatItPointsTo) {
     EXPECT_TRUE(fs::is_socket(beside));
 }
 
-TEST_F(ListeningSocketTest, LeavesASocketThatHasTakenItsPlace) {
+TEST_F(ListeningSocketTest, KeepsASocketThatReplacedIts) {
     listen();
     fs::remove(path);
     const ListeningHost another(path);
@@ -110,7 +110,7 @@ TEST_F(ListeningSocketTest, LeavesASocketThatHasTakenItsPlace) {
     EXPECT_TRUE(fs::exists(path));
 }
 
-TEST_F(ListeningSocketTest, MayHaveAPathThatFillsItsAddressAndNoLonger) {
+TEST_F(ListeningSocketTest, AcceptsPathsUpToTheAddressSize) {
     const std::string longest = path + std::string(107 - path.size(), 'p');
     EXPECT_NO_THROW(ListeningSocket(longest, ""));
     EXPECT_THAT([&] { ListeningSocket(longest + "p", ""); },

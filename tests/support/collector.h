@@ -3,13 +3,12 @@
 
 #include <JavaScriptCore/JavaScript.h>
 
-// The one way to collect garbage before going on; declared in no public header.
+// Collects garbage synchronously; declared in no public header.
 extern "C" void JSSynchronousGarbageCollectForDebugging(JSContextRef context);
 
 namespace kestrel::testing {
 
-// The thread sanitizer keeps back the signals with which the collector stops threads: it may wait
-// for ever.
+// The thread sanitizer delays the signals with which the collector stops threads: it may deadlock.
 #ifdef __SANITIZE_THREAD__
 inline constexpr bool kCollectorMayRun = false;
 #else

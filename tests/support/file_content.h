@@ -6,7 +6,7 @@
 
 namespace kestrel::testing {
 
-// All bytes of a file; none if it cannot be read.
+// The content of a file; empty if it cannot be read.
 inline std::string file_content(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};

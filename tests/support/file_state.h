@@ -5,8 +5,8 @@
 
 namespace kestrel::testing {
 
-// Kind, mode, owner, size, times and content of what lies there, as text: what would show that
-// somebody has touched it. "nothing" where nothing is.
+// Type, mode, owner, size, times and content of a file as text, which differs after any change to
+// it; "nothing" if there is no file.
 std::string state_of(const std::filesystem::path& path);
 
 }  // namespace kestrel::testing

@@ -1,5 +1,7 @@
 #include "tests/support/frame_bytes.h"
 
+#include <array>
+#include <cstring>
 #include <span>
 
 namespace kestrel::testing {
@@ -33,6 +35,21 @@ std::string frame_bytes(int type, std::initializer_list<std::string_view> ints,
 std::string bytes_text(const webkit_message& frame) {
     const std::span<const char> bytes = bytes_of(frame);
     return {bytes.begin(), bytes.end()};
+}
+
+std::vector<ReceivedFrame> take_frames(std::string& bytes) {
+    std::vector<ReceivedFrame> frames;
+    std::array<int, 4> header{};
+    std::size_t at = 0;
+    while (bytes.size() - at >= sizeof header) {
+        std::memcpy(header.data(), bytes.data() + at, sizeof header);
+        const std::size_t size = sizeof header + static_cast<std::size_t>(header[3]);
+        if (bytes.size() - at < size) break;
+        frames.push_back({header[0], bytes.substr(at + sizeof header, size - sizeof header)});
+        at += size;
+    }
+    bytes.erase(0, at);
+    return frames;
 }
 
 }  // namespace kestrel::testing

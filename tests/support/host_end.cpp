@@ -4,6 +4,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <array>
+#include <cerrno>
 #include <cstring>
 
 namespace kestrel::testing {
@@ -16,8 +18,9 @@ bool is_readable(int fd, int milliseconds) {
 std::string HostEnd::read(std::size_t size) const {
     std::string bytes(size, '\0');
     std::size_t filled = 0;
-    while (filled < size && is_readable(fd_, 10'000)) {
-        const ssize_t got = ::read(fd_, bytes.data() + filled, size - filled);
+    while (filled < size && is_readable(fd())) {
+        const ssize_t got = recv(fd(), bytes.data() + filled, size - filled, 0);
+        if (got == -1 && errno == EINTR) continue;
         if (got <= 0) break;
         filled += static_cast<std::size_t>(got);
     }
@@ -33,19 +36,22 @@ std::string HostEnd::read_frame() const {
     return bytes + read(static_cast<std::size_t>(length));
 }
 
-bool HostEnd::is_quiet() const { return !is_readable(fd_, 0); }
-
-void HostEnd::write(std::string_view bytes) const {
-    while (!bytes.empty()) {
-        const ssize_t written = send(fd_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-        if (written <= 0) return;
-        bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
+std::string HostEnd::read_available() const {
+    std::array<char, 65'536> piece;
+    const ssize_t got = recv(fd(), piece.data(), piece.size(), MSG_DONTWAIT);
+    return {piece.data(), got > 0 ? static_cast<std::size_t>(got) : 0};
 }
 
-void HostEnd::hang_up() {
-    if (fd_ != -1) close(fd_);
-    fd_ = -1;
+bool HostEnd::is_quiet() const { return !is_readable(fd(), 0); }
+
+bool HostEnd::write(std::string_view bytes) const {
+    while (!bytes.empty()) {
+        const ssize_t written = send(fd(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        if (written == -1 && errno == EINTR) continue;
+        if (written <= 0) return false;
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
 }
 
 }  // namespace kestrel::testing

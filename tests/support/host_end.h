@@ -4,37 +4,42 @@
 #include <string>
 #include <string_view>
 
+#include "base/file_descriptor.h"
+#include "tests/support/wait_until.h"
+
 namespace kestrel::testing {
 
-// Waits so long at most for bytes to read, a connection or an end.
-bool is_readable(int fd, int milliseconds);
+// Waits for bytes to read, for a connection or for the end of the stream; false if none comes.
+bool is_readable(int fd, int milliseconds = kPatience);
 
-// The host's end of one connection. Reading waits ten seconds at most and then gives what there
-// is.
+// The host's end of one connection, blocking. Reading waits for at most kPatience and then returns
+// the bytes that have come.
 class HostEnd {
   public:
-    // Takes over the descriptor.
-    explicit HostEnd(int fd) : fd_(fd) {}
-    ~HostEnd() { hang_up(); }
-    HostEnd(const HostEnd&) = delete;
-    HostEnd& operator=(const HostEnd&) = delete;
+    // Takes over the connected socket.
+    explicit HostEnd(int fd) : socket_(fd) {}
 
     // Exactly `size` bytes, fewer only if they do not come.
     std::string read(std::size_t size) const;
 
-    // One frame: header and the payload that it announces.
+    // One frame: the header and the payload that it announces.
     std::string read_frame() const;
 
-    // Whether nothing waits to be read.
+    // All that can be read without blocking; nothing at the end of the stream.
+    std::string read_available() const;
+
+    // Whether nothing can be read at the moment.
     bool is_quiet() const;
 
-    void write(std::string_view bytes) const;
-    void hang_up();
+    // False when the connection has failed.
+    bool write(std::string_view bytes) const;
 
-    int fd() const { return fd_; }
+    void hang_up() { socket_ = FileDescriptor(); }
+
+    int fd() const { return socket_.get(); }
 
   private:
-    int fd_;
+    FileDescriptor socket_;
 };
 
 }  // namespace kestrel::testing

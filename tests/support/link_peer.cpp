@@ -12,7 +12,7 @@
 namespace kestrel::testing {
 namespace {
 
-// Makes the pair, gives the link its end and returns the host's.
+// Creates the pair, assigns one end to the link and returns the host's.
 int connect_link() {
     std::array<int, 2> pair{};
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, pair.data()) == -1) {

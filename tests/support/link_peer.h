@@ -5,8 +5,7 @@
 
 namespace kestrel::testing {
 
-// The host's end of a connected socket pair, whose other end is webkit_client::server_fd for its
-// lifetime.
+// The host's end of a socket pair; the other end is webkit_client::server_fd during its lifetime.
 class LinkPeer : public HostEnd {
   public:
     LinkPeer();

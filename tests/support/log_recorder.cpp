@@ -8,10 +8,11 @@
 #include <mutex>
 
 #include "log/zynlog.h"
+#include "tests/support/wait_until.h"
 
 namespace {
 
-// Never destroyed: a detached reader may log while the test program leaves.
+// Never destroyed: a detached reader may log while the test program exits.
 struct Record {
     std::mutex lock;
     std::condition_variable changed;
@@ -67,7 +68,7 @@ void clear_log() {
 
 bool wait_for_log(const std::string& text) {
     std::unique_lock guard(record().lock);
-    return record().changed.wait_for(guard, std::chrono::seconds(10), [&] {
+    return record().changed.wait_for(guard, std::chrono::milliseconds(kPatience), [&] {
         return std::ranges::any_of(record().lines,
                                    [&](const LogLine& line) { return line.text == text; });
     });

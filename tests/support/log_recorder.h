@@ -1,4 +1,4 @@
-// A logging client that keeps its lines, so that a test can see what the code under test logged.
+// A logging client that keeps its lines, so that a test can check what the code under test logs.
 #pragma once
 
 #include <cstdint>
@@ -15,15 +15,14 @@ struct LogLine {
     friend bool operator==(const LogLine&, const LogLine&) = default;
 };
 
-// The lines of this level and higher ones logged since the last clear_log, of all threads, in
-// order.
+// The lines at this level or above that all threads have logged since the last clear_log, in order.
 std::vector<LogLine> logged(int lowest_level = 1);
 void clear_log();
 
-// Waits until a line with this text has been logged, ten seconds at most; false if none was.
+// Waits until a line with this text has been logged; false if none has in time.
 bool wait_for_log(const std::string& text);
 
-// How often ZynLogShutdown was called since clear_log.
+// Calls of ZynLogShutdown since clear_log.
 int log_shutdowns();
 
 }  // namespace kestrel::testing

@@ -2,25 +2,22 @@
 
 #include <glib.h>
 
+#include "tests/support/wait_until.h"
+
 namespace kestrel::testing {
 namespace {
 
-constexpr gint64 kPatience = 30 * G_TIME_SPAN_SECOND;
-
-// Some conditions change without an event of this process: they are looked at this often.
+// Conditions outside this process change without an event: they are checked at this interval.
 constexpr guint kTickMilliseconds = 20;
 
 }  // namespace
 
 bool run_main_loop_until(const std::function<bool()>& condition) {
-    const gint64 deadline = g_get_monotonic_time() + kPatience;
     const guint tick = g_timeout_add(
         kTickMilliseconds, [](void*) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
-    while (!condition() && g_get_monotonic_time() < deadline) {
-        g_main_context_iteration(nullptr, TRUE);
-    }
+    const bool holds = wait_until(condition, [] { g_main_context_iteration(nullptr, TRUE); });
     g_source_remove(tick);
-    return condition();
+    return holds;
 }
 
 void run_main_loop_until_idle() {

@@ -4,11 +4,10 @@
 
 namespace kestrel::testing {
 
-// Runs the default main context until `condition` holds; false when it did not within thirty
-// seconds.
+// wait_until, which runs the default main context meanwhile.
 bool run_main_loop_until(const std::function<bool()>& condition);
 
-// Runs the default main context until nothing is left to do at once.
+// Dispatches all sources of the default main context that are ready.
 void run_main_loop_until_idle();
 
 }  // namespace kestrel::testing

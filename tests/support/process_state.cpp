@@ -1,15 +1,15 @@
 #include "tests/support/process_state.h"
 
-#include <sched.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <mutex>
 #include <string>
 #include <thread>
+
+#include "tests/support/wait_until.h"
 
 namespace kestrel::testing {
 namespace {
@@ -22,12 +22,12 @@ std::size_t entries_of(const std::string& directory) {
     return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
 }
 
-// The thread sanitizer starts one of its own along with the program's first, and keeps it. A joined
+// The thread sanitizer starts a thread of its own along with the program's first one. A joined
 // thread stays listed for a moment.
 void start_first_thread() {
     pid_t first = 0;
     std::thread([&first] { first = gettid(); }).join();
-    comes_true([first] {
+    wait_until([first] {
         return !std::filesystem::exists(std::string(kThreads) + std::to_string(first));
     });
 }
@@ -55,15 +55,6 @@ bool is_blocked_in(pid_t thread, long system_call) {
     std::ifstream file("/proc/" + std::to_string(thread) + "/syscall");
     long number = -1;
     return file >> number && number == system_call;
-}
-
-bool comes_true(const std::function<bool()>& condition) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) return false;
-        sched_yield();
-    }
-    return true;
 }
 
 }  // namespace kestrel::testing

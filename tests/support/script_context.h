@@ -6,7 +6,7 @@
 
 namespace kestrel::testing {
 
-// A JavaScriptCore context of its own, for its lifetime.
+// A new JavaScriptCore context.
 class ScriptContext {
   public:
     ScriptContext();
@@ -17,13 +17,13 @@ class ScriptContext {
     JSGlobalContextRef get() const { return context_; }
     JSObjectRef global() const { return JSContextGetGlobalObject(context_); }
 
-    // The value of `script`; null if it throws, which sets `exception`.
+    // The result of `script`; null if it throws, which sets `exception`.
     JSValueRef evaluate(const std::string& script, JSValueRef& exception) const;
 
-    // A value as script would show it.
+    // A value converted to a string by script.
     std::string text_of(JSValueRef value) const;
 
-    // The value of `script` as text; "threw " and the exception if it throws.
+    // The result of `script` as text; "threw " and the exception if it throws.
     std::string text_of(const std::string& script) const;
 
   private:

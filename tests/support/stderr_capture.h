@@ -4,7 +4,7 @@
 
 namespace kestrel::testing {
 
-// Takes over standard error, at the descriptor, for its lifetime.
+// Captures what this process and its new children write to descriptor 2 during its lifetime.
 class StderrCapture {
   public:
     StderrCapture();
@@ -12,7 +12,7 @@ class StderrCapture {
     StderrCapture(const StderrCapture&) = delete;
     StderrCapture& operator=(const StderrCapture&) = delete;
 
-    // Everything written so far.
+    // All text so far.
     std::string text() const;
 
   private:

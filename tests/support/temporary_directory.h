@@ -4,7 +4,7 @@
 
 namespace kestrel::testing {
 
-// A new directory of its own under the system's temporary directory, removed with all it holds.
+// A new directory in the system's temporary directory, removed with its content.
 class TemporaryDirectory {
   public:
     TemporaryDirectory();

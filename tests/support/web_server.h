@@ -11,17 +11,17 @@
 
 namespace kestrel::testing {
 
-// A web server on this machine that says, byte for byte, what the test tells it to.
+// A local web server that responds with exactly the bytes that the test provides.
 class WebServer {
   public:
     struct Saying {
         Saying(std::string said, bool is_all = true) : bytes(std::move(said)), hangs_up(is_all) {}
 
         std::string bytes;
-        bool hangs_up;  // or leaves the connection open and says no more
+        bool hangs_up;  // or keeps the connection open without writing more
     };
 
-    // Called on the server's thread. A request has all its bytes, body included.
+    // Called on the server's thread with a complete request, body included.
     using Answer = std::function<Saying(const std::string& request)>;
 
     explicit WebServer(Answer answer);
@@ -31,7 +31,7 @@ class WebServer {
 
     std::string url(const std::string& path = "/") const;
 
-    // What has been asked so far.
+    // All requests so far.
     std::vector<std::string> requests() const;
 
   private:

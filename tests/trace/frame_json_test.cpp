@@ -8,6 +8,7 @@
 #include <ctime>
 
 #include "ipc/frame.h"
+#include "ipc/frame_builder.h"
 #include "tests/trace/json_object.h"
 #include "trace/time_text.h"
 
@@ -25,7 +26,7 @@ std::string json_of(int type, std::span<const int> ints, std::span<const std::st
     return frame_json(kTime, direction, 42, *build_frame(type, ints, strings));
 }
 
-TEST(MessageJson, IsOneObjectWithFieldsInThisOrder) {
+TEST(FrameJson, IsOneObjectWithOrderedFields) {
     EXPECT_EQ(json_of(21, std::array{255, -3}, std::array<std::string_view, 2>{"a", ""}),
               R"({"time":"2026-11-21T13:03:59.000021Z","pid":42,"direction":"to-host",)"
               R"("type":21,"name":"recolorImage","length":10,"ints":[255,-3],"strings":["a",""]})");
@@ -37,14 +38,14 @@ TEST(MessageJson, IsOneObjectWithFieldsInThisOrder) {
               R"("type":1,"name":null,"length":0,"ints":[],"strings":[]})");
 }
 
-TEST(MessageJson, EscapesTextAsJsonDoes) {
+TEST(FrameJson, EscapesText) {
     const std::array<std::string_view, 1> text{"\"\\/\n\x01\x1f\x7fGr\xc3\xbc\xc3\x9f"};
     const std::string json = json_of(5, {}, text);
     EXPECT_THAT(json, ::testing::HasSubstr(R"(["\"\\/\u000a\u0001\u001f)"
                                            "\x7fGr\xc3\xbc\xc3\x9f\"]"));
 }
 
-TEST(MessageJson, GivesEveryByteOfEveryItemBack) {
+TEST(FrameJson, PreservesEveryByteOfEveryItem) {
     std::string all;
     for (int byte = 1; byte < 128; ++byte) all += static_cast<char>(byte);
     const std::string wild = all + "\xff\x80\xc3";
@@ -57,7 +58,7 @@ TEST(MessageJson, GivesEveryByteOfEveryItemBack) {
     EXPECT_THAT(json.strings("strings"), ElementsAreArray(strings));
 }
 
-TEST(MessageJson, KeepsAPayloadThatDoesNotDecode) {
+TEST(FrameJson, KeepsAnUndecodablePayload) {
     const Frame frame = build_frame(5, std::array{7}, std::array<std::string_view, 1>{"ab"});
     payload_begin(*frame)[4] = 'c';  // the last item's NUL
     const std::string text = frame_json(kTime, Direction::from_page, 42, *frame);
@@ -70,12 +71,12 @@ TEST(MessageJson, KeepsAPayloadThatDoesNotDecode) {
     EXPECT_EQ(json.bytes("payload"), std::string("7\0abc", 5));
 }
 
-TEST(MessageJson, SaysHowManyMessagesAreMissing) {
+TEST(FrameJson, TellsTheNumberOfDroppedFrames) {
     EXPECT_EQ(dropped_json(kTime, 42, 3),
               R"({"time":"2026-11-21T13:03:59.000021Z","pid":42,"dropped":3})");
 }
 
-TEST(TraceTime, TheClockOnTheWallIsInTheTimeZoneOfTheProcess) {
+TEST(TimeText, LocalTimeUsesTheTimeZoneOfTheProcess) {
     setenv("TZ", "EAST-02:30", 1);
     tzset();
     EXPECT_EQ(local_time(kTime), "15:33:59.000021");

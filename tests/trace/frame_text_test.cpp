@@ -5,6 +5,7 @@
 #include <array>
 
 #include "ipc/frame.h"
+#include "ipc/frame_builder.h"
 
 namespace kestrel::testing {
 namespace {
@@ -15,7 +16,7 @@ std::string text_of(int type, std::span<const int> ints,
     return frame_text(direction, pid, *build_frame(type, ints, std::vector(strings)));
 }
 
-TEST(MessageText, ShowsDirectionProcessTypeNameAndItems) {
+TEST(FrameText, ShowsDirectionProcessTypeNameAndItems) {
     EXPECT_EQ(text_of(19, {}, {"key", "value", ""}),
               "<-      42  19 setItem \"key\" \"value\" \"\"");
     EXPECT_EQ(text_of(21, std::array{255, -3, 0}, {"a", "b"}),
@@ -25,20 +26,20 @@ TEST(MessageText, ShowsDirectionProcessTypeNameAndItems) {
     EXPECT_EQ(text_of(6, {}, {}, Direction::from_page, 0), "<-       ?   6 logoff");
 }
 
-TEST(MessageText, NamesATypeByItsDirection) {
+TEST(FrameText, NamesATypeByItsDirection) {
     EXPECT_EQ(text_of(1, {}, {}, Direction::from_page), "<-      42   1 (unknown)");
     EXPECT_EQ(text_of(34, {}, {}, Direction::to_page), "->      42  34 resourcesAndUrl");
     EXPECT_EQ(text_of(-2147483647 - 1, {}, {}), "<-      42 -2147483648 (unknown)");
 }
 
-TEST(MessageText, SaysThatItemsDoNotFit) {
+TEST(FrameText, ReportsItemsThatDoNotFit) {
     const Frame frame = build_frame(5, {}, std::array<std::string_view, 1>{"ab"});
     payload_begin(*frame)[2] = 'c';  // the item's NUL
     EXPECT_EQ(frame_text(Direction::from_page, 42, *frame),
               "<-      42   5 sendAction (items do not fit the header)");
 }
 
-TEST(MessageText, ShowsSixteenItemsAndCountsTheRest) {
+TEST(FrameText, ShowsSixteenItemsAndCountsTheRest) {
     const std::array ints{1, 2};
     std::string all = "<-      42   5 sendAction 1 2";
     for (int i = 0; i < 14; ++i) all += " \"x\"";
@@ -51,7 +52,9 @@ TEST(MessageText, ShowsSixteenItemsAndCountsTheRest) {
     EXPECT_EQ(with_strings(20), all + " ... 6 more items");
 }
 
-TEST(MessageText, ANoteHasNoDirection) { EXPECT_EQ(note_text(42, "a note"), "--      42 a note"); }
+TEST(FrameText, FormatsNotesWithoutDirection) {
+    EXPECT_EQ(note_text(42, "a note"), "--      42 a note");
+}
 
 }  // namespace
 }  // namespace kestrel::testing

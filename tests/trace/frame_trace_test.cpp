@@ -56,12 +56,12 @@ class FrameTraceDeathTest : public ::testing::Test {
     std::string path = directory.path() + "/trace";
 };
 
-TEST_F(FrameTraceDeathTest, PrintsNothingUnlessAskedTo) {
+TEST_F(FrameTraceDeathTest, PrintsNothingByDefault) {
     EXPECT_EXIT(converse(nullptr), ExitedWithCode(0), StrEq(""));
     EXPECT_EXIT(converse(""), ExitedWithCode(0), StrEq(""));
 }
 
-TEST_F(FrameTraceDeathTest, PrintsTheFramesOfBothDirectionsInTheirOrder) {
+TEST_F(FrameTraceDeathTest, PrintsFramesOfBothDirectionsInOrder) {
     EXPECT_EXIT(
         converse("1"), ExitedWithCode(0),
         MatchesRegex(kTimePattern + " <- +([0-9]+)  61 announce [0-9]+\n" +  //
@@ -98,20 +98,20 @@ TEST_F(FrameTraceDeathTest, AppendsJsonLinesToAFile) {
     EXPECT_NE(objects[4].integer("pid"), objects[0].integer("pid"));
 }
 
-TEST_F(FrameTraceDeathTest, OnlyTheOwnerMayReadTheFile) {
+TEST_F(FrameTraceDeathTest, CreatesAFileThatOnlyItsOwnerMayRead) {
     EXPECT_EXIT(converse(path.c_str()), ExitedWithCode(0), StrEq(""));
     struct stat status {};
     ASSERT_EQ(stat(path.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777U, 0600U);
 }
 
-TEST_F(FrameTraceDeathTest, AFileThatCannotBeOpenedIsOneErrorLine) {
+TEST_F(FrameTraceDeathTest, ReportsAFileThatCannotBeOpened) {
     path = directory.path() + "/missing/trace";
     EXPECT_EXIT(converse(path.c_str()), ExitedWithCode(0),
                 StrEq("Could not write the trace file " + path + ": No such file or directory\n"));
 }
 
-TEST_F(FrameTraceDeathTest, AFileThatCannotBeWrittenIsOneErrorLine) {
+TEST_F(FrameTraceDeathTest, ReportsAFileThatCannotBeWritten) {
     EXPECT_EXIT(converse("/dev/full"), ExitedWithCode(0),
                 StrEq("Could not write the trace file /dev/full: No space left on device\n"));
 }
@@ -132,7 +132,7 @@ TEST_F(FrameTraceDeathTest, HasWrittenAllFramesWhenTheProcessExits) {
     EXPECT_THAT(objects.back().strings("strings"), ElementsAre("4999"));
 }
 
-TEST_F(FrameTraceDeathTest, ShowsTheFrameThatAHostThatHasGoneDidNotGet) {
+TEST_F(FrameTraceDeathTest, PrintsAFrameWhoseSendFails) {
     EXPECT_EXIT(
         {
             TracedLink host("1");
@@ -173,7 +173,7 @@ std::array<int, 2> full_pipe() {
     std::exit(0);
 }
 
-TEST_F(FrameTraceDeathTest, StandardErrorThatNobodyReadsDoesNotDelayFrames) {
+TEST_F(FrameTraceDeathTest, DoesNotWaitForStandardError) {
     EXPECT_EXIT(
         {
             dup2(full_pipe()[1], STDERR_FILENO);
@@ -182,13 +182,13 @@ TEST_F(FrameTraceDeathTest, StandardErrorThatNobodyReadsDoesNotDelayFrames) {
         ExitedWithCode(0), "");
 }
 
-TEST_F(FrameTraceDeathTest, AFifoThatNobodyHasOpenedIsOneErrorLine) {
+TEST_F(FrameTraceDeathTest, ReportsAFifoWithoutReader) {
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
     EXPECT_EXIT(converse(path.c_str()), ExitedWithCode(0),
                 StrEq("Could not write the trace file " + path + ": No such device or address\n"));
 }
 
-TEST_F(FrameTraceDeathTest, AFifoThatNobodyReadsDoesNotDelayFrames) {
+TEST_F(FrameTraceDeathTest, DoesNotWaitForAFifo) {
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
     const int reader = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     EXPECT_EXIT(send_many(TracedLink(path.c_str())), ExitedWithCode(0), StrEq(""));
@@ -205,7 +205,7 @@ TEST_F(FrameTraceDeathTest, AFifoThatNobodyReadsDoesNotDelayFrames) {
     send_many(host);
 }
 
-TEST_F(FrameTraceDeathTest, AReaderThatClosesEndsOnlyTheTrace) {
+TEST_F(FrameTraceDeathTest, EndsWhenTheReaderOfStandardErrorCloses) {
     EXPECT_EXIT(lose_the_trace_reader(), ExitedWithCode(0), "");
 }
 
@@ -237,7 +237,7 @@ std::string drain(int fd) {
     std::exit(is_told && text.find("\"the last\"\n") != std::string::npos ? 0 : 1);
 }
 
-TEST_F(FrameTraceDeathTest, TellsHowManyFramesItDropped) {
+TEST_F(FrameTraceDeathTest, CountsDroppedFrames) {
     EXPECT_EXIT(fill_the_trace(), ExitedWithCode(0), "");
 }
 

@@ -17,7 +17,8 @@ test('its version is that of the project', () => {
 test('a page in a project that has installed it is compiled with it', (t) => {
   const directory = mkdtempSync(join(tmpdir(), 'kestrel-types-'));
   t.after(() => rmSync(directory, {recursive: true}));
-  const [{filename}] = JSON.parse(npm(directory, 'pack', source, '--json'));
+  npm(directory, 'pack', source);
+  const filename = readdirSync(directory).find((name) => name.endsWith('.tgz'));
   writeFileSync(join(directory, 'package.json'), '{}');
   npm(directory, 'install', `./${filename}`);
   const name = 'kestrel-store-page-types';

@@ -1,6 +1,6 @@
-// Preloaded into WebKit's web process, gives it an alarm every millisecond, whose handler restarts
-// no system call. The kernel would give them all to the main thread: each is passed on to every
-// other one. The file $HOME/alarms counts them.
+// Preloaded into WebKit's web process, sends it SIGALRM every millisecond; the handler does not
+// restart system calls. The kernel would signal the main thread only, so each alarm is forwarded to
+// all other threads. The file $HOME/alarms counts them.
 #include <dirent.h>
 #include <fcntl.h>
 #include <semaphore.h>

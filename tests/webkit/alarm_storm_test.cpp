@@ -12,10 +12,13 @@
 namespace kestrel::testing {
 namespace {
 
-// Before main, and so before there are threads.
-[[gnu::constructor]] void preload() { setenv("LD_PRELOAD", ALARM_STORM, 1); }
+// Before main, and so before there are threads. A path in LD_PRELOAD may have no blanks.
+[[gnu::constructor]] void preload() {
+    setenv("LD_LIBRARY_PATH", ALARM_STORM_DIRECTORY, 1);
+    setenv("LD_PRELOAD", ALARM_STORM, 1);
+}
 
-// How many have come so far.
+// Alarms so far.
 std::uint64_t alarms() {
     std::uint64_t count = 0;
     std::ifstream(std::string(g_get_home_dir()) + "/alarms", std::ios::binary)
@@ -27,7 +30,7 @@ bool more_alarms_come(std::uint64_t more) {
     return run_main_loop_until([enough = alarms() + more] { return alarms() >= enough; });
 }
 
-// Some four megabytes, no two parts alike.
+// Four megabytes without repetition.
 std::string large_text(int round) {
     static const std::string numbers = [] {
         std::string text;
@@ -40,7 +43,7 @@ std::string large_text(int round) {
 constexpr const char* kLargeText =
     "window.text = round => round + ' ' + Array.from({length: 600000}, (_, i) => i).join(' ')";
 
-class AlarmStormTest : public ConnectedStoreTest {
+class AlarmStorm : public ConnectedStoreTest {
   protected:
     void SetUp() override {
         ConnectedStoreTest::SetUp();
@@ -48,7 +51,7 @@ class AlarmStormTest : public ConnectedStoreTest {
         store.evaluate(kLargeText);
     }
 
-    // Script that sets an item to a text, so many times over.
+    // Script that sets an item to `times` copies of a text.
     static std::string set_item(int round, int times) {
         return "setTimeout(() => external.setItem('key', text(" + std::to_string(round) +
                ").repeat(" + std::to_string(times) + "), 'done'), 0)";
@@ -71,8 +74,8 @@ class AlarmStormTest : public ConnectedStoreTest {
     }
 };
 
-// Each is more than the socket holds, so that the page waits in the middle of it.
-TEST_F(AlarmStormTest, ValuesOfThePageArriveWhole) {
+// Each is larger than the socket buffer: the page blocks in the middle of it.
+TEST_F(AlarmStorm, DeliversLargeCalls) {
     for (int round = 0; round < 5; ++round) {
         host.forget_frames();
         host.pause();
@@ -85,8 +88,8 @@ TEST_F(AlarmStormTest, ValuesOfThePageArriveWhole) {
     EXPECT_FALSE(store.process_has_gone());
 }
 
-// Together they are more than the socket holds, so that the page waits to send the next one.
-TEST_F(AlarmStormTest, ShortValuesOfThePageAllArrive) {
+// Together they are larger than the socket buffer: the page blocks between two of them.
+TEST_F(AlarmStorm, DeliversManySmallCalls) {
     constexpr int kItems = 400;
     const std::string value(30'000, 'v');
     host.pause();
@@ -103,8 +106,8 @@ TEST_F(AlarmStormTest, ShortValuesOfThePageAllArrive) {
     EXPECT_FALSE(store.process_has_gone());
 }
 
-// The reader waits in the middle of each.
-TEST_F(AlarmStormTest, AnswersOfTheHostArriveWhole) {
+// The reader blocks in the middle of each.
+TEST_F(AlarmStorm, DeliversLargeAnswers) {
     for (int round = 0; round < 5; ++round) {
         host.forget_frames();
         const std::string bytes = frame_bytes(1, {}, {answer(round)});
@@ -116,8 +119,8 @@ TEST_F(AlarmStormTest, AnswersOfTheHostArriveWhole) {
     EXPECT_FALSE(store.process_has_gone());
 }
 
-// The page waits in the middle of its own, and the reader in the middle of the host's.
-TEST_F(AlarmStormTest, ValuesBothWaysAtOnceArriveWhole) {
+// The page and the reader both block in the middle of a frame.
+TEST_F(AlarmStorm, DeliversBothDirectionsAtOnce) {
     for (int round = 0; round < 3; ++round) {
         host.forget_frames();
         host.pause();

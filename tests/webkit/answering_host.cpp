@@ -1,136 +1,103 @@
-// A host in a process of its own: answering-host SOCKET RECORD. Serves web processes one after the
-// other and appends each frame to the file RECORD. It answers setItem by calling the page's
-// `answered` with the item's key, and sendAction with many answers, which call `answered` with 0, 1
-// and so on: "flood COUNT" writes them as fast as the socket takes them, "split COUNT" pauses
-// within each header until the web process has read what there is.
+// A host as a program: answering-host SOCKET RECORD. Prints a line when it listens, serves one web
+// process at a time and appends each frame to the file RECORD. It answers setItem by calling the
+// page's `answered` with the item's key, and sendAction with many answers, which call `answered`
+// with 0, 1 and so on: "flood COUNT" writes as much as the socket takes, and more when the web
+// process has read that; "split COUNT" waits within each header until the first part has been read.
 #include <linux/sockios.h>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <string>
-#include <string_view>
 
 #include "tests/support/frame_bytes.h"
+#include "tests/support/listening_host.h"
 
+namespace kestrel::testing {
 namespace {
 
 constexpr int kSetItem = 19;
 constexpr int kSendAction = 5;
 constexpr std::size_t kHeader = 16;
-
-// Being stopped cuts reads and writes short, as a signal does.
-bool read_whole(int fd, char* to, std::size_t size) {
-    while (size > 0) {
-        const ssize_t got = recv(fd, to, size, 0);
-        if (got == -1 && errno == EINTR) continue;
-        if (got <= 0) return false;
-        to += got;
-        size -= static_cast<std::size_t>(got);
-    }
-    return true;
-}
-
-bool write_whole(int fd, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t sent = send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-        if (sent == -1 && errno == EINTR) continue;
-        if (sent <= 0) return false;
-        bytes.remove_prefix(static_cast<std::size_t>(sent));
-    }
-    return true;
-}
+constexpr int kForever = -1;
 
 std::string answer_with(const std::string& key) {
-    return kestrel::testing::frame_bytes(1, {}, {"(() => answered(" + key + "))"});
+    return frame_bytes(1, {}, {"(() => answered(" + key + "))"});
 }
 
-// As a host with a main loop: never waits in a write, and goes on with what the socket did not take
-// and what has been queued meanwhile.
-bool flood(int fd, int count) {
-    std::string queue;
-    for (int key = 0; key < count || !queue.empty();) {
-        if (key < count) queue += answer_with(std::to_string(key++));
-        const ssize_t sent = send(fd, queue.data(), queue.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
-        if (sent > 0) queue.erase(0, static_cast<std::size_t>(sent));
-        if (sent == -1 && errno == EAGAIN && (queue.size() > 100'000 || key == count)) {
-            pollfd writable{fd, POLLOUT, 0};
-            poll(&writable, 1, -1);
-        } else if (sent == -1 && errno != EAGAIN && errno != EINTR) {
-            return false;
-        }
-    }
-    return true;
-}
-
-// The kernel announces nothing when the peer has read.
+// The kernel has no event for this.
 void wait_until_read(int fd) {
     constexpr int kMillisecond = 1;
     int unread = 1;
     while (ioctl(fd, SIOCOUTQ, &unread) == 0 && unread > 0) poll(nullptr, 0, kMillisecond);
 }
 
-bool split(int fd, int count) {
-    for (int key = 0; key < count; ++key) {
-        const std::string answer = answer_with(std::to_string(key));
-        const std::size_t size = static_cast<std::size_t>(key) % (kHeader - 1) + 1;
-        if (!write_whole(fd, answer.substr(0, size))) return false;
-        wait_until_read(fd);
-        if (!write_whole(fd, answer.substr(size))) return false;
+// As a host with a main loop, never blocks in a write. It has more to write than the socket takes,
+// so the kernel splits its writes at any byte.
+bool flood(int fd, int count) {
+    constexpr std::size_t kQueued = 400'000;
+    std::string queue;
+    for (int key = 0; key < count || !queue.empty();) {
+        while (key < count && queue.size() < kQueued) queue += answer_with(std::to_string(key++));
+        const ssize_t sent = send(fd, queue.data(), queue.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+        if (sent == -1 && errno != EAGAIN && errno != EINTR) return false;
+        if (sent > 0) queue.erase(0, static_cast<std::size_t>(sent));
+        if (!queue.empty()) wait_until_read(fd);
     }
     return true;
 }
 
-bool answer(int fd, int type, const std::string& text) {
-    if (type == kSetItem) return write_whole(fd, answer_with(text));
-    if (type == kSendAction && text.starts_with("flood "))
-        return flood(fd, std::stoi(text.substr(6)));
-    if (type == kSendAction && text.starts_with("split "))
-        return split(fd, std::stoi(text.substr(6)));
+bool split(const HostEnd& client, int count) {
+    for (int key = 0; key < count; ++key) {
+        const std::string answer = answer_with(std::to_string(key));
+        const std::size_t size = static_cast<std::size_t>(key) % (kHeader - 1) + 1;
+        if (!client.write(answer.substr(0, size))) return false;
+        wait_until_read(client.fd());
+        if (!client.write(answer.substr(size))) return false;
+    }
     return true;
 }
 
-void serve(int fd, std::FILE* record) {
-    std::array<int, 4> header{};
-    std::string frame;
+bool answer(const HostEnd& client, int type, const std::string& text) {
+    if (type == kSetItem) return client.write(answer_with(text));
+    if (type == kSendAction && text.starts_with("flood ")) {
+        return flood(client.fd(), std::stoi(text.substr(6)));
+    }
+    if (type == kSendAction && text.starts_with("split ")) {
+        return split(client, std::stoi(text.substr(6)));
+    }
+    return true;
+}
+
+void serve(const HostEnd& client, std::FILE* record) {
     for (;;) {
-        if (!read_whole(fd, reinterpret_cast<char*>(header.data()), sizeof header)) return;
-        frame.resize(sizeof header + static_cast<std::size_t>(header[3]));
-        std::memcpy(frame.data(), header.data(), sizeof header);
-        if (!read_whole(fd, frame.data() + sizeof header, frame.size() - sizeof header)) return;
+        is_readable(client.fd(), kForever);
+        const std::string frame = client.read_frame();
+        if (frame.size() < kHeader) return;
         std::fwrite(frame.data(), 1, frame.size(), record);
         std::fflush(record);
-        if (!answer(fd, header[0], frame.c_str() + sizeof header)) return;
+        int type = 0;
+        std::memcpy(&type, frame.data(), sizeof type);
+        if (!answer(client, type, frame.c_str() + kHeader)) return;
     }
 }
 
 }  // namespace
+}  // namespace kestrel::testing
 
 int main(int argc, char** argv) {
+    using namespace kestrel::testing;
     if (argc != 3) return 2;
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    // Takes its name when it listens: whoever sees it can connect.
-    const std::string unfinished = std::string(argv[1]) + ".new";
-    unfinished.copy(address.sun_path, sizeof address.sun_path - 1);
-    const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const ListeningHost host(argv[1]);
     std::FILE* const record = std::fopen(argv[2], "ae");
-    if (record == nullptr ||
-        bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address) == -1 ||
-        listen(listener, 8) == -1 || std::rename(unfinished.c_str(), argv[1]) == -1) {
-        std::perror(argv[1]);
-        return 1;
-    }
+    if (record == nullptr) return 1;
+    std::puts("listening");
+    std::fflush(stdout);
     for (;;) {
-        const int client = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
-        if (client == -1) continue;
-        serve(client, record);
-        close(client);
+        is_readable(host.fd(), kForever);
+        serve(host.accept(), record);
     }
 }

@@ -1,17 +1,21 @@
-// What a page finds: `external` on the main frame, and ZYNS once for each hand-over of resources.
+// Objects that the extension adds to pages: `external` in the main frame, and ZYNS in the page that
+// follows a resources message.
 #include "tests/webkit/store_fixture.h"
 
 namespace kestrel::testing {
 namespace {
 
-TEST_F(ConnectedStoreTest, GivesTheMainFrameItsThirtyFunctions) {
+using Attachment = ConnectedStoreTest;
+using AttachmentAtStart = StoreTest;
+
+TEST_F(Attachment, AddsThirtyFunctionsToTheMainFrame) {
     EXPECT_EQ(store.evaluate("(() => { let count = 0; for (const name in external)"
                              " count += typeof external[name] === 'function'; return count })()"),
               "30");
     EXPECT_EQ(store.evaluate("String(external)"), "[object JSAPI]");
 }
 
-TEST_F(ConnectedStoreTest, GivesOtherFramesNothing) {
+TEST_F(Attachment, AddsNothingToSubframes) {
     store.load("<iframe srcdoc='<p>inner</p>'></iframe>");
     ASSERT_TRUE(store.wait_for("frames[0].document.body !== null"));
     EXPECT_EQ(store.evaluate("typeof frames[0].external"), "undefined");
@@ -19,25 +23,25 @@ TEST_F(ConnectedStoreTest, GivesOtherFramesNothing) {
     EXPECT_EQ(store.evaluate("typeof external.getItem"), "function");
 }
 
-TEST_F(ConnectedStoreTest, KeepsTheMainFrameCurrentWhenAnotherFrameLoads) {
+TEST_F(Attachment, RunsScriptsInTheMainFrameAfterASubframeLoads) {
     store.load("<iframe srcdoc='<p>inner</p>'></iframe>");
     ASSERT_TRUE(store.wait_for("frames[0].document.body !== null"));
     host.send(0, {"window.reached = true"});
     EXPECT_TRUE(store.wait_for("window.reached === true"));
 }
 
-TEST_F(ConnectedStoreTest, HandsTheResourcesToTheFirstPage) {
+TEST_F(Attachment, GivesResourcesToTheFirstPage) {
     EXPECT_EQ(store.evaluate("ZYNS.getResources().greeting"), "hello");
     EXPECT_EQ(store.evaluate("ZYNS.getLocale()"), "en-gb,en;q=0.5");
 }
 
-TEST_F(ConnectedStoreTest, ConsumesTheResourcesWithTheFirstPage) {
+TEST_F(Attachment, GivesResourcesToOnePageOnly) {
     store.reload();
     EXPECT_EQ(store.evaluate("typeof external.getItem"), "function");
     EXPECT_EQ(store.evaluate("typeof window.ZYNS"), "undefined");
 }
 
-TEST_F(ConnectedStoreTest, HandsNewResourcesToTheNextPage) {
+TEST_F(Attachment, GivesNewResourcesToTheNextPage) {
     host.send(34, {"file:///next", "{greeting: 'again'}"});
     ASSERT_TRUE(host.wait_for(35));
     EXPECT_EQ(host.frames(35)[0].payload, std::string("file:///next") + '\0');
@@ -46,7 +50,7 @@ TEST_F(ConnectedStoreTest, HandsNewResourcesToTheNextPage) {
     EXPECT_EQ(store.evaluate("ZYNS.getResources().greeting"), "again");
 }
 
-TEST_F(StoreTest, RunsNoScriptForEmptyResources) {
+TEST_F(AttachmentAtStart, AddsNoZynsForEmptyResources) {
     host.listen();
     StoreView store("", "");
     store.load("");
@@ -55,7 +59,7 @@ TEST_F(StoreTest, RunsNoScriptForEmptyResources) {
     EXPECT_EQ(store.evaluate("typeof window.ZYNS"), "undefined");
 }
 
-TEST_F(StoreTest, StartsWithoutUserData) {
+TEST_F(AttachmentAtStart, StartsWithoutUserData) {
     host.listen();
     StoreView store(nullptr);
     store.load("");
@@ -63,7 +67,7 @@ TEST_F(StoreTest, StartsWithoutUserData) {
     EXPECT_EQ(store.evaluate("typeof external.getItem"), "function");
 }
 
-TEST_F(StoreTest, StartsWithUserDataOfAnotherType) {
+TEST_F(AttachmentAtStart, StartsWithUserDataOfAnotherType) {
     host.listen();
     StoreView store(g_variant_new_int32(7));
     store.load("");
@@ -71,7 +75,7 @@ TEST_F(StoreTest, StartsWithUserDataOfAnotherType) {
     EXPECT_EQ(store.evaluate("typeof window.ZYNS"), "undefined");
 }
 
-TEST_F(ConnectedStoreTest, SendsAPageCallToTheHost) {
+TEST_F(Attachment, SendsAPageCallToTheHost) {
     EXPECT_EQ(store.evaluate("String(external.getCapabilities('f', 'g'))"), "undefined");
     ASSERT_TRUE(host.wait_for(2));
     EXPECT_EQ(host.frames(2)[0].payload, std::string("g\0f\0", 4));

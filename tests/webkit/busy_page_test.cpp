@@ -1,5 +1,5 @@
-// Pages whose main thread is always busy: the host's scripts and answers arrive all the same, and a
-// flood of them leaves the page its frames.
+// Pages whose main thread is always busy: scripts and answers of the host still run, and a flood of
+// them does not stop the page's animation frames.
 #include <string>
 #include <thread>
 
@@ -17,7 +17,7 @@ struct Load {
     }
 };
 
-// `busy(ms)` keeps the main thread busy; each load calls it again as soon as it can.
+// `busy(ms)` keeps the main thread busy; each load calls it again as soon as possible.
 constexpr const char* kBusy =
     "busy = ms => { for (const end = performance.now() + ms; performance.now() < end;); };"
     "frames = ms => { busy(ms); requestAnimationFrame(() => frames(ms)) };"
@@ -37,7 +37,7 @@ class BusyPage : public ConnectedStoreTest, public ::testing::WithParamInterface
     }
 };
 
-TEST_P(BusyPage, GetsScriptsAndAnswersInOrder) {
+TEST_P(BusyPage, ReceivesScriptsAndAnswersInOrder) {
     constexpr int kTurns = 20;
     for (int turn = 0; turn < kTurns; ++turn) {
         const std::string number = std::to_string(turn);
@@ -51,7 +51,7 @@ TEST_P(BusyPage, GetsScriptsAndAnswersInOrder) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, BusyPage,
+INSTANTIATE_TEST_SUITE_P(Loads, BusyPage,
                          ::testing::Values(Load{"FramesOf8msAndTimers", "frames(8); timers(8)"},
                                            Load{"FramesOf16ms", "frames(16)"},
                                            Load{"FramesOf30msAndTimers", "frames(30); timers(1)"},
@@ -84,13 +84,9 @@ class Flood : public ConnectedStoreTest {
     }
 };
 
-TEST_F(Flood, OfAnswersThatTakeLongLeavesThePageItsFrames) {
-    EXPECT_GE(rate_during("() => busy(5)", 200), 10);
-}
+TEST_F(Flood, SlowAnswersKeepAnimationFrames) { EXPECT_GE(rate_during("() => busy(5)", 200), 10); }
 
-TEST_F(Flood, OfEmptyAnswersLeavesThePageItsFrames) {
-    EXPECT_GE(rate_during("() => 0", 100'000), 10);
-}
+TEST_F(Flood, EmptyAnswersKeepAnimationFrames) { EXPECT_GE(rate_during("() => 0", 100'000), 10); }
 
 TEST_F(ConnectedStoreTest, RunsMicrotasksOfAnAnswerBeforeTheNextOne) {
     store.evaluate(

@@ -1,5 +1,5 @@
-// Pages whose policies forbid or watch script made from text: what the host sends is trusted and
-// takes no part in that.
+// Pages whose policies forbid or watch script made from text: they do not apply to the host, which
+// is trusted.
 #include <algorithm>
 #include <string>
 
@@ -23,7 +23,7 @@ struct Policy {
 
 class ContentPolicy : public ConnectedStoreTest, public ::testing::WithParamInterface<Policy> {
   protected:
-    // Loads a page with the policy and the resources, which tells when its policies are asked.
+    // Loads a page with the policy and the resources, which counts calls of its policies.
     void SetUp() override {
         ConnectedStoreTest::SetUp();
         host.send(34, {server.url(), "{greeting: 'hello'}"});
@@ -51,8 +51,7 @@ class ContentPolicy : public ConnectedStoreTest, public ::testing::WithParamInte
                "<title>policy</title>";
     }
 
-    // Violations are reported by tasks of their own: one that is made on purpose comes after any
-    // other.
+    // Violations are reported asynchronously, in order: a deliberate one is reported last.
     void expect_no_report() {
         store.evaluate("before = asked; try { eval('1') } catch {} 0");
         EXPECT_TRUE(store.wait_for("asked > before"));
@@ -72,18 +71,18 @@ class ContentPolicy : public ConnectedStoreTest, public ::testing::WithParamInte
     WebServer server{[](const std::string&) { return WebServer::Saying(page()); }};
 };
 
-TEST_P(ContentPolicy, LeavesThePageItsResources) {
+TEST_P(ContentPolicy, DoesNotBlockResources) {
     EXPECT_EQ(store.evaluate("ZYNS.getResources().greeting"), "hello");
     expect_no_report();
 }
 
-TEST_P(ContentPolicy, LetsScriptsRun) {
+TEST_P(ContentPolicy, DoesNotBlockScripts) {
     host.send(0, {"const title = 'script'; document.title = title"});
     EXPECT_TRUE(store.wait_for("document.title === 'script'"));
     expect_no_report();
 }
 
-TEST_P(ContentPolicy, LetsAnswersRun) {
+TEST_P(ContentPolicy, DoesNotBlockAnswers) {
     store.evaluate("answers = 0; answer = () => { ++answers }; 0");
     for (int i = 0; i < 5; ++i) host.send(1, {"answer"});
     host.send(1, {"(() => (() => answer())())"});
@@ -93,7 +92,7 @@ TEST_P(ContentPolicy, LetsAnswersRun) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Of, ContentPolicy,
+    Policies, ContentPolicy,
     ::testing::Values(
         Policy{"HeaderForbidsScripts", "script-src 'none'", Place::header},
         Policy{"HeaderForbidsAll", "default-src 'none'", Place::header},

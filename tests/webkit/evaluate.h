@@ -7,8 +7,8 @@
 
 namespace kestrel::testing {
 
-// The text of what `script` gives in the view's page, "error: ..." if it throws; "" if nothing has
-// come when `is_hopeless` holds. Runs the main loop meanwhile.
+// Runs `script` in the view's page and the main loop until the result is there. Returns the result
+// as text, "error: ..." if the script throws, or "" if `is_hopeless` holds first.
 std::string evaluate(
     WebKitWebView* view, const std::string& script,
     const std::function<bool()>& is_hopeless = [] { return false; });

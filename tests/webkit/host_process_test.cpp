@@ -1,4 +1,4 @@
-// A host in a process of its own that is stopped and resumed, or killed, while a page calls it.
+// A host in another process that is stopped and resumed, or killed, while a page calls it.
 #include "tests/webkit/host_process.h"
 
 #include <cstdlib>
@@ -6,15 +6,15 @@
 #include <optional>
 #include <string>
 
-#include "tests/support/process_state.h"
 #include "tests/support/stderr_capture.h"
+#include "tests/support/wait_until.h"
 #include "tests/webkit/store_fixture.h"
 #include "tests/webkit/web_process.h"
 
 namespace kestrel::testing {
 namespace {
 
-// Some 14 MB in frames of many sizes, more than the socket holds.
+// 14 MB in frames of many sizes, more than the socket buffers.
 constexpr std::size_t kCalls = 1'400;
 constexpr std::size_t kRounds = 4;
 constexpr int kStopsARound = 20;
@@ -28,7 +28,7 @@ class HostProcessTest : public ::testing::Test {
         connect();
     }
 
-    // Has the page find a new host.
+    // Starts a host and connects a page to it.
     void connect() {
         host.emplace(directory);
         store.load("<title>store</title>");
@@ -41,14 +41,14 @@ class HostProcessTest : public ::testing::Test {
             "; ++key) external.setItem(key, 'v'.repeat(key * 37 % 20011), 'done') }, 0)");
     }
 
-    // Begins kCalls calls with a host that stands still, and returns when the page waits for it.
+    // Begins kCalls calls to a stopped host, and returns when the page is blocked.
     void call_and_wait(std::size_t from) {
         host->stop();
         store.evaluate("call(" + std::to_string(from) + ")");
         ASSERT_TRUE(page_waits_for_host(announced(*host)));
     }
 
-    // The page checks the order of the host's answers and tells of every ten thousandth.
+    // The page checks the order of the host's answers and reports every ten thousandth.
     void expect_answers(const std::string& action, std::size_t count) {
         constexpr std::size_t kStep = 10'000;
         const std::string all = std::to_string(count);
@@ -71,14 +71,14 @@ class HostProcessTest : public ::testing::Test {
     std::optional<HostProcess> host;
 };
 
-TEST_F(HostProcessTest, LosesNothingAndKeepsTheOrderWhenItIsStoppedAndResumedAmidCallsAndAnswers) {
+TEST_F(HostProcessTest, ReceivesAllCallsInOrderAcrossStops) {
     for (std::size_t round = 0; round < kRounds; ++round) {
         const std::size_t all = (round + 1) * kCalls;
         ASSERT_NO_FATAL_FAILURE(call_and_wait(round * kCalls));
         for (int stop = 0; stop < kStopsARound && host->frames(19).size() < all; ++stop) {
             const std::size_t taken = host->bytes();
             host->resume();
-            ASSERT_TRUE(comes_true([&] { return host->bytes() > taken; }));
+            ASSERT_TRUE(wait_until([&] { return host->bytes() > taken; }));
             host->stop();
         }
         host->resume();
@@ -101,16 +101,14 @@ std::size_t flood_size() {
     return wanted == nullptr ? 30'000 : std::stoul(wanted);
 }
 
-TEST_F(HostProcessTest, KeepsTheLinkWhenTheKernelSplitsTheWritesOfAFlood) {
-    expect_answers("flood", flood_size());
-}
+TEST_F(HostProcessTest, DeliversAFloodOfAnswers) { expect_answers("flood", flood_size()); }
 
-TEST_F(HostProcessTest, KeepsTheLinkWhenHeadersComeInTwoPieces) { expect_answers("split", 300); }
+TEST_F(HostProcessTest, DeliversAnswersWithSplitHeaders) { expect_answers("split", 300); }
 
-TEST_F(HostProcessTest, EndsTheWebProcessWhoseCallItLeavesHalfTakenAndServesTheNextOne) {
+TEST_F(HostProcessTest, EndsTheWebProcessWhenKilledInTheMiddleOfACall) {
     ASSERT_NO_FATAL_FAILURE(call_and_wait(0));
     const pid_t first = announced(*host);
-    host->die();
+    host->kill();
     ASSERT_TRUE(run_main_loop_until([this] { return store.process_has_gone(); }));
     connect();
     EXPECT_NE(announced(*host), first);

@@ -1,5 +1,5 @@
-// A page that means trouble: whatever it does, the web process lives, the host gets whole messages
-// and nothing else, and the next page works.
+// Hostile pages: the web process survives, the host receives only complete messages, and the next
+// page works.
 #include <gtest/gtest.h>
 
 #include "tests/webkit/store_fixture.h"
@@ -9,7 +9,7 @@ namespace {
 
 struct Trick {
     const char* name;
-    const char* script;  // in the page; ends by calling external.sendAction('done'), or the page
+    const char* script;  // ends with external.sendAction('done')
 
     friend std::ostream& operator<<(std::ostream& stream, const Trick& trick) {
         return stream << trick.name;
@@ -18,7 +18,7 @@ struct Trick {
 
 class HostilePage : public ConnectedStoreTest, public ::testing::WithParamInterface<Trick> {};
 
-TEST_P(HostilePage, HarmsNobody) {
+TEST_P(HostilePage, DoesNotBreakTheLink) {
     store.evaluate("setTimeout(() => { " + std::string(GetParam().script) + " }, 0)");
     ASSERT_TRUE(host.wait_for_text(5, "done"));
     EXPECT_FALSE(store.process_has_gone());
@@ -30,7 +30,7 @@ TEST_P(HostilePage, HarmsNobody) {
     EXPECT_TRUE(store.wait_for("document.title === 'reached'"));
 }
 
-// Each of these ends in a conversion that runs the page's script in the middle of a call.
+// Most of these run the page's script in the middle of a call, when an argument is converted.
 constexpr const char* kThrowing =
     "external.setItem({toString() { throw 1 }}, {toString() { throw {toString() { throw 2 }} }},"
     "                 Symbol()); external.sendAction('done')";
@@ -95,8 +95,9 @@ INSTANTIATE_TEST_SUITE_P(
                       Trick{"Frames", kFrames}, Trick{"Workers", kWorkers}),
     [](const auto& trick) { return trick.param.name; });
 
-// What the host delivers may do the same.
-TEST_F(ConnectedStoreTest, AnswersThatReloadTheirPageHarmNobody) {
+using HostileAnswer = ConnectedStoreTest;
+
+TEST_F(HostileAnswer, MayReloadItsPage) {
     for (int i = 0; i < 5; ++i) {
         host.send(1, {"(() => location.reload())"});
         host.send(0, {"document.open(); document.write('<title>new</title>'); document.close()"});

@@ -1,4 +1,4 @@
-// Hosts that come late, leave early or stop reading.
+// Hosts that start late, end early or stop reading.
 #include <filesystem>
 
 #include "tests/support/stderr_capture.h"
@@ -10,7 +10,10 @@ namespace {
 
 using ::testing::HasSubstr;
 
-TEST_F(StoreTest, FindsAHostThatListensLate) {
+using Host = StoreTest;
+using ConnectedHost = ConnectedStoreTest;
+
+TEST_F(Host, MayStartLate) {
     StoreView store;
     store.load("");
     ASSERT_EQ(store.evaluate("typeof external.getItem"), "function");
@@ -20,12 +23,12 @@ TEST_F(StoreTest, FindsAHostThatListensLate) {
     EXPECT_TRUE(host.wait_for(7));
 }
 
-TEST_F(ConnectedStoreTest, ShowsThePageOnWhenTheHostHasGone) {
+TEST_F(ConnectedHost, KeepsItsPageWhenItEnds) {
     host.hang_up();
     EXPECT_EQ(store.evaluate("6 * 7"), "42");
 }
 
-TEST_F(StoreTest, ReportsAHostThatResetsTheConnectionAsAReadError) {
+TEST_F(Host, ResetIsReportedAsAReadError) {
     const StderrCapture captured;  // before the web process starts, which inherits it
     host.listen();
     StoreView store;
@@ -42,14 +45,14 @@ TEST_F(StoreTest, ReportsAHostThatResetsTheConnectionAsAReadError) {
     EXPECT_EQ(store.evaluate("6 * 7"), "42");
 }
 
-TEST_F(ConnectedStoreTest, EndsTheProcessWhenAPageCallFindsNoHost) {
+TEST_F(ConnectedHost, EndsTheWebProcessAtACallAfterItsEnd) {
     const StderrCapture captured;
     host.hang_up();
     store.evaluate("external.refresh()");
     ASSERT_TRUE(run_main_loop_until([&] { return store.process_has_gone(); }));
 }
 
-TEST_F(StoreTest, EndsTheProcessWithoutAClientDirectory) {
+TEST_F(Host, EndsTheWebProcessWithoutAClientDirectory) {
     const StderrCapture captured;
     std::filesystem::remove_all(client_directory());
     StoreView store;
@@ -58,7 +61,7 @@ TEST_F(StoreTest, EndsTheProcessWithoutAClientDirectory) {
     EXPECT_THAT(captured.text(), HasSubstr(".QUOClient not created, anomoly use case, exiting\n"));
 }
 
-TEST_F(ConnectedStoreTest, LosesNothingWhenTheHostPausesReading) {
+TEST_F(ConnectedHost, LosesNoCallsWhileItDoesNotRead) {
     host.pause();
     store.evaluate(
         "setTimeout(() => { for (let i = 0; i < 20000; ++i) external.sendAction(i) }, 0)");
@@ -71,13 +74,13 @@ TEST_F(ConnectedStoreTest, LosesNothingWhenTheHostPausesReading) {
     }
 }
 
-TEST_F(ConnectedStoreTest, SendsABigValueWhole) {
+TEST_F(ConnectedHost, ReceivesALargeValue) {
     store.evaluate("external.setItem('big', 'x'.repeat(20e6), 'done')");
     ASSERT_TRUE(host.wait_for(19));
     EXPECT_EQ(host.frames(19)[0].payload.size(), 4 + 20'000'001 + 5);
 }
 
-TEST_F(ConnectedStoreTest, AnnouncesEveryWebProcess) {
+TEST_F(ConnectedHost, ReceivesTheAnnouncementOfEveryWebProcess) {
     StoreView second;
     second.load("");
     ASSERT_TRUE(host.wait_for(61, 2));

@@ -13,20 +13,19 @@ namespace {
 
 #ifdef ASAN_RUNTIME
 
-// WebKit's web process is not built with the sanitizer that the extension is built with: it needs
-// the runtime before anything else. It leaves with its page's memory in use, so there is nothing to
-// learn from what it leaves behind.
+// The extension is built with the sanitizer, the web process is not: the sanitizer's runtime must
+// be preloaded. Web processes exit with their pages in memory, so leaks are not checked.
 void prepare_web_processes(const std::string& reports) {
     const char* const others = std::getenv("LD_PRELOAD");
     const std::string preloads =
         ASAN_RUNTIME + (others == nullptr ? "" : ":" + std::string(others));
     setenv("LD_PRELOAD", preloads.c_str(), 1);
     setenv("ASAN_OPTIONS", ("detect_leaks=0:log_path=" + reports).c_str(), 1);
-    // Mesa's threads read what it frees when a process leaves.
+    // At exit, Mesa's threads read memory that Mesa has freed.
     setenv("WEBKIT_DISABLE_COMPOSITING_MODE", "1", 1);
 }
 
-// Whether the web processes had nothing to report; a process may be gone by design when it does.
+// Whether no web process has written a report.
 bool web_processes_are_clean(const std::string& reports) {
     bool clean = true;
     const std::filesystem::path start = reports;
@@ -47,7 +46,7 @@ bool web_processes_are_clean(const std::string& /*reports*/) { return true; }
 
 }  // namespace
 
-// The environment is set before GTK starts a thread; web processes inherit it.
+// The environment is set before GTK starts threads; web processes inherit it.
 int main(int argc, char** argv) {
     testing::InitGoogleMock(&argc, argv);
     if (GTEST_FLAG_GET(list_tests)) return RUN_ALL_TESTS();

@@ -1,4 +1,4 @@
-// Popups in the web process of the page that opens them: while one is open it is the current page.
+// Popups, which share the web process of their opener. An open popup is the current page.
 #include <memory>
 #include <vector>
 
@@ -8,8 +8,7 @@
 namespace kestrel::testing {
 namespace {
 
-// Views that pages open with window.open. Each shows its page in a window and is destroyed when the
-// page closes it.
+// Views that pages open with window.open, each in a window of its own until its page closes it.
 class Popups {
   public:
     explicit Popups(WebKitWebView* opener) { watch(opener); }
@@ -44,8 +43,8 @@ class Popups {
 
 class Popup : public ConnectedStoreTest {
   protected:
-    // Waits until the current page has this name, the opener has none; then it gets scripts, too.
-    // Nothing tells when the web process has closed a page.
+    // Waits until answers and scripts reach the page with this window.name, which is "" for the
+    // opener. No event reports that the web process has closed a page.
     void expect_current_page(const std::string& name) {
         host.forget_frames();
         EXPECT_TRUE(run_main_loop_until([&] {
@@ -81,25 +80,41 @@ class Popup : public ConnectedStoreTest {
 constexpr const char* kOpenEmpty = "window.first = window.open('', 'first'); 0";
 constexpr const char* kCloseFirst = "first.close(); 0";
 
-TEST_F(Popup, GetsTheHostsScriptsWhileItIsOpen) {
+TEST_F(Popup, ReceivesScriptsWhileOpen) {
     open_page();
     expect_current_page("first");
 }
 
-TEST_F(Popup, GivesThePageBackWhenItCloses) {
+TEST_F(Popup, MakesItsOpenerCurrentWhenItCloses) {
     open_page();
     close(kCloseFirst);
     expect_current_page("");
 }
 
-TEST_F(Popup, ThatIsEmptyGivesThePageBackWhenItCloses) {
+TEST_F(Popup, MakesItsOpenerCurrentWhenItClosesEmpty) {
     open(kOpenEmpty);
     store.evaluate("first.document.title = 'empty'");
     close(kCloseFirst);
     expect_current_page("");
 }
 
-TEST_F(Popup, MayOpenAnother) {
+// The page has had time to replace what script offers.
+TEST_F(Popup, ThatClosesLeavesThePageItsMicrotasks) {
+    open(kOpenEmpty);
+    store.evaluate(
+        "first.document.title = 'empty'; calls = 0; order = '';"
+        "Event = EventTarget = function() { ++calls };"
+        "answer = () => { order += 'a'; Promise.resolve().then(() => { order += 'm' }) }; 0");
+    close(kCloseFirst);
+    expect_current_page("");
+    const std::size_t before = host.frames(33).size();
+    for (int i = 0; i < 100; ++i) host.send(1, {"answer"});
+    ASSERT_TRUE(host.wait_for(33, before + 100));
+    EXPECT_EQ(store.evaluate("order === 'am'.repeat(100)"), "true") << store.evaluate("order");
+    EXPECT_EQ(store.evaluate("calls"), "0");
+}
+
+TEST_F(Popup, MayOpenAnotherPopup) {
     open(kOpenEmpty);
     store.evaluate("first.document.title = 'empty'");
     open("first.second = first.open('', 'second'); 0");
@@ -111,7 +126,7 @@ TEST_F(Popup, MayOpenAnother) {
     expect_current_page("");
 }
 
-TEST_F(Popup, MayCloseBeforeTheOneThatItOpened) {
+TEST_F(Popup, MayCloseBeforeItsOwnPopup) {
     open(kOpenEmpty);
     store.evaluate("first.document.title = 'empty'");
     open("window.second = first.open('', 'second'); 0");
@@ -122,7 +137,7 @@ TEST_F(Popup, MayCloseBeforeTheOneThatItOpened) {
     expect_current_page("");
 }
 
-TEST_F(Popup, IsNotTheCurrentPageOnceItsOpenerNavigates) {
+TEST_F(Popup, IsNotCurrentAfterItsOpenerNavigates) {
     open(kOpenEmpty);
     store.evaluate("first.document.title = 'empty'");
     store.load("<title>next</title>");

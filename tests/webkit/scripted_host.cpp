@@ -3,25 +3,19 @@
 #include <glib-unix.h>
 #include <sys/socket.h>
 #include <sys/time.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <cstring>
-#include <system_error>
+#include <stdexcept>
+#include <utility>
 
-#include "tests/support/link_peer.h"
 #include "tests/support/main_loop.h"
 
 namespace kestrel::testing {
 namespace {
 
-constexpr timeval kSendPatience{10, 0};
-
-void require(bool ok, const char* what) {
-    if (!ok) throw std::system_error(errno, std::generic_category(), what);
+void remove_source(guint& source) {
+    if (source != 0) g_source_remove(std::exchange(source, 0));
 }
 
 }  // namespace
@@ -29,17 +23,10 @@ void require(bool ok, const char* what) {
 ScriptedHost::ScriptedHost(std::string client_directory)
     : path_(std::move(client_directory) + "/webkit_socket2") {}
 
-ScriptedHost::~ScriptedHost() { hang_up(); }
-
 void ScriptedHost::listen() {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path_.copy(address.sun_path, sizeof address.sun_path - 1);
-    listener_ = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    require(bind(listener_, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0, "bind");
-    require(::listen(listener_, 8) == 0, "listen");
+    listener_.emplace(path_);
     listener_source_ = g_unix_fd_add(
-        listener_, G_IO_IN,
+        listener_->fd(), G_IO_IN,
         [](int, GIOCondition, void* self) -> gboolean {
             static_cast<ScriptedHost*>(self)->accept_client();
             return G_SOURCE_CONTINUE;
@@ -49,30 +36,19 @@ void ScriptedHost::listen() {
 
 void ScriptedHost::accept_client() {
     pause();
-    if (client_ != -1) close(client_);
-    client_ = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
-    // A web process that does not read is a failure, and holds nothing up.
-    setsockopt(client_, SOL_SOCKET, SO_SNDTIMEO, &kSendPatience, sizeof kSendPatience);
+    client_.emplace(listener_->accept());
+    // Makes sending to a web process that does not read fail.
+    constexpr timeval kSendPatience{10, 0};
+    setsockopt(client_->fd(), SOL_SOCKET, SO_SNDTIMEO, &kSendPatience, sizeof kSendPatience);
     unread_.clear();
     resume();
 }
 
 bool ScriptedHost::read_client() {
-    std::array<char, 65'536> piece;
-    const ssize_t got = recv(client_, piece.data(), piece.size(), MSG_DONTWAIT);
-    if (got <= 0) return false;
-    unread_.append(piece.data(), static_cast<std::size_t>(got));
-    std::size_t at = 0;
-    while (unread_.size() - at >= 16) {
-        std::array<int, 4> header{};
-        std::memcpy(header.data(), unread_.data() + at, sizeof header);
-        const std::size_t length = sizeof header + static_cast<std::size_t>(header[3]);
-        if (unread_.size() - at < length) break;
-        frames_.push_back({header[0], unread_.substr(at + sizeof header, length - sizeof header)});
-        at += length;
-    }
-    unread_.erase(0, at);
-    return true;
+    const std::string bytes = client_->read_available();
+    unread_ += bytes;
+    std::ranges::move(take_frames(unread_), std::back_inserter(frames_));
+    return !bytes.empty();
 }
 
 bool ScriptedHost::wait_for(int type, std::size_t count) {
@@ -92,9 +68,8 @@ bool ScriptedHost::wait_for_text(int type, const std::string& text) {
 
 std::vector<ReceivedFrame> ScriptedHost::frames(int type) const {
     std::vector<ReceivedFrame> found;
-    for (const ReceivedFrame& frame : frames_) {
-        if (frame.type == type) found.push_back(frame);
-    }
+    std::ranges::copy_if(frames_, std::back_inserter(found),
+                         [&](const ReceivedFrame& frame) { return frame.type == type; });
     return found;
 }
 
@@ -103,33 +78,23 @@ void ScriptedHost::send(int type, std::initializer_list<std::string_view> string
 }
 
 void ScriptedHost::send_bytes(std::string_view bytes) const {
-    while (!bytes.empty()) {
-        const ssize_t sent = ::send(client_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-        require(sent > 0, "send");
-        bytes.remove_prefix(static_cast<std::size_t>(sent));
-    }
+    if (!client_->write(bytes)) throw std::runtime_error("the web process does not read");
 }
 
 void ScriptedHost::hang_up() {
     pause();
-    if (listener_source_ != 0) g_source_remove(listener_source_);
-    listener_source_ = 0;
-    if (client_ != -1) close(client_);
-    if (listener_ != -1) {
-        close(listener_);
-        unlink(path_.c_str());
-    }
-    client_ = listener_ = -1;
+    remove_source(listener_source_);
+    client_.reset();
+    if (!listener_) return;
+    listener_.reset();
+    unlink(path_.c_str());
 }
 
-void ScriptedHost::pause() {
-    if (client_source_ != 0) g_source_remove(client_source_);
-    client_source_ = 0;
-}
+void ScriptedHost::pause() { remove_source(client_source_); }
 
 void ScriptedHost::resume() {
     client_source_ = g_unix_fd_add(
-        client_, G_IO_IN,
+        client_->fd(), G_IO_IN,
         [](int, GIOCondition, void* self) -> gboolean {
             auto* host = static_cast<ScriptedHost*>(self);
             if (host->read_client()) return G_SOURCE_CONTINUE;

@@ -22,7 +22,7 @@ class StoreTest : public ::testing::Test {
     ScriptedHost host{client_directory()};
 };
 
-// A host and a page that have found each other.
+// A host that is connected to a page.
 class ConnectedStoreTest : public StoreTest {
   protected:
     void SetUp() override {

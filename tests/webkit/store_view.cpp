@@ -16,6 +16,8 @@ GVariant* strings_variant(const std::string& install_root, const std::string& re
 
 }  // namespace
 
+std::string extension_directory = EXTENSION_DIRECTORY;
+
 std::string page_uri(const std::string& html) {
     static int pages = 0;
     const std::string path =
@@ -32,8 +34,8 @@ StoreView::StoreView(GVariant* user_data)
     WebKitWebContext* context = webkit_web_context_new_ephemeral();
     g_signal_connect(context, "initialize-web-extensions",
                      G_CALLBACK(+[](WebKitWebContext* starting, StoreView* self) {
-                         webkit_web_context_set_web_extensions_directory(starting,
-                                                                         EXTENSION_DIRECTORY);
+                         webkit_web_context_set_web_extensions_directory(
+                             starting, extension_directory.c_str());
                          if (self->user_data_ == nullptr) return;
                          webkit_web_context_set_web_extensions_initialization_user_data(
                              starting, self->user_data_);

@@ -7,17 +7,20 @@
 
 namespace kestrel::testing {
 
-// The address of a new page with this content: a file in the home directory.
+// The directory that holds the built extension. A test may set another one before its first page.
+extern std::string extension_directory;
+
+// Writes a page with this content into the home directory and returns its address.
 std::string page_uri(const std::string& html);
 
 // A web view in a window, whose web process loads the extension.
 class StoreView {
   public:
-    // What the extension is given at start.
+    // With this user data for the extension.
     explicit StoreView(const std::string& install_root = "", const std::string& resources = "{}");
-    // The same with any user data, or none.
+    // With any user data, or none.
     explicit StoreView(GVariant* user_data);
-    // A view whose page shares the web process of another one's.
+    // A view that shares the web process of another one.
     struct RelatedTo {
         WebKitWebView* view;
     };
@@ -26,16 +29,16 @@ class StoreView {
     ~StoreView();
     StoreView& operator=(const StoreView&) = delete;
 
-    // Each waits until the page has loaded, or its web process has gone. Every load is a new page.
+    // Each waits until the page has loaded or its web process has ended. Every load is a new page.
     void load(const std::string& html);
     void load_uri(const std::string& uri);
     void reload();
     void go_back();
 
-    // The text of what `script` gives in the page, "error: ..." if it throws.
+    // The result of `script` in the page as text, "error: ..." if it throws.
     std::string evaluate(const std::string& script);
 
-    // Waits until `script` gives true in the page.
+    // Waits until `script` returns true in the page.
     bool wait_for(const std::string& script);
 
     bool process_has_gone() const { return process_has_gone_; }

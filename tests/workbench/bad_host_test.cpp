@@ -1,4 +1,4 @@
-// A session of a host that misbehaves.
+// A session of a misbehaving host.
 #include <gmock/gmock.h>
 
 #include "tests/workbench/session_fixture.h"
@@ -20,7 +20,7 @@ class BadHostTest : public SessionTest {
     const std::string answer = frame_bytes(1, {}, {"(() => (take\n)(null))"});
 };
 
-TEST_F(BadHostTest, SwallowsAnswersUntilItBehavesAgain) {
+TEST_F(BadHostTest, DropsAnswersUntilReset) {
     session.set_misbehavior(Misbehavior::silence);
     ask();
     EXPECT_TRUE(web_process.is_quiet());
@@ -30,22 +30,22 @@ TEST_F(BadHostTest, SwallowsAnswersUntilItBehavesAgain) {
     EXPECT_EQ(web_process.read_frame(), answer);
 }
 
-TEST_F(BadHostTest, SendsAnswersLateAndTheRestAtOnce) {
+TEST_F(BadHostTest, DelaysAnswersOnly) {
     session.set_misbehavior(Misbehavior::late_answer);
     ask();
-    session.greet_page();
-    EXPECT_EQ(web_process.read_frame(), kGreeting);
+    session.notify_ready();
+    EXPECT_EQ(web_process.read_frame(), kHostReadyMessage);
     EXPECT_TRUE(web_process.is_quiet());
     EXPECT_EQ(web_process.read_frame(), answer);
 }
 
-TEST_F(BadHostTest, SendsNothingBehindATruncatedAnswer) {
+TEST_F(BadHostTest, SendsNothingAfterATruncatedAnswer) {
     session.set_misbehavior(Misbehavior::truncated);
     ask();
     settle();
-    session.greet_page();
+    session.notify_ready();
     session.misbehave_now(Misbehavior::hang_up);
-    EXPECT_EQ(web_process.read_frame(), "");  // the header promises more than comes
+    EXPECT_EQ(web_process.read_frame(), "");  // the announced payload is incomplete
 }
 
 TEST_F(BadHostTest, HangsUp) {
@@ -57,7 +57,7 @@ TEST_F(BadHostTest, HangsUp) {
     EXPECT_THAT(session.processes(), ElementsAre());
 }
 
-TEST_F(BadHostTest, MisbehavesAtOnceToAllProcesses) {
+TEST_F(BadHostTest, MisbehavesImmediatelyTowardsAllProcesses) {
     session.misbehave_now(Misbehavior::wrong_type);
     EXPECT_EQ(web_process.read_frame(), frame_bytes(59, {}, {"(() => {})"}));
     session.misbehave_now(Misbehavior::oversize);

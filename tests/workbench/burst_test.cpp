@@ -1,4 +1,4 @@
-// A page that says very much at once, on a real socket.
+// A burst of messages on a real socket.
 #include <glib.h>
 #include <gmock/gmock.h>
 
@@ -10,8 +10,8 @@
 #include "tests/support/frame_bytes.h"
 #include "tests/support/main_loop.h"
 #include "tests/support/temporary_directory.h"
-#include "tests/workbench/fake_services.h"
-#include "tests/workbench/fake_web_process.h"
+#include "tests/workbench/answers/fake_services.h"
+#include "tests/workbench/wire/fake_web_process.h"
 #include "trace/frame_text.h"
 #include "workbench/session.h"
 #include "workbench/wire/message_server.h"
@@ -21,14 +21,14 @@ namespace {
 
 constexpr int kBurst = 100'000;
 constexpr int kDrawingPriority = G_PRIORITY_HIGH_IDLE + 20;  // GDK's
-constexpr std::size_t kPiece = 65'536;                       // that a connection reads at once
+constexpr std::size_t kPiece = 65'536;                       // read at once by a connection
 
 std::string message(int number) {
     return frame_bytes(5, {}, {"message " + std::to_string(number)});
 }
 
-// Between the server and the session: wants a redraw for what comes, as the window does, and counts
-// how much comes until it gets it.
+// Between the server and the session: requests a redraw for each message, like the window, and
+// counts the messages until it is redrawn.
 class Screen final : public MessageReceiver {
   public:
     explicit Screen(MessageReceiver& session) : session_(session) {}
@@ -56,7 +56,7 @@ class Screen final : public MessageReceiver {
     std::size_t longest_wait_ = 0;
 };
 
-TEST(Burst, IsLoggedWithinBoundsKeptWholeAndDrawnMeanwhile) {
+TEST(Burst, IsLoggedWithinLimitsTranscribedCompletelyAndDrawnMeanwhile) {
     const TemporaryDirectory directory;
     const std::string copy = directory.path() + "/transcript";
     const MessageLog::Limits limits;

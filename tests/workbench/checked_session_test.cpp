@@ -1,10 +1,10 @@
-// A session in which a check of the page runs.
+// A session with a page check.
 #include "tests/workbench/session_fixture.h"
 
 namespace kestrel::testing {
 namespace {
 
-// Over when the page has reported something and every answer has been confirmed.
+// Over when the page has sent a trace message and confirmed every answer.
 class FakeCheck final : public PageCheck {
   public:
     std::string on_page_shown() override { return "shown()"; }
@@ -32,8 +32,8 @@ class CheckedSessionTest : public SessionTest {
 
 TEST_F(CheckedSessionTest, SendsTheScriptsOfTheCheck) {
     web_process.announce(11);
-    session.greet_page();
-    EXPECT_EQ(web_process.read_frame(), kGreeting);
+    session.notify_ready();
+    EXPECT_EQ(web_process.read_frame(), kHostReadyMessage);
     EXPECT_EQ(web_process.read_frame(), frame_bytes(0, {}, {"shown()"}));
     web_process.write(frame_bytes(25, {}, {}));
     EXPECT_TRUE(web_process.is_quiet());
@@ -41,7 +41,7 @@ TEST_F(CheckedSessionTest, SendsTheScriptsOfTheCheck) {
     EXPECT_EQ(web_process.read_frame(), frame_bytes(0, {}, {"begin()"}));
 }
 
-TEST_F(CheckedSessionTest, TellsWhenTheCheckIsOver) {
+TEST_F(CheckedSessionTest, ReportsTheEndOfTheCheck) {
     web_process.write(frame_bytes(18, {}, {"key", "take"}));
     web_process.write(frame_bytes(15, {}, {"report"}));
     settle();

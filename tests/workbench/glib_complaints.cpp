@@ -1,4 +1,4 @@
-// Whatever GLib complains about ends the test program: a source removed twice, a null object.
+// GLib warnings are fatal for the test program: a source removed twice, a null object.
 #include <glib.h>
 #include <gmock/gmock.h>
 
@@ -12,7 +12,7 @@ class FatalComplaints : public ::testing::Environment {
     }
 };
 
-// GoogleTest takes it over.
+// GoogleTest takes ownership.
 const ::testing::Environment* const registered =
     ::testing::AddGlobalTestEnvironment(new FatalComplaints);
 

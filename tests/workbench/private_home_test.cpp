@@ -12,7 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST(PrivateHome, IsATemporaryDirectoryForTheUserAloneAndGoes) {
+TEST(PrivateHome, IsATemporaryDirectoryOfMode0700AndIsRemoved) {
     std::string path;
     {
         const PrivateHome home("");
@@ -25,7 +25,7 @@ TEST(PrivateHome, IsATemporaryDirectoryForTheUserAloneAndGoes) {
     EXPECT_FALSE(fs::exists(path));
 }
 
-TEST(PrivateHome, LeavesAGivenDirectoryInPlace) {
+TEST(PrivateHome, KeepsAGivenDirectory) {
     const TemporaryDirectory directory;
     { const PrivateHome home(directory.path()); }
     EXPECT_TRUE(fs::is_directory(directory.path() + "/.QUOClient"));

@@ -1,7 +1,4 @@
-// The built program, with a real window and a real web process. Needs a display: run through
-// scripts/with-display.
-#include "tests/workbench/program.h"
-
+// The built program, with a real window and a real web process. Needs a display.
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,6 +11,7 @@
 
 #include "tests/support/file_content.h"
 #include "tests/support/temporary_directory.h"
+#include "tests/workbench/workbench_process.h"
 
 namespace kestrel::testing {
 namespace {
@@ -21,10 +19,10 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-// A process's name ends after 15 bytes.
+// Process names are truncated to 15 bytes.
 constexpr const char* kWebProcess = "WebKitWebProces";
 
-// The first process of this name among the children of `ancestor` and theirs; -1 if there is none.
+// The first descendant of `ancestor` with this name, or -1.
 pid_t descendant_called(const std::string& name, pid_t ancestor) {
     const std::string tasks = "/proc/" + std::to_string(ancestor) + "/task";
     for (const auto& task : std::filesystem::directory_iterator(tasks)) {
@@ -51,7 +49,8 @@ class ProgramTest : public ::testing::Test {
     }
 
     void start(std::vector<std::string> arguments) {
-        program = std::make_unique<Program>(std::move(arguments), temporary.path(), data.path());
+        program =
+            std::make_unique<WorkbenchProcess>(std::move(arguments), temporary.path(), data.path());
     }
     int run(std::vector<std::string> arguments) {
         start(std::move(arguments));
@@ -73,14 +72,14 @@ class ProgramTest : public ::testing::Test {
     TemporaryDirectory temporary;
     TemporaryDirectory data;
     TemporaryDirectory files;
-    std::unique_ptr<Program> program;
+    std::unique_ptr<WorkbenchProcess> program;
 };
 
-TEST_F(ProgramTest, RefusesAWrongCommandLineWithAMessageAndStatusTwo) {
+TEST_F(ProgramTest, RejectsAnInvalidCommandLineWithStatusTwo) {
     EXPECT_EQ(run({}), 2);
     EXPECT_EQ(program->output(),
-              "kestrel-workbench: which page? Give --page FILE or --page URL\n"
-              "Try 'kestrel-workbench --help'.\n");
+              "kestrel-workbench: --page is required\n"
+              "Run with --help for more information.\n");
     EXPECT_EQ(run({"--page", "/missing"}), 2);
     EXPECT_THAT(program->output(),
                 StartsWith("kestrel-workbench: --page: no such file: /missing\n"));
@@ -92,7 +91,7 @@ TEST_F(ProgramTest, RefusesAWrongCommandLineWithAMessageAndStatusTwo) {
     EXPECT_TRUE(has_cleaned_up());
 }
 
-TEST_F(ProgramTest, TellsItsVersionAndItsOptions) {
+TEST_F(ProgramTest, PrintsVersionAndHelp) {
     EXPECT_EQ(run({"--version"}), 0);
     EXPECT_EQ(program->output(), "kestrel-workbench " WORKBENCH_VERSION "\n");
     EXPECT_EQ(run({"--help"}), 0);
@@ -104,7 +103,7 @@ TEST_F(ProgramTest, TellsItsVersionAndItsOptions) {
     }
 }
 
-TEST_F(ProgramTest, SaysThatThereIsNoDisplay) {
+TEST_F(ProgramTest, ReportsAMissingDisplay) {
     setenv("GDK_BACKEND", "x11", 1);
     setenv("DISPLAY", ":99999", 1);
     EXPECT_EQ(run({"--page", page("silent.html")}), 1);
@@ -112,7 +111,7 @@ TEST_F(ProgramTest, SaysThatThereIsNoDisplay) {
     EXPECT_TRUE(has_cleaned_up());
 }
 
-TEST_F(ProgramTest, SavesAPictureAndACopyOfItsTranscript) {
+TEST_F(ProgramTest, SavesAScreenshotAndATranscriptFile) {
     EXPECT_EQ(run({"--page", store("index.html"), "--resources", store("resources.json"),
                    "--headless", "--auto", "--screenshot", file("store.png"), "--transcript",
                    file("lines"), "--no-sandbox"}),
@@ -124,14 +123,14 @@ TEST_F(ProgramTest, SavesAPictureAndACopyOfItsTranscript) {
     EXPECT_TRUE(has_cleaned_up());
 }
 
-TEST_F(ProgramTest, FailsWhenThePageLeavesSomethingOut) {
+TEST_F(ProgramTest, FailsWhenThePageOmitsAFunction) {
     EXPECT_EQ(run({"--page", page("incomplete.html"), "--headless", "--auto"}), 1);
     EXPECT_THAT(program->output(), HasSubstr("-- FAILED: refresh reached the host 0 of 2 times\n"));
     EXPECT_THAT(program->output(), HasSubstr("-- FAILED: getItem was not called back\n"));
     EXPECT_THAT(program->output(), Not(HasSubstr("FAILED: getItem reached")));
 }
 
-TEST_F(ProgramTest, FailsWhenThePageSaysNothing) {
+TEST_F(ProgramTest, FailsWhenThePageIsNeverReady) {
     EXPECT_EQ(run({"--page", page("silent.html"), "--headless", "--auto", "--timeout", "2"}), 1);
     EXPECT_THAT(program->output(), HasSubstr("-- FAILED: the page never said that it is ready\n"));
 }
@@ -166,7 +165,7 @@ TEST_F(ProgramTest, SucceedsWhenTheScriptsExpectationsHold) {
     EXPECT_TRUE(std::filesystem::is_empty(data.path()));
 }
 
-TEST_F(ProgramTest, RefusesAScriptThatCannotRun) {
+TEST_F(ProgramTest, RejectsAScriptWithASyntaxError) {
     write("script.js", "1;\n2;\nreturn );");
     EXPECT_EQ(run({"--headless", "--page", page("silent.html"), "--script", file("script.js")}), 2);
     EXPECT_THAT(program->output(), HasSubstr("kestrel-workbench: --script: line 3: "));
@@ -187,12 +186,12 @@ TEST_F(ProgramTest, FailsWhenTheScriptDoesNotEnd) {
     EXPECT_THAT(program->output(), HasSubstr("-- FAILED: the script has not come to its end\n"));
 }
 
-TEST_F(ProgramTest, SucceedsWhenAPageLoadsAndNothingIsExpected) {
+TEST_F(ProgramTest, SucceedsWithoutExpectations) {
     EXPECT_EQ(run({"--headless", "--page", page("silent.html"), "--screenshot", file("p.png")}), 0);
     EXPECT_THAT(file_content(file("p.png")), StartsWith("\x89PNG\r\n"));
 }
 
-TEST_F(ProgramTest, KeepsDataFromRunToRunWhereItIsTold) {
+TEST_F(ProgramTest, KeepsDataInTheGivenDirectory) {
     write("set.js", "external.setItem('key', 'value', '');");
     write("get.js",
           "window.take = (value) => { window.got = value; };"
@@ -205,7 +204,7 @@ TEST_F(ProgramTest, KeepsDataFromRunToRunWhereItIsTold) {
     }
 }
 
-TEST_F(ProgramTest, PutsWebProcessesIntoASandbox) {
+TEST_F(ProgramTest, RunsWebProcessesInASandbox) {
     start({"--page", page("silent.html")});
     ASSERT_NE(program->wait_for_line("onHostReady"), "");
     if (program->output().find("no sandbox") != std::string::npos) {
@@ -220,7 +219,7 @@ TEST_F(ProgramTest, PutsWebProcessesIntoASandbox) {
     EXPECT_EQ(namespace_of(descendant_called(kWebProcess, program->pid())), namespace_of(getpid()));
 }
 
-TEST_F(ProgramTest, CleansUpAndCompletesTheTranscriptWhenItIsInterrupted) {
+TEST_F(ProgramTest, CleansUpAndCompletesTheTranscriptOnSignals) {
     for (const int signal : {SIGHUP, SIGTERM}) {
         start({"--page", page("silent.html"), "--transcript", file("transcript")});
         ASSERT_NE(program->wait_for_line("onHostReady"), "");
@@ -232,15 +231,15 @@ TEST_F(ProgramTest, CleansUpAndCompletesTheTranscriptWhenItIsInterrupted) {
     }
 }
 
-TEST_F(ProgramTest, UsesTheHomeItIsGiven) {
+TEST_F(ProgramTest, UsesTheGivenHome) {
     start({"--page", page("silent.html"), "--home", files.path()});
     ASSERT_NE(program->wait_for_line("onHostReady"), "");
     EXPECT_TRUE(std::filesystem::is_socket(file(".QUOClient/webkit_socket2")));
 
-    Program second({"--page", page("silent.html"), "--home", files.path()}, temporary.path(),
-                   data.path());
+    WorkbenchProcess second({"--page", page("silent.html"), "--home", files.path()},
+                            temporary.path(), data.path());
     EXPECT_EQ(second.wait_for_end(), 1);
-    EXPECT_THAT(second.output(), HasSubstr("kestrel-workbench: another host listens on "));
+    EXPECT_THAT(second.output(), HasSubstr("kestrel-workbench: another host is listening on "));
 
     program->send_signal(SIGINT);
     EXPECT_EQ(program->wait_for_end(), 128 + SIGINT);

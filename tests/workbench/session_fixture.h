@@ -8,8 +8,8 @@
 #include "tests/support/frame_bytes.h"
 #include "tests/support/main_loop.h"
 #include "tests/support/temporary_directory.h"
-#include "tests/workbench/fake_services.h"
-#include "tests/workbench/fake_web_process.h"
+#include "tests/workbench/answers/fake_services.h"
+#include "tests/workbench/wire/fake_web_process.h"
 #include "workbench/session.h"
 #include "workbench/wire/message_server.h"
 
@@ -17,10 +17,10 @@ namespace kestrel::testing {
 
 inline constexpr const char* kUri = "file:///store/page.html";
 
-inline const std::string kGreeting =
+inline const std::string kHostReadyMessage =
     frame_bytes(0, {}, {"window.onHostReady && window.onHostReady();"});
 
-// A host's session, and one web process that has connected to it.
+// A host's session with one connected web process.
 class SessionTest : public ::testing::Test {
   protected:
     explicit SessionTest(PageCheck* check = nullptr)
@@ -29,7 +29,7 @@ class SessionTest : public ::testing::Test {
         fakes.services.page_uri = kUri;
     }
 
-    // Waits until the host has taken everything that was sent to it.
+    // Waits until the host has handled everything that was sent to it.
     static void settle() { run_main_loop_until_idle(); }
 
     int loads = 0;

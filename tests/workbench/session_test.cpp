@@ -4,6 +4,7 @@
 
 #include <array>
 
+#include "ipc/frame_builder.h"
 #include "tests/workbench/session_fixture.h"
 
 namespace kestrel::testing {
@@ -17,14 +18,14 @@ using ::testing::StartsWith;
 const std::string kPageOffer = frame_bytes(34, {}, {kUri, "{a: 1}"});
 const std::string kTaken = frame_bytes(35, {}, {kUri});
 
-TEST_F(SessionTest, OffersThePageWhenTheEmptyPageIsShownAndTheProcessIsThere) {
+TEST_F(SessionTest, OffersThePageOnceTheEmptyPageIsShownAndTheProcessConnected) {
     web_process.announce(11);
     EXPECT_TRUE(web_process.is_quiet());
     session.offer_page();
     EXPECT_EQ(web_process.read_frame(), kPageOffer);
 }
 
-TEST_F(SessionTest, OffersThePageToAProcessThatComesLater) {
+TEST_F(SessionTest, OffersThePageToALaterProcess) {
     session.offer_page();
     EXPECT_TRUE(web_process.is_quiet());
     web_process.announce(11);
@@ -40,16 +41,16 @@ TEST_F(SessionTest, OffersThePageOnceToAProcessThatAnnouncesItselfTwice) {
     EXPECT_TRUE(web_process.is_quiet());
 }
 
-TEST_F(SessionTest, ForgetsAProcessThatHasGone) {
+TEST_F(SessionTest, ForgetsADisconnectedProcess) {
     web_process.announce(11);
     web_process.hang_up();
     settle();
     session.offer_page();
-    session.greet_page();
+    session.notify_ready();
     EXPECT_THAT(lines.str(), Not(HasSubstr(" -> ")));
 }
 
-TEST_F(SessionTest, LoadsThePageOnceWhenItsUrlHasBeenTaken) {
+TEST_F(SessionTest, LoadsThePageOnceWhenItsUrlIsConfirmed) {
     web_process.announce(11);
     session.offer_page();
     web_process.write(frame_bytes(35, {}, {"file:///another"}));
@@ -60,26 +61,26 @@ TEST_F(SessionTest, LoadsThePageOnceWhenItsUrlHasBeenTaken) {
     EXPECT_EQ(loads, 1);
 }
 
-TEST_F(SessionTest, LoadsNothingThatWasNotOffered) {
+TEST_F(SessionTest, LoadsNothingWithoutAnOffer) {
     web_process.announce(11);
     web_process.write(kTaken);
     settle();
     EXPECT_EQ(loads, 0);
 }
 
-TEST_F(SessionTest, GreetsThePageInEveryProcessOnceItIsShown) {
+TEST_F(SessionTest, SendsHostReadyToEveryProcessOncePageIsShown) {
     web_process.announce(11);
     session.offer_page();
     EXPECT_EQ(web_process.read_frame(), kPageOffer);
     web_process.write(kTaken);
     settle();
     EXPECT_TRUE(web_process.is_quiet());
-    session.greet_page();
-    EXPECT_EQ(web_process.read_frame(), kGreeting);
+    session.notify_ready();
+    EXPECT_EQ(web_process.read_frame(), kHostReadyMessage);
 
     FakeWebProcess late(directory.path() + "/socket");
     late.announce(22);
-    EXPECT_EQ(late.read_frame(), kGreeting);
+    EXPECT_EQ(late.read_frame(), kHostReadyMessage);
     EXPECT_TRUE(web_process.is_quiet());
 }
 
@@ -91,12 +92,12 @@ TEST_F(SessionTest, OffersThePageAgainForAReload) {
         web_process.write(kTaken);
         settle();
         EXPECT_EQ(loads, load);
-        session.greet_page();
-        EXPECT_EQ(web_process.read_frame(), kGreeting);
+        session.notify_ready();
+        EXPECT_EQ(web_process.read_frame(), kHostReadyMessage);
     }
 }
 
-TEST_F(SessionTest, AnswersAQuestionToWhoAskedIt) {
+TEST_F(SessionTest, AnswersTheRequestingProcess) {
     FakeWebProcess other(directory.path() + "/socket");
     web_process.announce(11);
     other.announce(22);
@@ -105,7 +106,7 @@ TEST_F(SessionTest, AnswersAQuestionToWhoAskedIt) {
     EXPECT_TRUE(other.is_quiet());
 }
 
-TEST_F(SessionTest, KeepsItsStateForAllProcesses) {
+TEST_F(SessionTest, SharesItsStateAmongProcesses) {
     FakeWebProcess other(directory.path() + "/socket");
     other.write(frame_bytes(19, {}, {"key", "value", ""}));
     settle();
@@ -113,7 +114,7 @@ TEST_F(SessionTest, KeepsItsStateForAllProcesses) {
     EXPECT_EQ(web_process.read_frame(), frame_bytes(1, {}, {"(() => (take\n)(\"value\"))"}));
 }
 
-TEST_F(SessionTest, WritesDownEveryMessageInBothDirections) {
+TEST_F(SessionTest, TranscribesEveryMessageInBothDirections) {
     web_process.write(frame_bytes(7, {}, {}));
     web_process.announce(11);
     web_process.write(frame_bytes(18, {}, {"key", "take"}));
@@ -127,7 +128,7 @@ TEST_F(SessionTest, WritesDownEveryMessageInBothDirections) {
     EXPECT_THAT(lines.str(), HasSubstr(" -- connection of 11: closed\n"));
 }
 
-TEST_F(SessionTest, IgnoresMessagesThatItCannotUse) {
+TEST_F(SessionTest, IgnoresUnknownAndMalformedMessages) {
     web_process.write(frame_bytes(99, {}, {"x"}) + frame_bytes(33, {}, {}) +
                       header_bytes(61, 1, 0, 1) + "x" + frame_bytes(12, {}, {}));
     web_process.write(header_bytes(19, 0, 3, 5) + std::string("k\0v\0f", 5));  // one NUL missing
@@ -137,35 +138,35 @@ TEST_F(SessionTest, IgnoresMessagesThatItCannotUse) {
     EXPECT_THAT(lines.str(), HasSubstr("  61 announce (items do not fit the header)\n"));
 }
 
-TEST_F(SessionTest, AnswersNullInPlaceOfWhatTheExtensionWouldNotTake) {
+TEST_F(SessionTest, AnswersNullIfTheAnswerIsTooLong) {
     fakes.database.set_item("key", std::string(kMaxInboundPayload, 'x'));
     web_process.write(frame_bytes(18, {}, {"key", "take"}));
     EXPECT_EQ(web_process.read_frame(), frame_bytes(1, {}, {"(() => (take\n)(null))"}));
     EXPECT_THAT(lines.str(), HasSubstr("-- an answer is too long for the page, not sent\n"));
 }
 
-TEST_F(SessionTest, AnswersLaterToTheProcessThatAskedWhileItIsThere) {
+TEST_F(SessionTest, AnswersLaterIfTheProcessIsStillConnected) {
     FakeWebProcess other(directory.path() + "/socket");
-    fakes.desktop.holds_back = true;
+    fakes.user_interface.delays_answers = true;
     web_process.write(frame_bytes(22, {}, {"", "", "text", "Close", "take"}));
     other.write(frame_bytes(22, {}, {"", "", "text", "Close", "take"}));
     settle();
     EXPECT_TRUE(web_process.is_quiet());
     other.hang_up();
     settle();
-    fakes.desktop.let_go();
+    fakes.user_interface.release();
     EXPECT_EQ(web_process.read_frame(), frame_bytes(1, {}, {"(() => (take\n)(\"Close\"))"}));
     EXPECT_TRUE(web_process.is_quiet());
 }
 
-TEST_F(SessionTest, AnswersNullAndSaysWhyWhenAnActionFails) {
+TEST_F(SessionTest, AnswersNullAndReportsWhyAnActionFails) {
     fakes.break_database();
     web_process.write(frame_bytes(18, {}, {"key", "take"}));
     EXPECT_EQ(web_process.read_frame(), frame_bytes(1, {}, {"(() => (take\n)(null))"}));
-    EXPECT_THAT(fakes.desktop.shown, ElementsAre(StartsWith("getItem: ")));
+    EXPECT_THAT(fakes.user_interface.shown, ElementsAre(StartsWith("getItem: ")));
 }
 
-TEST_F(SessionTest, SendsWhatAPersonSendsToOneProcessOrToAll) {
+TEST_F(SessionTest, SendsAComposedMessageToOneProcessOrToAll) {
     FakeWebProcess other(directory.path() + "/socket");
     web_process.announce(11);
     other.announce(22);
@@ -181,7 +182,7 @@ TEST_F(SessionTest, SendsWhatAPersonSendsToOneProcessOrToAll) {
     EXPECT_EQ(web_process.read_frame(), script);
 }
 
-TEST_F(SessionTest, LogsEachMessageAndWhichRequestAnAnswerBelongsTo) {
+TEST_F(SessionTest, LogsEachMessageAndTheRequestOfAnAnswer) {
     MessageLog log;
     transcript.log_to(&log);
     web_process.announce(11);

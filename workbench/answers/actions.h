@@ -1,8 +1,8 @@
-// What the workbench does when the page calls it. What the arguments mean, and what is answered, is
-// agreed between the workbench and the sample page; the extension passes everything through.
+// The host's implementation of the page functions. The meaning of arguments and answers is agreed
+// between the workbench and the sample page; the extension passes them through.
 //
-// Actions run in the main loop and never wait: what takes time is answered later. An answer whose
-// success is in doubt has the member `problem`: "" or a sentence.
+// Actions run in the main loop and never block; slow ones answer later. The answer of an action
+// that can fail has the member `problem`: "" or a sentence.
 #pragma once
 
 #include "workbench/answers/reply.h"
@@ -14,71 +14,71 @@ namespace kestrel {
 using Action = void(Services& services, const Request& request, const Reply& reply);
 
 // getCapabilities(page, callback): callback({host, version, ajax, recolorImage}).
-Action tell_capabilities;
+Action get_capabilities;
 
 // getStoreDetails(callback): callback({name, url}).
-Action tell_store_details;
+Action get_store_details;
 
 // getUserDisplayName(callback): callback(name).
-Action tell_user_display_name;
+Action get_user_display_name;
 
 // getAccountsAsync(callback): callback([{id, name, user}]).
-Action tell_accounts;
+Action get_accounts;
 
-// getFileUri(name, callback): callback(URI of that file beside the page, or "").
-Action tell_file_uri;
+// getFileUri(name, callback): callback(URI of that file in the page's directory, or "").
+Action get_file_uri;
 
 // getItem(key, callback): callback(value, or null).
-Action tell_item;
+Action get_item;
 
-// setItem(key, value, callback): callback(whether it is kept). A value that could not be sent back
-// is not.
-Action keep_item;
+// setItem(key, value, callback): callback(whether it was stored). Values too long to be sent back
+// are not stored.
+Action set_item;
 
 // getInstalledApps(not sent, callback): callback({applications: [{id, name, summary, icon}],
-// subscriptions: ids}), the applications of this computer, and the ids in the user's order.
-Action tell_installed_apps;
+// subscriptions: ids}): the applications of this computer, and the ids in the user's order.
+Action get_installed_apps;
 
 // subscribe(id, callback), unsubscribe(id, callback): callback(ids), in the user's order.
 Action subscribe;
 Action unsubscribe;
 
-// updateSubPosition(id, position): moves a subscription to this place, counted from 0.
+// updateSubPosition(id, position): moves a subscription to this index.
 Action move_subscription;
 
 // launchApp(id, callback): asks the user; callback({started, problem}).
 Action launch_app;
 
-// launchResource(name, callback): opens a file beside the page with the application for it, after
-// asking; callback({started, problem}).
+// launchResource(name, callback): asks the user, then opens a file in the page's directory with its
+// default application; callback({started, problem}).
 Action launch_resource;
 
-// openUrl(address): opens it with the application for it, after asking.
+// openUrl(address): asks the user, then opens the address with its default application.
 Action open_url;
 
 // errorDialog(title, details, text, button, callback): callback(the button, or "" if the dialog was
-// closed without it).
+// closed without pressing it).
 Action report_error;
 
-// settingsMenu(left, top, width, height): the menu stands at that area of the page.
+// settingsMenu(left, top, width, height): shows the menu at that area of the page.
 Action show_settings_menu;
 
-// showAccounts(): a dialog with them.
+// showAccounts(): shows them in a dialog.
 Action show_accounts;
 
-// openDefaultStore(): loads the page with which the workbench started, unless it is shown.
+// openDefaultStore(): loads the page that the workbench was started with, unless it is shown.
 Action open_default_store;
 
-// writeTraceMessage(text): one line of the class "KS" in the log.
+// writeTraceMessage(text): writes a log line of the class "KS".
 Action write_trace_message;
 
 // ajax(url, method, headers, body, id, completion): completion(id, status, statusText, headers,
-// body); status "0" and a sentence in statusText where no answer came. Headers are lines of
+// body); without a response, status is "0" and statusText says why. Headers are lines of
 // "Name: value".
 Action relay_request;
 
 // recolorImage(image, red, green, blue, not sent, callback): callback({image, problem}), a data URI
-// of the image in that colour. The image is a data URI, or a file beside the page.
+// of the image in that colour. The image is a data URI or a file in the page's directory.
 Action recolor_image;
 
 }  // namespace kestrel

@@ -2,12 +2,12 @@
 
 #include <array>
 
-#include "workbench/answers/script_literal.h"
+#include "ipc/frame_builder.h"
 
 namespace kestrel {
 namespace {
 
-// `arguments` are literals, parted by commas. The newline ends a comment in the page's text.
+// `arguments` are literals, separated by commas. The newline ends a comment in the page's text.
 std::string call_expression(const std::string& callback, const std::string& arguments) {
     return "(() => (" + callback + "\n)(" + arguments + "))";
 }
@@ -18,9 +18,9 @@ bool takes_arguments(const std::string& callback) {
 
 }  // namespace
 
-std::optional<Answer> call_back(const std::string& callback, const std::string& value) {
+std::optional<Answer> call_back(const std::string& callback, const ScriptValue& value) {
     if (callback.empty()) return std::nullopt;
-    return Answer{call_expression(callback, value), {}};
+    return Answer{call_expression(callback, script_literal(value)), {}};
 }
 
 std::optional<Answer> call_back(const std::string& completion, const AjaxResult& result) {
@@ -32,7 +32,7 @@ std::optional<Answer> call_back(const std::string& completion, const AjaxResult&
     std::string arguments;
     for (const std::string& text : texts) {
         if (!arguments.empty()) arguments += ',';
-        arguments += script_string(text);
+        arguments += script_literal(text);
     }
     return Answer{call_expression(completion, arguments), {}};
 }

@@ -1,7 +1,7 @@
-// What a type-1 message carries. The extension evaluates the callback text in the page and calls
-// the function that it gives: with five strings if the text holds kAjaxCompletion, otherwise with
-// nothing. So an answer with data in it is a function expression that calls the page's callback
-// with the data.
+// The content of an answer message (type 1). The extension evaluates the callback text in the page
+// and calls the resulting function: with five strings if the text contains kAjaxCompletion, else
+// without arguments. An answer with data is therefore a function expression that calls the page's
+// callback with the data.
 #pragma once
 
 #include <optional>
@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "ipc/frame.h"
+#include "workbench/answers/script_literal.h"
 
 namespace kestrel {
 
@@ -17,9 +18,9 @@ struct Answer {
     std::vector<std::string> arguments;
 };
 
-// The answer that calls `callback`, a function's name or source text, with `value`, a literal.
-// Nothing when the page named no callback.
-std::optional<Answer> call_back(const std::string& callback, const std::string& value);
+// The answer that calls `callback`, a function's name or source text, with `value`. None when the
+// page named no callback.
+std::optional<Answer> call_back(const std::string& callback, const ScriptValue& value);
 
 struct AjaxResult {
     std::string id;
@@ -32,7 +33,7 @@ struct AjaxResult {
 // The answer to a relayed request: the five texts, in this order, as the callback's arguments.
 std::optional<Answer> call_back(const std::string& completion, const AjaxResult& result);
 
-// The message that carries an answer. Null if it is longer than the extension takes.
+// The message that carries an answer. Null if it is longer than the extension accepts.
 Frame answer_frame(const Answer& answer);
 
 }  // namespace kestrel

@@ -1,4 +1,4 @@
-// What the page can ask for: one row each, and how it is carried out.
+// The messages that page functions send, and the actions that handle them.
 #pragma once
 
 #include <algorithm>
@@ -10,52 +10,53 @@
 
 namespace kestrel {
 
-// In place of the index of a text that holds a callback.
+// Instead of an index: the command has no callback.
 inline constexpr int kNoCallback = -1;
 
 struct Command {
     // A name that is not a message type does not compile.
-    consteval Command(std::string_view type_name, int sent_by, int callback_index, Action* how)
+    consteval Command(std::string_view type_name, int function_count, int callback_index,
+                      Action* handler)
         : code(to_host(type_name)),
           name(type_name),
-          functions(sent_by),
+          functions(function_count),
           callback(callback_index),
-          action(how) {}
+          action(handler) {}
 
     constexpr bool calls_back() const { return callback != kNoCallback; }
 
     std::int32_t code;
     std::string_view name;
-    int functions;   // of `external` that send it
-    int callback;    // the index of the text that names it, as sent
-    Action* action;  // null: the page only tells
+    int functions;   // number of functions of `external` that send it
+    int callback;    // index of the string item that names the callback
+    Action* action;  // null: nothing to do
 };
 
 // clang-format off
 inline constexpr auto kCommands = std::to_array<Command>({
-    // name                functions  callback    carried out by
-    {"getCapabilities",      1,     0,            tell_capabilities},
-    {"getAccountsAsync",     1,     0,            tell_accounts},
+    // name                functions  callback    action
+    {"getCapabilities",      1,     0,            get_capabilities},
+    {"getAccountsAsync",     1,     0,            get_accounts},
     {"showAccounts",         1,     kNoCallback,  show_accounts},
     {"sendAction",           1,     kNoCallback,  nullptr},
     {"logoff",               1,     kNoCallback,  nullptr},
     {"refresh",              2,     kNoCallback,  nullptr},
-    {"getStoreDetails",      1,     0,            tell_store_details},
-    {"getInstalledApps",     1,     0,            tell_installed_apps},
+    {"getStoreDetails",      1,     0,            get_store_details},
+    {"getInstalledApps",     1,     0,            get_installed_apps},
     {"settingsMenu",         1,     kNoCallback,  show_settings_menu},
     {"ajax",                 1,     5,            relay_request},
     {"subscribe",            1,     1,            subscribe},
     {"unsubscribe",          1,     1,            unsubscribe},
     {"launchApp",            1,     1,            launch_app},
     {"writeTraceMessage",    1,     kNoCallback,  write_trace_message},
-    {"getFileUri",           1,     1,            tell_file_uri},
+    {"getFileUri",           1,     1,            get_file_uri},
     {"goOnline",             1,     kNoCallback,  nullptr},
-    {"getItem",              1,     1,            tell_item},
-    {"setItem",              1,     2,            keep_item},
+    {"getItem",              1,     1,            get_item},
+    {"setItem",              1,     2,            set_item},
     {"openURL",              1,     kNoCallback,  open_url},
     {"recolorImage",         1,     1,            recolor_image},
     {"errorDialog",          1,     4,            report_error},
-    {"getUserDisplayName",   1,     0,            tell_user_display_name},
+    {"getUserDisplayName",   1,     0,            get_user_display_name},
     {"updateSubPosition",    1,     kNoCallback,  move_subscription},
     {"siteLoaded",           1,     kNoCallback,  nullptr},
     {"sharedUserModeLogon",  1,     kNoCallback,  nullptr},
@@ -71,7 +72,7 @@ constexpr const Command* find_command(std::int32_t code) {
     return found == kCommands.end() ? nullptr : &*found;
 }
 
-// The types that the link itself needs; every other one from the page is a command.
+// Message types of the link itself; all others from the page are commands.
 constexpr bool is_link_type(std::int32_t code) {
     return code == to_host("announce") || code == to_host("answerDelivered") ||
            code == to_host("resourcesTaken");

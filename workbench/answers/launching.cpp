@@ -1,38 +1,37 @@
-// The actions that start or show something on the user's desktop.
+// Actions that start or show something on the user's desktop.
 #include <array>
 #include <utility>
 
 #include "log/zynlog.h"
 #include "program/translation.h"
 #include "workbench/answers/actions.h"
-#include "workbench/answers/script_literal.h"
 #include "workbench/desktop/local_files.h"
 
 namespace kestrel {
 namespace {
 
-// One message carries all icons, and must have room for what else is told.
+// One message carries all icons and the rest of the answer.
 constexpr std::size_t kMaxIconsTogether = 3'000'000;
 
-std::string started_literal(const std::string& problem) {
-    return script_object(
-        {{"started", script_boolean(problem.empty())}, {"problem", script_string(problem)}});
+ScriptValue start_result(const std::string& problem) {
+    return {{"started", problem.empty()}, {"problem", problem}};
 }
 
-// Does `start`, which answers with a problem or "", if the user agrees.
+// Calls `start`, which reports a problem or "", if the user agrees.
 void ask_and_start(Services& services, const Question& question, const Reply& reply,
                    std::function<void(std::function<void(const std::string&)>)> start) {
-    services.desktop.ask(question, [&services, reply, start = std::move(start)](bool agrees) {
-        const auto answer = [&services, reply](const std::string& problem) {
-            if (!problem.empty()) services.desktop.show_notice(problem);
-            reply(started_literal(problem));
-        };
-        if (agrees) {
-            start(answer);
-        } else {
-            reply(started_literal("the user declined"));
-        }
-    });
+    services.user_interface.ask(
+        question, [&services, reply, start = std::move(start)](bool agrees) {
+            const auto answer = [&services, reply](const std::string& problem) {
+                if (!problem.empty()) services.user_interface.show_notice(problem);
+                reply(start_result(problem));
+            };
+            if (agrees) {
+                start(answer);
+            } else {
+                reply(start_result("the user declined"));
+            }
+        });
 }
 
 }  // namespace
@@ -41,7 +40,7 @@ void launch_app(Services& services, const Request& request, const Reply& reply) 
     const std::string& id = request.text(0);
     const auto app = services.apps.find(id);
     if (!app) {
-        reply(started_literal("there is no application " + id + " on this computer"));
+        reply(start_result("there is no application " + id + " on this computer"));
         return;
     }
     ask_and_start(services,
@@ -52,7 +51,7 @@ void launch_app(Services& services, const Request& request, const Reply& reply) 
 void launch_resource(Services& services, const Request& request, const Reply& reply) {
     const std::string uri = uri_beside(services.page_uri, request.text(0));
     if (uri.empty()) {
-        reply(started_literal("there is no file " + request.text(0) + " beside the page"));
+        reply(start_result("there is no file " + request.text(0) + " beside the page"));
         return;
     }
     ask_and_start(services, {translate("Open this file?"), uri, translate("Open")}, reply,
@@ -65,45 +64,43 @@ void open_url(Services& services, const Request& request, const Reply& reply) {
                   [&services, uri](auto done) { services.apps.open(uri, std::move(done)); });
 }
 
-void tell_installed_apps(Services& services, const Request& /*request*/, const Reply& reply) {
-    std::vector<std::string> applications;
+void get_installed_apps(Services& services, const Request& /*request*/, const Reply& reply) {
+    ScriptValue applications = ScriptValue::array();
     std::size_t icon_bytes = 0;
     for (const InstalledApp& app : services.apps.list()) {
         std::string icon = services.icon_uri(app.icon);
         if (icon_bytes + icon.size() > kMaxIconsTogether) icon.clear();
         icon_bytes += icon.size();
-        applications.push_back(script_object({{"id", script_string(app.id)},
-                                              {"name", script_string(app.name)},
-                                              {"summary", script_string(app.description)},
-                                              {"icon", script_string(icon)}}));
+        applications.push_back(
+            {{"id", app.id}, {"name", app.name}, {"summary", app.description}, {"icon", icon}});
     }
-    reply(script_object({{"applications", script_array(applications)},
-                         {"subscriptions", script_strings(services.database.subscriptions())}}));
+    reply(ScriptValue{{"applications", std::move(applications)},
+                      {"subscriptions", services.database.subscriptions()}});
 }
 
 void report_error(Services& services, const Request& request, const Reply& reply) {
     const std::string& button = request.text(3);
-    services.desktop.report_error(
+    services.user_interface.report_error(
         {request.text(0), request.text(1), request.text(2), button},
-        [reply, button](bool is_pressed) { reply(script_string(is_pressed ? button : "")); });
+        [reply, button](bool is_pressed) { reply(is_pressed ? button : ""); });
 }
 
 void show_settings_menu(Services& services, const Request& request, const Reply& /*reply*/) {
-    services.desktop.show_settings_menu(
+    services.user_interface.show_settings_menu(
         {request.number(0), request.number(1), request.number(2), request.number(3)});
 }
 
 void show_accounts(Services& services, const Request& /*request*/, const Reply& /*reply*/) {
-    services.desktop.show_accounts(std::array{local_account()});
+    services.user_interface.show_accounts(std::array{local_account()});
 }
 
 void open_default_store(Services& services, const Request& /*request*/, const Reply& /*reply*/) {
-    services.desktop.open_default_store();
+    services.user_interface.open_default_store();
 }
 
 void write_trace_message(Services& services, const Request& request, const Reply& /*reply*/) {
-    services.desktop.show_notice("the page says: " + request.text(0));
-    // Whatever the levels are set to: the page's author has asked for this line.
+    services.user_interface.show_notice("the page says: " + request.text(0));
+    // Regardless of the levels: the page's author asked for this line.
     __ZynTrace(kLogKestrel, kAlwaysOn, "", "", 0, "%s", request.text(0).c_str());
 }
 

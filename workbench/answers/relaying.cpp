@@ -1,9 +1,8 @@
-// The actions that do something for the page that it cannot do itself.
+// Actions that do what a page cannot do itself.
 #include <algorithm>
 #include <cstdint>
 
 #include "workbench/answers/actions.h"
-#include "workbench/answers/script_literal.h"
 #include "workbench/desktop/local_files.h"
 #include "workbench/desktop/recolored_image.h"
 
@@ -38,8 +37,7 @@ void recolor_image(Services& services, const Request& request, const Reply& repl
             ? RecoloredImage{"", "there is no file " + name + " beside the page"}
             : recolored_image(uri, {component(request.number(0)), component(request.number(1)),
                                     component(request.number(2))});
-    reply(script_object(
-        {{"image", script_string(image.uri)}, {"problem", script_string(image.error)}}));
+    reply(ScriptValue{{"image", image.uri}, {"problem", image.error}});
 }
 
 }  // namespace kestrel

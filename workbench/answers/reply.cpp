@@ -7,9 +7,9 @@ namespace kestrel {
 Reply::Reply(std::string callback, Send send)
     : callback_(std::move(callback)), send_(std::move(send)) {}
 
-void Reply::operator()(const std::string& value) const {
+void Reply::operator()(const ScriptValue& value) const {
     const auto answer = call_back(callback_, value);
-    if (answer && !send_(*answer)) send_(*call_back(callback_, "null"));
+    if (answer && !send_(*answer)) send_(*call_back(callback_, nullptr));
 }
 
 void Reply::operator()(const AjaxResult& result) const {

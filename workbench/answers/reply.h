@@ -7,22 +7,21 @@
 
 namespace kestrel {
 
-// The way back to the page for the answer to one request: now, later or never. To be used once; a
-// reply that is dropped unused leaves the page waiting.
+// Sends the answer to one request, immediately or later. Use it at most once; if it is never used,
+// the page's callback is never called.
 class Reply {
   public:
-    // Sends to the process that asked, if it is still there. False when the answer is longer than
-    // that process would take.
+    // Sends to the requesting process if it is still connected. False if the answer is longer than
+    // the extension accepts.
     using Send = std::function<bool(const Answer&)>;
 
-    // `callback` is what the page named; "" for none, and then nothing is ever sent.
+    // `callback` is the one that the page named; with "", nothing is sent.
     Reply(std::string callback, Send send);
 
-    // Calls back with `value`, a literal. One that is too long for the page becomes null.
-    void operator()(const std::string& value) const;
+    // Calls back with `value`, or with null if it is too long for the page.
+    void operator()(const ScriptValue& value) const;
 
-    // Calls back with the five texts. A result that is too long for the page becomes a failure that
-    // says so.
+    // Calls back with the five texts, or with an error result if they are too long for the page.
     void operator()(const AjaxResult& result) const;
 
   private:

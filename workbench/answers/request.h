@@ -4,11 +4,11 @@
 #include <string>
 #include <utility>
 
-#include "ipc/frame.h"
+#include "ipc/items.h"
 
 namespace kestrel {
 
-// The items of a message from the page. Whoever sent it may have left some out: those are 0 and "".
+// The items of a message from the page. Missing items are 0 and "".
 class Request {
   public:
     explicit Request(Items items) : items_(std::move(items)) {}

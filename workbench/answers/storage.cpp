@@ -1,17 +1,16 @@
-// The actions on what the page has kept: items, and subscriptions in the user's order.
+// Actions on stored items and on subscriptions in the user's order.
 #include <charconv>
 
 #include "ipc/protocol.h"
 #include "workbench/answers/actions.h"
-#include "workbench/answers/script_literal.h"
 
 namespace kestrel {
 namespace {
 
-// What a message has left for a value's literal, escapes included, beside its callback.
+// The room that a message has for the value's literal, next to its callback.
 constexpr std::size_t kMaxItem = kMaxInboundPayload - 65'536;
 
-// 0 for what is no position.
+// 0 if the text is not a number.
 std::size_t position_of(const std::string& text) {
     std::size_t position = 0;
     std::from_chars(text.data(), text.data() + text.size(), position);
@@ -20,25 +19,25 @@ std::size_t position_of(const std::string& text) {
 
 }  // namespace
 
-void tell_item(Services& services, const Request& request, const Reply& reply) {
+void get_item(Services& services, const Request& request, const Reply& reply) {
     const auto value = services.database.item(request.text(0));
-    reply(value ? script_string(*value) : "null");
+    reply(value ? ScriptValue(*value) : ScriptValue());
 }
 
-void keep_item(Services& services, const Request& request, const Reply& reply) {
-    const bool fits = script_string(request.text(1)).size() <= kMaxItem;
+void set_item(Services& services, const Request& request, const Reply& reply) {
+    const bool fits = script_literal(request.text(1)).size() <= kMaxItem;
     if (fits) services.database.set_item(request.text(0), request.text(1));
-    reply(script_boolean(fits));
+    reply(fits);
 }
 
 void subscribe(Services& services, const Request& request, const Reply& reply) {
     services.database.subscribe(request.text(0));
-    reply(script_strings(services.database.subscriptions()));
+    reply(services.database.subscriptions());
 }
 
 void unsubscribe(Services& services, const Request& request, const Reply& reply) {
     services.database.unsubscribe(request.text(0));
-    reply(script_strings(services.database.subscriptions()));
+    reply(services.database.subscriptions());
 }
 
 void move_subscription(Services& services, const Request& request, const Reply& /*reply*/) {

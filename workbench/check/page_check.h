@@ -8,13 +8,13 @@
 
 namespace kestrel {
 
-// Watches what a page does, to tell in the end what was not as it should be. May have the page run
-// scripts: those that its functions return, if not "".
+// Observes a page and reports failures. on_page_shown and on_command may return a script, which
+// is run in the page.
 class PageCheck {
   public:
     virtual ~PageCheck() = default;
 
-    // The page has loaded and got the host's first word. Called again when it is loaded again.
+    // The page has loaded and the host-ready script was sent. Called again after each reload.
     virtual std::string on_page_shown() { return ""; }
 
     virtual std::string on_command(const Command& command, const Request& request) = 0;
@@ -22,13 +22,13 @@ class PageCheck {
     virtual void on_answer_sent() {}
     virtual void on_answer_confirmed() {}
 
-    // Nothing more is to be expected.
+    // The check has finished.
     virtual bool is_over() const = 0;
 
-    // One line for everything that is not as it should be; empty when all went well.
+    // One line per failure; empty on success.
     virtual std::vector<std::string> failures() const = 0;
 
-    // One line for the case that there are no failures.
+    // The line that reports success.
     virtual std::string success() const = 0;
 };
 

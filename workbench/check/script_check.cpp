@@ -10,11 +10,11 @@
 namespace kestrel {
 namespace {
 
-// The script's lines keep their numbers: nothing before it breaks a line of its own.
+// No newline before the script, so that error messages have its line numbers.
 constexpr const char* kScriptStart = "(async (workbench) => {";
 constexpr const char* kScriptEnd = "\n})";
 
-// Each report is a trace message. `page` is the script's function.
+// Each report is a trace message. `page` is the function made of the script.
 constexpr const char* kRunner = R"js(
 (async (page) => {
   const report = (result) =>
@@ -56,7 +56,7 @@ std::string ScriptCheck::find_syntax_error(const std::string& source) {
 }
 
 std::string ScriptCheck::on_page_shown() {
-    // The page may have been loaded again by its own doing, even by the script's.
+    // The page, or the script itself, may have reloaded the page.
     if (std::exchange(has_begun_, true)) return "";
     return kRunner + ("(" + as_function(source_) + ");");
 }

@@ -1,9 +1,9 @@
-// Runs a script in the page and collects what it expects.
+// Runs a script in the page and collects its expectations.
 //
 // The script is the body of an async function with the parameter `workbench`:
-// workbench.expect(held, text) tells whether something is as it should be, and
-// await workbench.until(condition, text, milliseconds = 5000) gives the condition, a function, that
-// time to become true. The check is over when the script returns or throws; to throw is a failure.
+// workbench.expect(held, text) reports whether an expectation holds, and
+// await workbench.until(condition, text, milliseconds = 5000) waits for the function `condition` to
+// return a true value. The check is over when the script returns or throws; throwing is a failure.
 #pragma once
 
 #include "workbench/check/page_check.h"
@@ -12,10 +12,10 @@ namespace kestrel {
 
 class ScriptCheck final : public PageCheck {
   public:
-    // `source` must have passed find_syntax_error.
+    // `source` must have no syntax error.
     explicit ScriptCheck(std::string source) : source_(std::move(source)) {}
 
-    // "" for a script that can be run; else what is wrong, and in which line.
+    // The syntax error with its line, or "".
     static std::string find_syntax_error(const std::string& source);
 
     std::string on_page_shown() override;

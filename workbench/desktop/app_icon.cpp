@@ -21,7 +21,7 @@ constexpr std::array kKinds = {
     Kind{".webp", "image/webp"},
 };
 
-// "" if the theme has none.
+// "" if the theme has no such icon.
 std::string file_of(GtkIconTheme* theme, const std::string& icon, int size) {
     const ObjectHandle<GIcon> described(g_icon_new_for_string(icon.c_str(), nullptr));
     if (!described) return "";

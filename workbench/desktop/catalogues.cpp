@@ -21,7 +21,7 @@ std::vector<std::string> locales_with_catalogue(const std::string& install_root)
          entry.increment(error)) {
         std::error_code missing;
         const std::string name = entry->path().filename();
-        // What is not UTF-8 can neither be shown nor be given as an argument.
+        // A name that is not UTF-8 can be neither shown nor passed as an argument.
         if (g_utf8_validate(name.c_str(), -1, nullptr) != FALSE &&
             fs::is_regular_file(entry->path() / kCatalogue, missing)) {
             locales.push_back(name);

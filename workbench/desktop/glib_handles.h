@@ -1,4 +1,4 @@
-// What GLib hands out, with owners that release it.
+// Owners for GLib objects.
 #pragma once
 
 #include <glib-object.h>
@@ -11,13 +11,11 @@ namespace kestrel {
 struct GlibRelease {
     void operator()(GError* error) const { g_error_free(error); }
     void operator()(GBytes* bytes) const { g_bytes_unref(bytes); }
-    void operator()(GOptionContext* context) const { g_option_context_free(context); }
     void operator()(char* text) const { g_free(text); }
     void operator()(guchar* bytes) const { g_free(bytes); }
 };
 using GlibError = std::unique_ptr<GError, GlibRelease>;
 using GlibBytes = std::unique_ptr<GBytes, GlibRelease>;
-using GlibOptionContext = std::unique_ptr<GOptionContext, GlibRelease>;
 using GlibText = std::unique_ptr<char, GlibRelease>;
 using GlibBinary = std::unique_ptr<guchar, GlibRelease>;
 
@@ -29,7 +27,7 @@ struct ObjectRelease {
 template <typename T>
 using ObjectHandle = std::unique_ptr<T, ObjectRelease>;
 
-// For a new widget, whose floating reference nobody has taken yet.
+// Takes the floating reference of a new widget.
 template <typename T>
 ObjectHandle<T> take_reference(T* object) {
     return ObjectHandle<T>(static_cast<T*>(g_object_ref_sink(object)));

@@ -26,7 +26,7 @@ ImageSource too_long_image(std::size_t limit) {
 ImageSource read_data(const std::string& uri, std::size_t limit) {
     const std::size_t comma = uri.find(',');
     if (comma == std::string::npos) return no_image("the data URI has no comma");
-    // A byte takes three characters at most.
+    // A byte takes at most three characters.
     if (uri.size() - comma > 3 * limit) return too_long_image(limit);
 
     const GlibBytes unescaped(g_uri_unescape_bytes(
@@ -51,7 +51,7 @@ ImageSource read_file(const std::string& uri, std::size_t limit) {
     if (!path || (host != nullptr && std::strcmp(host, "localhost") != 0)) {
         return no_image("this is not the URI of a file on this machine: " + uri);
     }
-    // A pipe or a device would keep the reader waiting.
+    // O_NONBLOCK: opening or reading a pipe or a device could block.
     const FileDescriptor file(open(path.get(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status {};
     if (!file.is_open() || fstat(file.get(), &status) == -1) {

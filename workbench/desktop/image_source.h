@@ -7,11 +7,11 @@ namespace kestrel {
 
 struct ImageSource {
     std::string bytes;
-    std::string error;  // why there are none, or ""
+    std::string error;  // "" on success
 };
 
-// The bytes behind a data URI, or behind the file URI of a regular file on this machine. More than
-// `limit` are an error. Anything else, and so every network, is refused.
+// The bytes of a data URI, or of a regular file on this machine that a file URI names; at most
+// `limit` bytes. All other URIs are refused, so no network is used.
 ImageSource read_image_source(const std::string& uri, std::size_t limit);
 
 }  // namespace kestrel

@@ -17,7 +17,7 @@ std::string icon_text(GAppInfo* app) {
     return text_or_empty(text.get());
 }
 
-// The application as it is listed; null if none is listed with this id.
+// The listed application with this id, or null.
 AppInfo shown_app(const std::string& id) {
     AppInfo app(reinterpret_cast<GAppInfo*>(g_desktop_app_info_new(id.c_str())));
     if (app && g_app_info_should_show(app.get()) == FALSE) app.reset();
@@ -38,14 +38,14 @@ InstalledApp described(GAppInfo* app) {
 
 }  // namespace
 
-// One launch under way, in the user's home.
+// A pending launch.
 struct InstalledApps::Launch {
     ObjectHandle<GCancellable> cancellable;
     ObjectHandle<GAppLaunchContext> context{g_app_launch_context_new()};
     Done done;
     std::string error{};
 
-    // The end, in the main context. Takes the launch over.
+    // Runs in the main context. Takes ownership of the launch.
     static gboolean report(gpointer data) {
         const std::unique_ptr<Launch> launch(static_cast<Launch*>(data));
         if (g_cancellable_is_cancelled(launch->cancellable.get()) == FALSE) {

@@ -16,37 +16,35 @@ struct InstalledApp {
     std::string id;  // of its desktop entry, such as "org.example.Editor.desktop"
     std::string name;
     std::string description;  // "" if it has none
-    std::string icon;         // as GIcon serialises itself: a path, a name, …; "" if it has none
+    std::string icon;         // a serialised GIcon: a path, a name, …; "" if it has none
 };
 
-// The applications that this machine's desktop entries show to the user. GLib looks for them where
-// HOME and the XDG variables point when the process first asks for one of the user's directories:
-// ask for g_get_user_data_dir before HOME is changed.
+// The applications with visible desktop entries. GLib reads HOME and the XDG variables when the
+// process first asks for a user directory: call g_get_user_data_dir before HOME is changed.
 class InstalledApps {
   public:
-    // Gets "" when an application was started, otherwise why not. That it has come up is more than
-    // anybody knows.
+    // `error` is "" if the application was started, which does not imply that it came up.
     using Done = std::function<void(std::string error)>;
 
-    // `home` is the user's own home directory, in which the launched are to live.
+    // `home` is HOME of the launched applications: the user's own home directory.
     explicit InstalledApps(std::string home);
 
-    // Nothing is called any more for launches under way, which may yet succeed.
+    // Callbacks of pending launches are not called any more; the launches may still succeed.
     ~InstalledApps();
     InstalledApps(const InstalledApps&) = delete;
     InstalledApps& operator=(const InstalledApps&) = delete;
 
-    // In the order of their names, as the user's language sorts them.
+    // Sorted by name in the user's locale.
     std::vector<InstalledApp> list() const;
 
-    // The one listed under this id, if there is one.
+    // The listed application with this id, if any.
     std::optional<InstalledApp> find(const std::string& id) const;
 
-    // Launches one of those listed. Here and below, `done` is called once, from the default main
-    // context and never inside the call; it may destroy this object.
+    // Launches a listed application. Here and below, `done` is called once, from the default main
+    // context, after the call has returned; it may destroy this object.
     void launch(const std::string& id, Done done);
 
-    // Opens a file or an address with the application that the user has chosen for its kind.
+    // Opens a file or an address with its default application.
     void open(const std::string& uri, Done done);
 
   private:

@@ -16,27 +16,27 @@ using Pixbuf = ObjectHandle<GdkPixbuf>;
 
 constexpr int kChannels = 4;  // red, green, blue, alpha
 
-// So small that a loader cannot do much before its image's size is known to be refused.
+// Small, so that little is decoded before a large image is refused.
 constexpr std::size_t kLoaderPiece = 4'096;
 
 constexpr std::string_view kPngStart = "\x89PNG\r\n";
 constexpr std::string_view kPngEnd = "IEND\xae\x42\x60\x82";
 
-// The loader would take the rest of such an image as transparent.
+// The loader would treat the missing rest as transparent.
 bool is_cut_off(std::string_view bytes) {
     return bytes.starts_with(kPngStart) && bytes.find(kPngEnd) == std::string_view::npos;
 }
 
 RecoloredImage not_recolored(std::string why) { return {.uri = {}, .error = std::move(why)}; }
 
-// Size 0 makes the loaders give up before they allocate an image.
+// Size 0 makes the loaders stop before they allocate an image.
 void refuse_large(GdkPixbufLoader* loader, int width, int height, gpointer is_too_large) {
     if (width <= kMaxImageSide && height <= kMaxImageSide) return;
     *static_cast<bool*>(is_too_large) = true;
     gdk_pixbuf_loader_set_size(loader, 0, 0);
 }
 
-// The image, or null and why in `error`.
+// The image, or null with the reason in `error`.
 Pixbuf decoded(std::string_view bytes, std::string& error) {
     bool is_too_large = false;
     const ObjectHandle<GdkPixbufLoader> loader(gdk_pixbuf_loader_new());
@@ -49,7 +49,7 @@ Pixbuf decoded(std::string_view bytes, std::string& error) {
         gdk_pixbuf_loader_write(loader.get(), reinterpret_cast<const guchar*>(piece.data()),
                                 piece.size(), &failed);
     }
-    // A loader must be closed, even one that has failed.
+    // A loader must be closed even if it has failed.
     gdk_pixbuf_loader_close(loader.get(), failed == nullptr ? &failed : nullptr);
     const GlibError owner(failed);
     if (is_too_large) {
@@ -87,7 +87,7 @@ RecoloredImage encoded(GdkPixbuf* pixbuf) {
     char* png = nullptr;
     gsize size = 0;
     GError* failed = nullptr;
-    // One colour compresses as well at the fastest level, and six times as fast.
+    // The fastest level compresses a single colour as well, in a sixth of the time.
     gdk_pixbuf_save_to_buffer(pixbuf, &png, &size, "png", &failed, "compression", "1", nullptr);
     const GlibText png_owner(png);
     const GlibError error_owner(failed);

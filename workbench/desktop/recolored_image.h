@@ -6,7 +6,7 @@
 
 namespace kestrel {
 
-// Together they keep the recolouring of an image below some fifty milliseconds.
+// Together they limit the time for an image to about fifty milliseconds.
 inline constexpr std::size_t kMaxImageBytes = std::size_t{2} << 20;
 inline constexpr int kMaxImageSide = 512;  // pixels
 
@@ -18,14 +18,14 @@ struct Color {
 
 struct RecoloredImage {
     std::string uri;    // "data:image/png;base64,…", or ""
-    std::string error;  // why there is none, or ""
+    std::string error;  // "" on success
 };
 
-// The image in one colour: every pixel takes it and keeps how opaque it is, as an icon of one
-// colour is to be shown. An image without transparency so becomes a rectangle.
+// Sets every pixel to the colour and keeps its opacity, as for a monochrome icon. An image without
+// transparency becomes a filled rectangle.
 //
-// `uri` is a data URI or the file URI of a regular file on this machine; nothing is fetched from a
-// network. The format is whatever GdkPixbuf reads, SVG if librsvg's loader is installed.
+// `uri` is a data URI or the file URI of a regular file on this machine; no network is used. All
+// formats that GdkPixbuf reads are supported, SVG if librsvg's loader is installed.
 RecoloredImage recolored_image(const std::string& uri, Color color);
 
 }  // namespace kestrel

@@ -1,5 +1,5 @@
-// What differs between libsoup 2.4, which WebKit's 4.0 API links, and libsoup 3, which its 4.1 API
-// links. One process cannot hold both.
+// One interface for libsoup 2.4, which WebKit's 4.0 API links, and libsoup 3, which its 4.1 API
+// links. A process cannot load both.
 #pragma once
 
 #include <libsoup/soup.h>

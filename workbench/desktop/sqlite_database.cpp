@@ -2,28 +2,31 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 
 #include "program/translation.h"
 
 namespace kestrel {
 namespace {
 
-constexpr int kPatience = 5'000;  // milliseconds
+// Milliseconds.
+constexpr int kBusyTimeout = 5'000;
+constexpr int kRetryInterval = 5;
 
 struct Explanation {
     int result_code;
     const char* text;
 };
 
-// What SQLite's own words would leave unclear, of the database at a path.
+// Clearer texts than SQLite's own; %s is the path of the database.
 constexpr std::array kExplanations = {
     Explanation{SQLITE_NOTADB, translatable("%s is not a database")},
     Explanation{SQLITE_CORRUPT, translatable("%s is a damaged database")},
     Explanation{SQLITE_READONLY, translatable("%s cannot be written")},
     Explanation{SQLITE_CANTOPEN, translatable("%s cannot be opened or created")},
-    Explanation{SQLITE_FULL, translatable("%s cannot grow, the disk is full")},
+    Explanation{SQLITE_FULL, translatable("%s cannot grow: the disk is full")},
     Explanation{SQLITE_BUSY, translatable("%s has been locked by another program for too long")},
-    Explanation{SQLITE_TOOBIG, translatable("%s cannot keep so long a text")},
+    Explanation{SQLITE_TOOBIG, translatable("%s cannot store a text that long")},
 };
 
 std::string explain(const std::string& path, int result_code) {
@@ -41,13 +44,24 @@ SqliteDatabase::SqliteDatabase(const std::string& path) : path_(path) {
         sqlite3_open_v2(path.c_str(), &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
     handle_.reset(opened);
     if (result != SQLITE_OK) fail(result);
-    // SQLite opens for reading alone what it may not write.
+    // SQLite silently opens a file read-only if it may not write it.
     if (sqlite3_db_readonly(opened, "main") != 0) fail(SQLITE_READONLY);
-    sqlite3_busy_timeout(opened, kPatience);
+    sqlite3_busy_timeout(opened, kBusyTimeout);
 }
 
 void SqliteDatabase::run(const char* sql) const {
     const int result = sqlite3_exec(get(), sql, nullptr, nullptr, nullptr);
+    if (result != SQLITE_OK) fail(result);
+}
+
+void SqliteDatabase::run_when_unlocked(const char* sql) const {
+    const auto deadline =
+        std::chrono::steady_clock::now() + std::chrono::milliseconds(kBusyTimeout);
+    int result = SQLITE_OK;
+    while ((result = sqlite3_exec(get(), sql, nullptr, nullptr, nullptr)) == SQLITE_BUSY &&
+           std::chrono::steady_clock::now() < deadline) {
+        sqlite3_sleep(kRetryInterval);
+    }
     if (result != SQLITE_OK) fail(result);
 }
 
@@ -65,7 +79,7 @@ SqliteStatement::SqliteStatement(const SqliteDatabase& database, std::string_vie
 }
 
 SqliteStatement& SqliteStatement::bind(std::string_view text) {
-    // Without data it would be NULL.
+    // A null pointer would bind SQL NULL.
     const char* const data = text.empty() ? "" : text.data();
     const int result =
         sqlite3_bind_text64(handle_.get(), ++bound_, data, text.size(), SQLITE_STATIC, SQLITE_UTF8);
@@ -102,7 +116,7 @@ SqliteTransaction::SqliteTransaction(const SqliteDatabase& database) : database_
 }
 
 SqliteTransaction::~SqliteTransaction() {
-    // Some errors have ended the transaction already.
+    // Some errors have already rolled the transaction back.
     if (sqlite3_get_autocommit(database_.get()) == 0) {
         sqlite3_exec(database_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
     }

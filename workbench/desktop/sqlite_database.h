@@ -1,4 +1,4 @@
-// SQLite's handles, with owners, and its errors as exceptions. One thread at a time.
+// Owners for SQLite handles; errors are exceptions. One thread at a time.
 #pragma once
 
 #include <sqlite3.h>
@@ -11,7 +11,7 @@
 
 namespace kestrel {
 
-// What could not be done with a database, and why, as the user should read it.
+// A translated text that says what failed and why.
 class DatabaseError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
@@ -19,17 +19,22 @@ class DatabaseError : public std::runtime_error {
 
 class SqliteDatabase {
   public:
-    // Opens the file for reading and writing, and creates it if it is not there. Whoever finds it
-    // in use by another process waits for that one, five seconds at most. Throws DatabaseError.
+    // Opens the file for reading and writing, and creates it if it does not exist. While another
+    // process has locked it, calls wait, at most five seconds. Throws DatabaseError.
     explicit SqliteDatabase(const std::string& path);
 
     sqlite3* get() const { return handle_.get(); }
     const std::string& path() const { return path_; }
 
-    // Runs a statement without values and without results. Throws DatabaseError.
+    // Runs statements without parameters and results. Throws DatabaseError.
     void run(const char* sql) const;
 
-    // Throws the DatabaseError that a result code of SQLite stands for.
+    // Like run, for a statement that upgrades a read lock to a write lock, such as a change of the
+    // journal mode. If two processes do that at once, SQLite fails without waiting; this retries
+    // for five seconds.
+    void run_when_unlocked(const char* sql) const;
+
+    // Throws the DatabaseError for a result code of SQLite.
     [[noreturn]] void fail(int result_code) const;
 
   private:
@@ -41,24 +46,24 @@ class SqliteDatabase {
     std::unique_ptr<sqlite3, Close> handle_;
 };
 
-// A statement whose values, its question marks, are bound in their order. The database must outlive
-// it. Everything throws DatabaseError.
+// A prepared statement whose parameters ("?") are bound in order. The database must outlive it. All
+// functions throw DatabaseError.
 class SqliteStatement {
   public:
     SqliteStatement(const SqliteDatabase& database, std::string_view sql);
 
-    // The text must outlive the statement. Whatever bytes it holds are kept.
+    // The text must outlive the statement. It may contain any bytes.
     SqliteStatement& bind(std::string_view text);
     SqliteStatement& bind(std::int64_t number);
 
-    // Goes to the next row of the result; false behind the last one.
+    // Steps to the next row of the result; false after the last one.
     bool next();
 
-    // Columns of the row, counted from 0.
+    // Columns of the current row, counted from 0.
     std::string text(int column) const;
     std::int64_t number(int column) const { return sqlite3_column_int64(handle_.get(), column); }
 
-    // Carries out a statement that has no result; gives the number of rows that it changed.
+    // Runs a statement without results; returns the number of changed rows.
     int execute();
 
   private:
@@ -71,7 +76,7 @@ class SqliteStatement {
     int bound_ = 0;
 };
 
-// From here to commit() nobody else writes. Taken back if it is not committed.
+// Locks out other writers until commit(); rolled back if not committed.
 class SqliteTransaction {
   public:
     explicit SqliteTransaction(const SqliteDatabase& database);

@@ -8,11 +8,11 @@
 namespace kestrel {
 namespace {
 
-// Tells our files from those of other programs: "Kest".
+// "Kest": distinguishes our files from those of other programs.
 constexpr std::int64_t kApplicationId = 0x4b657374;
 constexpr std::int64_t kSchemaVersion = 1;
 
-// The numbers are those above.
+// With the application id and version above.
 constexpr const char* kSchema = R"(
     CREATE TABLE item (key TEXT PRIMARY KEY, value TEXT NOT NULL);
     CREATE TABLE subscription (id TEXT PRIMARY KEY, position INTEGER NOT NULL);
@@ -30,22 +30,23 @@ std::int64_t number_of(const SqliteDatabase& database, std::string_view sql) {
 
 StoreDatabase::StoreDatabase(const std::string& path) : database_(path) {
     prepare();
-    // Readers do not wait for a writer, and a change does not wait for the disk: at worst a loss of
-    // power takes the last ones back.
-    database_.run("PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL");
+    // Readers do not wait for a writer, and commits do not wait for the disk: a power failure loses
+    // at most the last changes.
+    database_.run_when_unlocked("PRAGMA journal_mode = WAL");
+    database_.run("PRAGMA synchronous = NORMAL");
 }
 
 void StoreDatabase::prepare() {
     SqliteTransaction transaction(database_);
     if (number_of(database_, "SELECT count(*) FROM sqlite_schema") == 0) database_.run(kSchema);
     if (number_of(database_, "PRAGMA application_id") != kApplicationId) {
-        throw DatabaseError(formatted(translate("%s is the database of another program"),
-                                      database_.path().c_str()));
+        throw DatabaseError(
+            formatted(translate("%s belongs to another program"), database_.path().c_str()));
     }
     const std::int64_t version = number_of(database_, "PRAGMA user_version");
     if (version != kSchemaVersion) {
         throw DatabaseError(
-            formatted(translate("%s is of version %lld, but this program knows version %d only"),
+            formatted(translate("%s has version %lld, but this program supports only version %d"),
                       database_.path().c_str(), static_cast<long long>(version),
                       static_cast<int>(kSchemaVersion)));
     }

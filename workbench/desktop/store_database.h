@@ -12,24 +12,23 @@ namespace kestrel {
 
 inline constexpr std::string_view kStoreDatabaseFile = "store.db";
 
-// What the host keeps for the store page: items and subscriptions, in an SQLite file. Any number of
-// processes may have the same file open; each sees at once what another has changed, and every
-// change is made whole or not at all. Each function throws DatabaseError if the file does not let
-// it be done; what was kept before stays.
+// The store page's items and subscriptions, in an SQLite file. Any number of processes may open the
+// same file; changes are atomic and visible to all of them immediately. Each function throws
+// DatabaseError on failure and then changes nothing.
 class StoreDatabase {
   public:
-    // Creates the file if it is not there, but not its directory. A file that is no such database,
-    // or one of a newer version, is left as it is, and an error.
+    // Creates the file, but not its directory, if it does not exist. Throws for a file that is no
+    // such database or has another version, without changing it.
     explicit StoreDatabase(const std::string& path);
 
-    // The item stored under `key`, if there is one. Keys and values are any bytes, also none.
+    // The item stored under `key`, if any. Keys and values are any bytes and may be empty.
     std::optional<std::string> item(std::string_view key) const;
     void set_item(std::string_view key, std::string_view value);
 
-    // The applications subscribed to, in the user's order.
+    // The ids of the subscribed applications in the user's order.
     std::vector<std::string> subscriptions() const;
 
-    // Each is false if that changes nothing. A position behind the last one means the last one.
+    // Each returns false if nothing changes. A position beyond the end means the last one.
     bool subscribe(std::string_view id);
     bool unsubscribe(std::string_view id);
     bool move(std::string_view id, std::size_t position);

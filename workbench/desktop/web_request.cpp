@@ -7,16 +7,17 @@
 #include <span>
 
 #include "workbench/desktop/glib_handles.h"
+#include "workbench/desktop/valid_utf8.h"
 
 namespace kestrel {
 namespace {
 
 constexpr std::array<std::string_view, 2> kSchemes = {"http", "https"};
 
-// They open tunnels, or show the page headers that are not for it.
+// They open tunnels, or reveal headers that the page may not see.
 constexpr std::array<std::string_view, 3> kForbiddenMethods = {"CONNECT", "TRACE", "TRACK"};
 
-// They say where a request ends and where it goes, which is not the page's to say.
+// They control the length and the destination of a request.
 constexpr std::array<std::string_view, 9> kForbiddenHeaders = {
     "connection", "content-length",    "expect", "host", "keep-alive", "te", "trailer",
     "upgrade",    "transfer-encoding",
@@ -67,7 +68,7 @@ std::string fault_of_method(const std::string& method) {
     return "this is not a method that is relayed: " + method;
 }
 
-// Adds the line's header to `headers`; gives what is wrong with it, if something is.
+// Adds the line's header to `headers`; returns the fault of an invalid one.
 std::string take_header(std::string_view line,
                         std::vector<std::pair<std::string, std::string>>& headers) {
     const std::size_t colon = line.find(':');
@@ -112,10 +113,7 @@ std::string text_of_body(std::string body, const std::string& charset) {
                                  : g_convert(body.data(), static_cast<gssize>(body.size()), "UTF-8",
                                              charset.c_str(), nullptr, &size, nullptr));
     if (converted) body.assign(converted.get(), size);
-    if (g_utf8_validate_len(body.data(), body.size(), nullptr) == FALSE) {
-        const GlibText valid(g_utf8_make_valid(body.data(), static_cast<gssize>(body.size())));
-        body = valid.get();
-    }
+    if (g_utf8_validate_len(body.data(), body.size(), nullptr) == FALSE) body = valid_utf8(body);
     if (body.starts_with(kByteOrderMark)) body.erase(0, kByteOrderMark.size());
     return body;
 }

@@ -1,4 +1,4 @@
-// A request as the page words it, and what the page may not word.
+// A web request of the page, and its validation.
 #pragma once
 
 #include <string>
@@ -10,32 +10,31 @@ namespace kestrel {
 struct WebRequest {
     std::string url;
     std::string method{};   // "" is GET
-    std::string headers{};  // one "Name: value" a line
+    std::string headers{};  // lines of "Name: value"
     std::string body{};
 };
 
 struct WebResponse {
-    int status = 0;             // 0 when no complete answer has come
-    std::string status_text{};  // the server's words, or why no answer has come
-    std::string headers{};      // one "Name: value" a line
+    int status = 0;             // 0 without a complete response
+    std::string status_text{};  // the server's reason phrase, or the error
+    std::string headers{};      // lines of "Name: value"
     std::string body{};
 };
 
-// A request that may be sent, or why it may not.
+// A valid request, or the reason why it is refused.
 struct CheckedRequest {
-    std::string fault;  // "" if there is none
+    std::string fault;  // "" for a valid request
     std::string method;
     std::vector<std::pair<std::string, std::string>> headers;
 };
 
-// Looks at everything but whether the URL can be parsed. The method is put into capitals. Refused
-// are other schemes than http and https, methods and headers that concern the connection and not
-// the request, and whatever would end a line early and so become a header of its own.
+// Checks all but the syntax of the URL, and converts the method to upper case. Refuses schemes
+// other than http and https, methods and headers that control the connection, and characters that
+// would inject further headers.
 CheckedRequest check(const WebRequest& request);
 
-// Text in UTF-8 without NULs, whatever the bytes are: as `charset` says, if it is known and the
-// bytes agree with it, otherwise UTF-8 with U+FFFD in the place of what is none. A byte order mark
-// is left out.
+// Converts the body from `charset`, or reads it as UTF-8 if the charset is unknown or does not
+// match. Invalid UTF-8 and NULs become U+FFFD. A byte order mark is removed.
 std::string text_of_body(std::string body, const std::string& charset);
 
 }  // namespace kestrel

@@ -10,7 +10,7 @@ namespace {
 constexpr const char* kUserAgent = "kestrel-workbench/" WORKBENCH_VERSION;
 constexpr gsize kBodyPiece = 65'536;
 
-// As many as browsers have.
+// As in browsers.
 constexpr int kConnectionsToOneHost = 6;
 
 std::string valid_text(const char* text) { return text_of_body(text_or_empty(text), ""); }
@@ -25,7 +25,7 @@ ObjectHandle<SoupMessage> message_of(const WebRequest& request, const CheckedReq
     SoupMessageHeaders* const headers = soup::request_headers(message.get());
     if (!request.body.empty()) {
         soup::set_body(message.get(), request.body);
-    } else if (checked.method.starts_with('P')) {  // POST, PUT, PATCH: servers may insist on it
+    } else if (checked.method.starts_with('P')) {  // POST, PUT, PATCH: servers may require it
         soup_message_headers_set_content_length(headers, 0);
     }
     const auto add_unless_given = [&](const char* name, const char* value) {
@@ -64,8 +64,8 @@ std::string charset_of(SoupMessageHeaders* headers) {
 
 }  // namespace
 
-// One request under way. Each operation that GIO carries out for it keeps it alive; it is finished
-// by the answer, an error or its timer, whichever comes first.
+// A pending request. Each asynchronous operation keeps it alive; it is finished by the response, an
+// error or its timer, whichever comes first.
 class WebRequests::Exchange : public std::enable_shared_from_this<Exchange> {
   public:
     Exchange(WebRequests& owner, Done done) : owner_(owner), done_(std::move(done)) {}
@@ -74,7 +74,7 @@ class WebRequests::Exchange : public std::enable_shared_from_this<Exchange> {
     Exchange& operator=(const Exchange&) = delete;
 
     void fail_after(std::chrono::milliseconds time, std::string why) {
-        late_ = std::move(why);
+        timeout_error_ = std::move(why);
         timer_ = g_timeout_add(
             static_cast<guint>(time.count()),
             [](gpointer self) -> gboolean {
@@ -86,7 +86,7 @@ class WebRequests::Exchange : public std::enable_shared_from_this<Exchange> {
 
     void start(SoupSession* session, ObjectHandle<SoupMessage> message) {
         message_ = std::move(message);
-        soup::send(session, message_.get(), cancellable_.get(), on_answer, keep_alive());
+        soup::send(session, message_.get(), cancellable_.get(), on_response, keep_alive());
     }
 
     void abandon() {
@@ -103,12 +103,12 @@ class WebRequests::Exchange : public std::enable_shared_from_this<Exchange> {
         return *owner;
     }
 
-    static void on_answer(GObject* session, GAsyncResult* result, gpointer kept) {
+    static void on_response(GObject* session, GAsyncResult* result, gpointer kept) {
         const std::shared_ptr<Exchange> self = release(kept);
         GError* error = nullptr;
         self->stream_.reset(
             soup_session_send_finish(reinterpret_cast<SoupSession*>(session), result, &error));
-        if (self->goes_on(error)) self->read();
+        if (self->is_pending_after(error)) self->read();
     }
 
     static void on_piece(GObject* stream, GAsyncResult* result, gpointer kept) {
@@ -116,17 +116,17 @@ class WebRequests::Exchange : public std::enable_shared_from_this<Exchange> {
         GError* error = nullptr;
         const GlibBytes piece(g_input_stream_read_bytes_finish(
             reinterpret_cast<GInputStream*>(stream), result, &error));
-        if (self->goes_on(error)) self->take(piece.get());
+        if (self->is_pending_after(error)) self->take(piece.get());
     }
 
     void on_timer() {
         const std::shared_ptr<Exchange> self = shared_from_this();
         timer_ = 0;
-        finish(failed_request(late_));
+        finish(failed_request(timeout_error_));
     }
 
-    // Takes over the error, which ends the exchange if there is one.
-    bool goes_on(GError* error) {
+    // Takes ownership of the error, which finishes the exchange.
+    bool is_pending_after(GError* error) {
         const GlibError owner(error);
         if (owner) finish(failed_request(valid_text(owner->message)));
         return !owner && !is_finished();
@@ -174,13 +174,13 @@ class WebRequests::Exchange : public std::enable_shared_from_this<Exchange> {
         if (timer_ != 0) g_source_remove(std::exchange(timer_, 0));
     }
 
-    WebRequests& owner_;  // is there as long as done_ is
+    WebRequests& owner_;  // valid while done_ is set
     Done done_;
     ObjectHandle<GCancellable> cancellable_{g_cancellable_new()};
     ObjectHandle<SoupMessage> message_;
     ObjectHandle<GInputStream> stream_;
     std::string body_;
-    std::string late_;  // why it fails when the timer ends it
+    std::string timeout_error_;
     guint timer_ = 0;
 };
 

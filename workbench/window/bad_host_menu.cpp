@@ -11,13 +11,13 @@ namespace {
 constexpr const char* kTitle = translatable("Bad host");
 constexpr const char* kRowKey = "kestrel-misbehavior";
 
-// What the host can do without an answer to send: it makes one up, or needs none.
+// Whether the host can do this without a request.
 constexpr bool can_be_done_at_once(Misbehavior kind) {
     return kind == Misbehavior::wrong_type || kind == Misbehavior::truncated ||
            kind == Misbehavior::oversize || kind == Misbehavior::hang_up;
 }
 
-// The row that a widget of the menu stands for.
+// The row of a menu widget.
 void set_row(GtkWidget* widget, const MisbehaviorRow& row) {
     g_object_set_data(G_OBJECT(widget), kRowKey, const_cast<MisbehaviorRow*>(&row));
 }
@@ -32,7 +32,7 @@ BadHostMenu::BadHostMenu(Events events)
     label_ = gtk_label_new(translate(kTitle));
     gtk_container_add(GTK_CONTAINER(button_.get()), label_);
     gtk_widget_set_tooltip_text(button_.get(),
-                                translate("See how the page copes with a host that misbehaves"));
+                                translate("Test how the page handles a misbehaving host"));
     GtkWidget* popover = gtk_popover_new(button_.get());
     GtkWidget* choices = make_choices();
     gtk_container_add(GTK_CONTAINER(popover), choices);
@@ -65,7 +65,7 @@ GtkWidget* BadHostMenu::make_choices() {
         if (can_be_done_at_once(row.kind)) {
             GtkWidget* now = gtk_button_new_with_label(translate("Now"));
             gtk_widget_set_name(now, (std::string(row.name) + " now").c_str());
-            gtk_widget_set_tooltip_text(now, translate("Without waiting for a request"));
+            gtk_widget_set_tooltip_text(now, translate("Immediately, without a request"));
             set_row(now, row);
             g_signal_connect(now, "clicked", G_CALLBACK(+[](GtkWidget* clicked, BadHostMenu* self) {
                                  self->events_.at_once(row_of(clicked).kind);

@@ -1,5 +1,4 @@
-// The ways in which the host can misbehave, to choose from: one at a time, until the host is to
-// behave again.
+// A menu to choose one way in which the host misbehaves.
 #pragma once
 
 #include <gtk/gtk.h>
@@ -24,10 +23,10 @@ class BadHostMenu {
     BadHostMenu(const BadHostMenu&) = delete;
     BadHostMenu& operator=(const BadHostMenu&) = delete;
 
-    // A button for a window's header bar, which must outlive the menu. It shows what is chosen
-    // unless the host behaves. In its popover each way is a radio button named as its row of
-    // kMisbehaviors, and those that need no request have a button "Now", named so with " now"
-    // behind.
+    // A button for a window's header bar; the window must outlive the menu. Its label shows the
+    // chosen misbehaviour. The popover has a radio button for each row of kMisbehaviors, with the
+    // row's name as its widget name, and for those that need no request a button "Now", whose
+    // widget name is the row's name and " now".
     GtkWidget* widget() const { return button_.get(); }
 
   private:

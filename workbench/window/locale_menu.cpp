@@ -9,13 +9,13 @@ namespace kestrel {
 namespace {
 
 constexpr const char* kLocaleKey = "kestrel-locale";
-constexpr const char* kUsersOwn = translatable("Your own");
+constexpr const char* kUsersOwn = translatable("User default");
 
 const std::string& locale_of(GtkWidget* choice) {
     return *static_cast<const std::string*>(g_object_get_data(G_OBJECT(choice), kLocaleKey));
 }
 
-// The current one is to be seen, even if it finds its catalogue under another name.
+// Includes the current locale even if its catalogue has another name.
 std::vector<std::string> all_of(const LocaleMenu::Choices& choices) {
     std::vector<std::string> locales = {""};
     locales.insert(locales.end(), choices.locales.begin(), choices.locales.end());
@@ -38,7 +38,7 @@ LocaleMenu::LocaleMenu(const Choices& choices, OnChosen on_chosen)
     gtk_widget_set_name(button_.get(), "locales");
     gtk_widget_set_tooltip_text(
         button_.get(),
-        has_catalogues ? translate("Language of the client's catalogue: starts the workbench anew")
+        has_catalogues ? translate("Language of the client's catalogue (restarts the workbench)")
                        : translate("There is no catalogue in the install root"));
     GtkWidget* popover = gtk_popover_new(button_.get());
     GtkWidget* choices_box = make_choices();

@@ -8,9 +8,9 @@ namespace kestrel {
 namespace {
 
 constexpr int kPadding = 10;
-constexpr double kScale = 0.9;  // of the text, so that more of the items is seen
+constexpr double kScale = 0.9;  // of the text, to show more of the items
 
-// What a column's cells are drawn with; lives as long as its column.
+// The data of a column's cell function; owned by the column.
 struct Drawing {
     const MessageColumn& column;
     SetCell set_cell;

@@ -1,4 +1,4 @@
-// The columns of a message list: what each shows of a message, and how wide that is.
+// The columns of a message list.
 #pragma once
 
 #include <gtk/gtk.h>
@@ -13,7 +13,7 @@ namespace kestrel {
 
 struct MessageColumn {
     const char* title;
-    const char* widest;  // a text that fits; null for the one column that gets all other room
+    const char* widest;  // determines the width; null for the column that takes the remaining space
     float alignment;     // 0 is left, 1 is right
     std::string (*text)(const LoggedMessage& message);
 };
@@ -37,8 +37,8 @@ inline constexpr std::array<MessageColumn, 8> kMessageColumns = {{
     {translatable("Pair"), "\u21c4 #10000, 99.9 ms", 0, partner_text},
 }};
 
-// Adds them to a tree view whose rows all have the same height. `set_cell` is called for each cell
-// that is to be drawn, with the column's row of the table, and sets the renderer's properties.
+// Adds the columns to a tree view. `set_cell` is called for each cell to be drawn and sets the
+// renderer's properties.
 using SetCell = void (*)(void* data, const MessageColumn& column, GtkCellRenderer* cell,
                          GtkTreeModel* model, GtkTreeIter* row);
 void add_message_columns(GtkTreeView* view, SetCell set_cell, void* data);

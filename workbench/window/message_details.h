@@ -7,7 +7,7 @@
 
 namespace kestrel {
 
-// Shows all of one message, as text that can be selected and copied.
+// Shows all details of one message as selectable text.
 class MessageDetails {
   public:
     // GTK must be initialised.
@@ -16,7 +16,8 @@ class MessageDetails {
     MessageDetails(const MessageDetails&) = delete;
     MessageDetails& operator=(const MessageDetails&) = delete;
 
-    // To be put into a window, which must outlive this object. The text view is named "details".
+    // To be added to a window, which must outlive this object. The text view has the widget name
+    // "details".
     GtkWidget* widget() const { return root_.get(); }
 
     void show(const LoggedMessage& message);

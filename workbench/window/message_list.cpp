@@ -68,8 +68,8 @@ GtkWidget* MessageList::make_toolbar() {
     gtk_entry_set_placeholder_text(GTK_ENTRY(filter_),
                                    translate("Filter: type, name, process, items"));
     pause_ = icon_button(gtk_toggle_button_new(), "media-playback-pause-symbolic",
-                         translate("The list stands still; recording goes on"));
-    clear_ = icon_button(gtk_button_new(), "edit-clear-all-symbolic", translate("Empty the list"));
+                         translate("Pause the list; recording continues"));
+    clear_ = icon_button(gtk_button_new(), "edit-clear-all-symbolic", translate("Clear the list"));
     count_ = gtk_label_new("");
     gtk_widget_set_name(filter_, "filter");
     gtk_widget_set_name(pause_, "pause");
@@ -96,7 +96,7 @@ GtkWidget* MessageList::make_rows() {
             static_cast<const MessageList*>(self)->set_cell(column, cell, serial_in(model, row));
         },
         this);
-    // With it, the cost of a row does not depend on how many there are.
+    // Makes the cost of a row independent of the number of rows.
     gtk_tree_view_set_fixed_height_mode(rows_, TRUE);
 
     GtkWidget* scroller = gtk_scrolled_window_new(nullptr, nullptr);
@@ -123,12 +123,12 @@ void MessageList::connect_signals() {
             [](MessageList* self) { self->on_selection(); });
     connect(rows_, "row-activated", [](MessageList* self) { self->select(self->partner_); });
     connect(rows_, "size-allocate", [](MessageList* self) {
-        self->is_settling_ = false;
+        self->needs_layout_ = false;
         self->follow();
     });
     connect(position_, "changed", [](MessageList* self) { self->follow(); });
     connect(position_, "value-changed", [](MessageList* self) { self->on_scroll(); });
-    // While rows are settling, only the person's own movement tells where they want to be.
+    // Until the rows are laid out, only input events tell where the user scrolls.
     g_signal_connect(rows_, "scroll-event",
                      G_CALLBACK(+[](GtkWidget*, GdkEvent* event, MessageList* self) -> gboolean {
                          if (scrolls_up(event)) self->follows_ = false;
@@ -148,15 +148,15 @@ void MessageList::connect_signals() {
 
 void MessageList::refresh() {
     const MessageView::Change change = view_.update();
-    is_changing_ = true;
+    is_updating_ = true;
     if (change.is_new_list) {
         show_new_list();
     } else {
-        remove_first(change.gone_first);
+        remove_first(change.removed_first);
         append_last(change.added_last);
     }
     keep_selection();
-    is_changing_ = false;
+    is_updating_ = false;
     show_count();
 
     const LoggedMessage* selected = view_.find(selected_);
@@ -164,7 +164,7 @@ void MessageList::refresh() {
         partner_ = selected->partner->serial;
         on_selected_(*selected);
     }
-    // A partner may have come for any row.
+    // Any row may have got a partner.
     gtk_widget_queue_draw(GTK_WIDGET(rows_));
 }
 
@@ -175,7 +175,7 @@ void MessageList::show_new_list() {
         gtk_list_store_insert_with_values(model_, nullptr, -1, 0, serial, -1);
     }
     gtk_tree_view_set_model(rows_, GTK_TREE_MODEL(model_));
-    is_settling_ = true;
+    needs_layout_ = true;
     const auto selected = std::ranges::lower_bound(view_.serials(), selected_);
     if (selected != view_.serials().end() && *selected == selected_) {
         GtkTreeIter row;
@@ -186,7 +186,7 @@ void MessageList::show_new_list() {
 }
 
 void MessageList::remove_first(std::size_t count) {
-    if (count > 0) is_settling_ = true;
+    if (count > 0) needs_layout_ = true;
     GtkTreeIter row;
     while (count-- > 0 && gtk_tree_model_get_iter_first(GTK_TREE_MODEL(model_), &row) != FALSE) {
         gtk_list_store_remove(model_, &row);
@@ -194,7 +194,7 @@ void MessageList::remove_first(std::size_t count) {
 }
 
 void MessageList::append_last(std::size_t count) {
-    if (count > 0) is_settling_ = true;
+    if (count > 0) needs_layout_ = true;
     const auto& serials = view_.serials();
     for (auto serial = serials.end() - static_cast<std::ptrdiff_t>(count); serial != serials.end();
          ++serial) {
@@ -202,7 +202,7 @@ void MessageList::append_last(std::size_t count) {
     }
 }
 
-// GTK selects the next row in the place of one that has gone, which nobody has asked for.
+// GTK selects the next row when the selected one is removed; undo that.
 void MessageList::keep_selection() {
     GtkTreeSelection* selection = gtk_tree_view_get_selection(rows_);
     GtkTreeIter row;
@@ -242,7 +242,7 @@ void MessageList::select(std::uint64_t serial) {
 }
 
 void MessageList::on_selection() {
-    if (is_changing_) return;
+    if (is_updating_) return;
     GtkTreeIter row;
     if (gtk_tree_selection_get_selected(gtk_tree_view_get_selection(rows_), nullptr, &row) ==
         FALSE) {
@@ -256,7 +256,7 @@ void MessageList::on_selection() {
 }
 
 void MessageList::on_scroll() {
-    if (is_changing_ || is_settling_) return;
+    if (is_updating_ || needs_layout_) return;
     follows_ = is_at_end(gtk_adjustment_get_value(position_));
 }
 

@@ -1,5 +1,5 @@
-// The messages of a log as a person watches them come: a list that follows the newest until it is
-// scrolled up, a filter, a pause, and a button that clears it.
+// A list of a log's messages that follows the newest one until it is scrolled up, with a filter, a
+// pause button and a clear button.
 #pragma once
 
 #include <gtk/gtk.h>
@@ -16,7 +16,7 @@ struct MessageColumn;
 
 class MessageList {
   public:
-    // Called with the message that has been selected, or whose partner has come meanwhile.
+    // Called when a message is selected, and when the partner of the selected message arrives.
     using OnSelected = std::function<void(const LoggedMessage&)>;
 
     // GTK must be initialised. The log must outlive the list, which becomes its listener.
@@ -25,14 +25,14 @@ class MessageList {
     MessageList(const MessageList&) = delete;
     MessageList& operator=(const MessageList&) = delete;
 
-    // To be put into a window, which must outlive the list. Its parts have names for tests and
-    // style sheets: "messages", "filter", "pause", "clear", "count".
+    // To be added to a window, which must outlive the list. Widget names: "messages", "filter",
+    // "pause", "clear", "count".
     GtkWidget* widget() const { return root_.get(); }
 
-    // Shows what the log has got since; it is called when the log says so.
+    // Shows the changes of the log; called by the log's listener.
     void refresh();
 
-    // Selects and shows a row; nothing if it is not in the list.
+    // Selects a row and scrolls to it; does nothing if it is not in the list.
     void select(std::uint64_t serial);
 
   private:
@@ -66,9 +66,9 @@ class MessageList {
     GtkWidget* count_ = nullptr;
     std::uint64_t selected_ = 0;
     std::uint64_t partner_ = 0;  // of the selected row
-    bool is_changing_ = false;   // the rows, and not the person
-    bool follows_ = true;        // the newest row is kept in sight
-    bool is_settling_ = false;   // rows have changed and are not laid out yet
+    bool is_updating_ = false;   // signals come from an update, not from the user
+    bool follows_ = true;        // keep the newest row visible
+    bool needs_layout_ = false;  // rows have changed and are not laid out yet
 };
 
 }  // namespace kestrel

@@ -15,16 +15,16 @@ namespace {
 
 constexpr const char* kEmptyPage = "about:blank";
 
-// The file into which the extension is to write a trace, or "". Made here: what is not there cannot
-// be let into a sandbox.
+// The extension's trace file, or "". It is created here, as only existing files can be added to the
+// sandbox.
 std::string trace_file() {
     const char* wanted = std::getenv("KESTREL_TRACE");
     if (wanted == nullptr || !std::filesystem::path(wanted).is_absolute()) return "";
     return std::ofstream(wanted, std::ios::app) ? wanted : "";
 }
 
-// The sandbox hides most of the file system from web processes. What the extension needs of it: its
-// own library, the catalogues, and the client's directory with the socket, the settings and logs.
+// Adds what the extension needs to the sandbox: its library, the catalogues, and the client's
+// directory with the socket, the settings and logs.
 void open_sandbox(WebKitWebContext* context, const PageView::Settings& settings) {
     webkit_web_context_add_path_to_sandbox(context, settings.extension_directory.c_str(), TRUE);
     const std::string catalogues = settings.install_root + "/nls";
@@ -51,7 +51,7 @@ WebKitWebView* make_view(const PageView::Settings& settings) {
     WebKitSettings* view_settings = webkit_web_view_get_settings(view);
     webkit_settings_set_enable_developer_extras(view_settings, TRUE);
     webkit_settings_set_enable_write_console_messages_to_stdout(view_settings, TRUE);
-    // A store page needs none, and displays without any are common where tests run.
+    // Store pages do not need it, and test displays often lack it.
     webkit_settings_set_hardware_acceleration_policy(view_settings,
                                                      WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER);
     return view;

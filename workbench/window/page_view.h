@@ -8,8 +8,8 @@
 
 namespace kestrel {
 
-// The view with the store page, a widget without a window. Its callbacks are called in the default
-// main context and may be called until it is destroyed.
+// The web view of the store page. Callbacks run in the default main context until the view is
+// closed or destroyed.
 class PageView {
   public:
     struct Settings {
@@ -41,10 +41,10 @@ class PageView {
 
     void show_inspector();
 
-    // Saves what the view shows as PNG, then tells whether that worked.
+    // Saves a screenshot of the view as PNG and reports whether that succeeded.
     void take_picture(const std::string& path, std::function<void(bool)> done);
 
-    // Ends the web process. No callback is called any more.
+    // Terminates the web process. No callbacks run afterwards.
     void close();
 
   private:
@@ -52,7 +52,7 @@ class PageView {
     void connect_signals();
 
     Events events_;
-    WebKitWebView* view_;  // a reference of our own
+    WebKitWebView* view_;  // owns a reference
 };
 
 }  // namespace kestrel

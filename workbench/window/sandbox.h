@@ -1,9 +1,12 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 namespace kestrel {
 
-// Whether this machine lets its users make the namespaces of which WebKit makes its sandbox. Inside
-// containers it often does not, and WebKit would then start no web process at all.
-bool can_make_sandbox();
+// Why WebKit's sandbox cannot be used with this home directory and these paths, or "". WebKit would
+// then end this program or start no web process.
+std::string sandbox_obstacle(const std::string& home, const std::vector<std::string>& paths);
 
 }  // namespace kestrel

@@ -43,7 +43,7 @@ GtkWidget* label(const char* text) {
     return made;
 }
 
-// A page of the stack: one line, what the text below is, the text.
+// A page of the stack: an entry, a label, a text view.
 GtkWidget* page(GtkEntry* entry, const char* what, GtkTextView* view) {
     GtkWidget* box = gtk_box_new(GTK_ORIENTATION_VERTICAL, kSpacing);
     if (entry != nullptr) gtk_box_pack_start(GTK_BOX(box), GTK_WIDGET(entry), FALSE, FALSE, 0);
@@ -61,7 +61,7 @@ std::string text_of(GtkTextView* view) {
     return text.get();
 }
 
-// A line each; the last one need not be ended.
+// Splits into lines; the last newline is optional.
 std::vector<std::string_view> lines_of(std::string_view text) {
     std::vector<std::string_view> lines;
     while (!text.empty()) {
@@ -88,7 +88,8 @@ SendPanel::~SendPanel() { gtk_widget_destroy(root_.get()); }
 
 GtkWidget* SendPanel::make_kinds() {
     script_ = make_text("script");
-    callback_ = make_entry("callback", translate("Callback: an expression that gives a function"));
+    callback_ =
+        make_entry("callback", translate("Callback: an expression that evaluates to a function"));
     arguments_ = make_text("arguments");
     url_ = make_entry("url", translate("URL of the page"));
     resources_ = make_text("resources");
@@ -101,7 +102,8 @@ GtkWidget* SendPanel::make_kinds() {
     gtk_stack_add_titled(
         kinds_,
         page(callback_,
-             translate("Arguments, one a line; passed if the callback holds zyns_ajax_complete"),
+             translate(
+                 "Arguments, one per line; passed if the callback contains zyns_ajax_complete"),
              arguments_),
         "answer", translate("Answer"));
     gtk_stack_add_titled(

@@ -1,4 +1,4 @@
-// Where a person sends what a host can send: a script, an answer, a page with its resources.
+// Composes and sends a message to the page: a script, an answer, or a page with its resources.
 #pragma once
 
 #include <gtk/gtk.h>
@@ -14,7 +14,7 @@ namespace kestrel {
 
 class SendPanel {
   public:
-    // Called with the process to send to, or 0 for all, and what to send, never null.
+    // `pid` is 0 for all processes. `frame` is not null.
     using OnSend = std::function<void(int pid, Frame frame)>;
 
     // GTK must be initialised.
@@ -23,11 +23,11 @@ class SendPanel {
     SendPanel(const SendPanel&) = delete;
     SendPanel& operator=(const SendPanel&) = delete;
 
-    // To be put into a window, which must outlive the panel. Its parts are named "process", "send",
+    // To be added to a window, which must outlive the panel. Widget names: "process", "send",
     // "problem", "kinds", "script", "callback", "arguments", "url" and "resources".
     GtkWidget* widget() const { return root_.get(); }
 
-    // The processes that can be chosen; all of them is chosen if the chosen one has gone.
+    // Sets the choices. If the chosen process is gone, "all processes" is chosen.
     void set_processes(std::span<const int> pids);
 
   private:

@@ -11,7 +11,7 @@
 
 namespace kestrel {
 
-// A window with what a trace file holds, read while nothing else is to be done.
+// A window that shows a trace file, which is read when the main loop is idle.
 class TraceWindow {
   public:
     // GTK must be initialised. Throws what TraceFile throws.
@@ -23,7 +23,7 @@ class TraceWindow {
     GtkWidget* widget() const { return window_; }
     WirePane& pane() { return pane_; }
 
-    // Whether it has been closed; nothing is read any more then.
+    // After closing, reading stops.
     bool is_closed() const { return is_closed_; }
 
   private:

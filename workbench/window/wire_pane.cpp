@@ -16,7 +16,4 @@ WirePane::WirePane(MessageLog& log)
     gtk_widget_show_all(root_.get());
 }
 
-// The parts take themselves out of it.
-WirePane::~WirePane() = default;
-
 }  // namespace kestrel

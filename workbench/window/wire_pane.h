@@ -8,16 +8,15 @@
 
 namespace kestrel {
 
-// The messages of a log, and below them all of the one that is selected.
+// The message list of a log, and the details of the selected message below it.
 class WirePane {
   public:
-    // GTK must be initialised. The log must outlive the pane, which listens to it.
+    // GTK must be initialised. The log must outlive the pane.
     explicit WirePane(MessageLog& log);
-    ~WirePane();
     WirePane(const WirePane&) = delete;
     WirePane& operator=(const WirePane&) = delete;
 
-    // To be put into a window, which must outlive the pane.
+    // To be added to a window, which must outlive the pane.
     GtkWidget* widget() const { return root_.get(); }
 
     MessageList& list() { return list_; }

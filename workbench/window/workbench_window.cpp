@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "program/translation.h"
+#include "workbench/desktop/valid_utf8.h"
 
 namespace kestrel {
 namespace {
@@ -36,12 +37,12 @@ GtkWidget* make_button(const char* name, const char* icon, const char* tooltip,
     return button;
 }
 
-void tell(std::function<void()>* event) { (*event)(); }
+void call(std::function<void()>* event) { (*event)(); }
 
 GtkWidget* make_send_button(GtkWidget* panel) {
     GtkWidget* button = gtk_menu_button_new();
     gtk_container_add(GTK_CONTAINER(button), gtk_label_new(translate("Send")));
-    gtk_widget_set_tooltip_text(button, translate("Send what a host can send"));
+    gtk_widget_set_tooltip_text(button, translate("Send a message to the page"));
     GtkWidget* popover = gtk_popover_new(button);
     gtk_widget_set_size_request(panel, kSendWidth, kSendHeight);
     gtk_container_add(GTK_CONTAINER(popover), panel);
@@ -49,7 +50,7 @@ GtkWidget* make_send_button(GtkWidget* panel) {
     return button;
 }
 
-// A file that the person chooses; "" if they choose none.
+// Asks for a file; "" if cancelled.
 std::string choose_file(const char* title, GtkWidget* parent) {
     const ObjectHandle<GtkFileChooserNative> dialog(gtk_file_chooser_native_new(
         title, GTK_WINDOW(parent), GTK_FILE_CHOOSER_ACTION_OPEN, nullptr, nullptr));
@@ -83,7 +84,7 @@ WorkbenchWindow::WorkbenchWindow(GtkWidget* view, MessageLog& log,
     gtk_widget_show_all(window_);
 }
 
-// The parts release their widgets afterwards.
+// The parts destroy their widgets afterwards.
 WorkbenchWindow::~WorkbenchWindow() {
     traces_.clear();
     g_signal_handlers_disconnect_by_data(window_, this);
@@ -106,20 +107,20 @@ GtkWidget* WorkbenchWindow::make_header() {
     gtk_header_bar_set_show_close_button(GTK_HEADER_BAR(header), TRUE);
     gtk_header_bar_set_custom_title(GTK_HEADER_BAR(header), address_);
     for (GtkWidget* each :
-         {make_button("reload", "view-refresh-symbolic", translate("Load the store page again"),
-                      tell, &events_.reload),
+         {make_button("reload", "view-refresh-symbolic", translate("Reload the store page"), call,
+                      &events_.reload),
           make_button(
               "choose resources", "document-open-symbolic",
               translate("Resources for the page, from a file"),
               +[](WorkbenchWindow* self) { self->choose_resources(); }, this),
           locales_.widget(),
           make_button("inspector", "applications-engineering-symbolic", translate("Web Inspector"),
-                      tell, &events_.show_inspector)}) {
+                      call, &events_.show_inspector)}) {
         gtk_header_bar_pack_start(GTK_HEADER_BAR(header), each);
     }
     for (GtkWidget* each :
          {make_button(
-              "choose trace", "document-open-recent-symbolic", translate("Look at a trace file"),
+              "choose trace", "document-open-recent-symbolic", translate("Open a trace file"),
               +[](WorkbenchWindow* self) { self->choose_trace(); }, this),
           bad_host_.widget(), make_send_button(send_panel_.widget())}) {
         gtk_header_bar_pack_end(GTK_HEADER_BAR(header), each);
@@ -158,8 +159,7 @@ void WorkbenchWindow::open_trace(const std::string& path) {
 }
 
 void WorkbenchWindow::show_status(const std::string& text) {
-    const GlibText valid(g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())));
-    gtk_label_set_text(GTK_LABEL(status_), valid.get());
+    gtk_label_set_text(GTK_LABEL(status_), valid_utf8(text).c_str());
 }
 
 void WorkbenchWindow::show_address(const std::string& uri) {

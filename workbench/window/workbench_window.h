@@ -15,7 +15,7 @@
 
 namespace kestrel {
 
-// The page on the left, what goes over the wire on the right, and the controls of both above.
+// The main window: the page on the left, the messages on the right, the controls above.
 class WorkbenchWindow {
   public:
     struct Events {
@@ -29,8 +29,8 @@ class WorkbenchWindow {
         LocaleMenu::OnChosen choose_locale;
     };
 
-    // Shows the window with the page's widget in it. GTK must be initialised. Both must outlive it,
-    // and so must the log.
+    // Shows the window with `view`, the page's widget. GTK must be initialised. `view` and `log`
+    // must outlive the window.
     WorkbenchWindow(GtkWidget* view, MessageLog& log, const LocaleMenu::Choices& locales,
                     Events events);
     ~WorkbenchWindow();
@@ -39,13 +39,13 @@ class WorkbenchWindow {
 
     GtkWindow* window() const { return GTK_WINDOW(window_); }
 
-    // One line below the page, for what is no message; of any bytes.
+    // Shows a line below the page. The text may contain any bytes.
     void show_status(const std::string& text);
 
-    // The address of the page that is being loaded.
+    // Shows the address of the page that is being loaded.
     void show_address(const std::string& uri);
 
-    // The processes to which something can be sent.
+    // Sets the processes that messages can be sent to.
     void show_processes(std::span<const int> pids) { send_panel_.set_processes(pids); }
 
     void hide();

@@ -2,18 +2,18 @@
 
 #include <algorithm>
 
-#include "ipc/frame.h"
+#include "ipc/items.h"
 #include "workbench/answers/commands.h"
 
 namespace kestrel {
 namespace {
 
-// Together they bound what is kept, and what one answer is compared with.
+// These limit the memory, and the work for one answer.
 constexpr std::size_t kMaxUnanswered = 1'024;
 constexpr std::size_t kMaxCallback = 4'096;
 constexpr std::size_t kSearched = 16'384;
 
-// The text of the callback that a request has passed; "" if it has none.
+// The callback that a request passed, or "".
 std::string_view callback_of(const webkit_message& request) {
     const Command* command = find_command(request.msg_type);
     ItemViews items;
@@ -33,27 +33,26 @@ constexpr bool belongs_to_name(char c) {
            c == '$' || static_cast<unsigned char>(c) >= 0x80;
 }
 
-// Where `callback` stands in `expression` as a whole: no name goes on at either end of it.
+// The position of `callback` in `expression`, not as a part of a longer name.
 std::size_t position_in(std::string_view expression, std::string_view callback) {
     std::size_t at = expression.find(callback);
     for (; at != std::string_view::npos; at = expression.find(callback, at + 1)) {
         const std::size_t end = at + callback.size();
-        const bool goes_on_before =
+        const bool is_name_tail =
             at > 0 && belongs_to_name(expression[at - 1]) && belongs_to_name(callback.front());
-        const bool goes_on_behind = end < expression.size() && belongs_to_name(expression[end]) &&
-                                    belongs_to_name(callback.back());
-        if (!goes_on_before && !goes_on_behind) break;
+        const bool is_name_head = end < expression.size() && belongs_to_name(expression[end]) &&
+                                  belongs_to_name(callback.back());
+        if (!is_name_tail && !is_name_head) break;
     }
     return at;
 }
 
 }  // namespace
 
-std::optional<std::uint64_t> AnswerPairing::take(std::uint64_t serial,
-                                                 const MessageRecord& record) {
+std::optional<std::uint64_t> AnswerPairing::add(std::uint64_t serial, const MessageRecord& record) {
     if (!record.frame) return std::nullopt;
     if (record.direction == Direction::from_page) {
-        // A process id may be given to another process, which has asked nothing yet.
+        // The process id may have been reused by a new process.
         if (record.frame->msg_type == to_host("announce")) {
             unanswered_.remove_if([&](const Unanswered& each) { return each.pid == record.pid; });
         }

@@ -1,5 +1,5 @@
-// Finds the request that an answer belongs to by what both hold: an answer's expression names the
-// callback that the request has passed. The protocol itself ties nothing together.
+// Matches answers to requests by the callback: an answer's expression contains the callback that
+// the request passed. Messages carry no ids.
 #pragma once
 
 #include <cstdint>
@@ -14,11 +14,11 @@ namespace kestrel {
 
 class AnswerPairing {
   public:
-    // Takes the next record and its serial number. For an answer, the serial of the request that it
-    // belongs to: the one that the record tells, or else, among the unanswered ones of the same
-    // process, the one whose callback comes first in the answer; of several, the longest callback,
-    // then the oldest request. Each request is answered once.
-    std::optional<std::uint64_t> take(std::uint64_t serial, const MessageRecord& record);
+    // Adds the next record. For an answer, returns the serial number of its request: the record's
+    // answer_to, or else the unanswered request of the same process whose callback occurs first in
+    // the answer; of several, the longest callback, then the oldest request. Each request is
+    // matched once.
+    std::optional<std::uint64_t> add(std::uint64_t serial, const MessageRecord& record);
 
     void clear() { unanswered_.clear(); }
 

@@ -3,6 +3,7 @@
 #include <array>
 #include <vector>
 
+#include "ipc/frame_builder.h"
 #include "program/translation.h"
 
 namespace kestrel {
@@ -11,11 +12,11 @@ namespace {
 std::string too_long_for_a_frame(std::size_t length) {
     return formatted(
         translate(
-            "This message has %zu bytes; the extension takes %d at most, so it was not sent."),
+            "This message has %zu bytes; the extension accepts at most %d, so it was not sent."),
         length, kMaxInboundPayload);
 }
 
-// The limit is checked before anything is built, however long the texts are.
+// Checks the limit before anything is allocated.
 ComposedMessage compose(std::int32_t type, std::span<const std::string_view> strings) {
     std::size_t length = 0;
     for (const std::string_view text : strings) {
@@ -26,7 +27,7 @@ ComposedMessage compose(std::int32_t type, std::span<const std::string_view> str
     }
     if (length > std::size_t{kMaxInboundPayload}) return {nullptr, too_long_for_a_frame(length)};
     Frame frame = build_frame(type, {}, strings);
-    if (!frame) return {nullptr, translate("There is no memory for this message.")};
+    if (!frame) return {nullptr, translate("Not enough memory for this message.")};
     return {std::move(frame), ""};
 }
 

@@ -1,4 +1,4 @@
-// The messages that a host can send, made of what a person has typed.
+// Builds messages to the page from typed text.
 #pragma once
 
 #include <span>
@@ -11,7 +11,7 @@ namespace kestrel {
 
 struct ComposedMessage {
     Frame frame;          // null if it cannot be sent
-    std::string problem;  // why not
+    std::string problem;  // the reason, or ""
 };
 
 ComposedMessage compose_script(std::string_view script);
@@ -20,7 +20,7 @@ ComposedMessage compose_script(std::string_view script);
 ComposedMessage compose_answer(std::string_view callback,
                                std::span<const std::string_view> arguments);
 
-// The URL must not be empty; without resources the page gets no ZYNS.
+// The URL must not be empty. Without resources, the page gets no ZYNS.
 ComposedMessage compose_page(std::string_view url, std::string_view resources);
 
 }  // namespace kestrel

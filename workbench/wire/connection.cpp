@@ -26,11 +26,11 @@ void Connection::send_beginning(Frame frame, std::size_t size) {
 }
 
 void Connection::queue(Frame frame, std::size_t size) {
-    if (is_silent_ || !given_up_.empty()) return;
+    if (is_silent_ || !shutdown_reason_.empty()) return;
     queued_bytes_ += size;
     queue_.push_back({std::move(frame), size});
     if (queued_bytes_ > kMaxQueuedBytes) {
-        give_up("does not read what it is sent");
+        shut_down("does not read what it is sent");
     } else if (!writable_.is_active()) {
         write_queued();
     }
@@ -38,8 +38,8 @@ void Connection::queue(Frame frame, std::size_t size) {
 
 void Connection::write_queued() {
     while (!queue_.empty()) {
-        // The extension takes no header in pieces; a Unix socket takes at least that much or
-        // nothing.
+        // The extension does not accept a header in pieces; a Unix socket takes at least a whole
+        // header or nothing.
         const Queued& first = queue_.front();
         const std::span<const char> rest =
             bytes_of(*first.frame).first(first.size).subspan(written_of_first_);
@@ -48,7 +48,7 @@ void Connection::write_queued() {
         if (written == -1) {
             if (errno == EINTR) continue;
             if (errno == EAGAIN) break;
-            give_up(std::strerror(errno));
+            shut_down(std::strerror(errno));
             return;
         }
         written_of_first_ += static_cast<std::size_t>(written);
@@ -80,15 +80,15 @@ void Connection::read() {
     }
 }
 
-void Connection::give_up(std::string why) {
-    given_up_ = std::move(why);
+void Connection::shut_down(std::string why) {
+    shutdown_reason_ = std::move(why);
     queue_.clear();
     writable_.remove();
     shutdown(socket_.get(), SHUT_RDWR);
 }
 
 std::string Connection::end_reason(ssize_t result, int error) const {
-    if (!given_up_.empty()) return given_up_;
+    if (!shutdown_reason_.empty()) return shutdown_reason_;
     if (result == -1 && error != ECONNRESET) return std::strerror(error);
     return assembler_.is_inside_frame() ? "closed in the middle of a message" : "closed";
 }

@@ -1,8 +1,8 @@
-// One web process's connection. Reading and writing happen in the default main context and never
-// wait: what the peer does not take yet is queued.
+// The connection of one web process. Reads and writes in the default main context, without
+// blocking: data that the peer does not accept yet is queued.
 //
-// A connection ends in one place only, when reading finds the end of the stream or a fault in it.
-// Whatever else makes it useless shuts the socket down, and reading then finds the end.
+// A connection ends in one place only, when read() finds the end of the stream or a fault in it.
+// Any other failure shuts the socket down, so that read() finds the end.
 #pragma once
 
 #include <cstddef>
@@ -17,20 +17,20 @@
 
 namespace kestrel {
 
-// Pages send what their users type and pick, six items at most; much more is a mistake.
+// Page functions send at most six items of moderate size.
 inline constexpr FrameLimits kLimitsFromPage{.payload = 64 << 20, .items = 64};
 
-// A web process that stops reading while it goes on asking must not fill our memory.
+// Limits the memory for a web process that sends requests but does not read the answers.
 inline constexpr std::size_t kMaxQueuedBytes = std::size_t{64} << 20;
 
 class Connection;
 
 class MessageReceiver {
   public:
-    // A whole message has come. The connection must outlive the call.
+    // Called for each complete message. Must not destroy the connection.
     virtual void on_message(Connection& connection, const webkit_message& message) = 0;
 
-    // The last call about a connection, which may be destroyed in it.
+    // The last call for a connection. May destroy it.
     virtual void on_end(Connection& connection, std::string_view why) = 0;
 
   protected:
@@ -43,31 +43,31 @@ class Connection {
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
-    // Sends the frame after those sent before. Frames for a peer that has gone are dropped.
+    // Queues the frame. Frames for a disconnected peer are dropped.
     void send(Frame frame);
 
-    // Sends the first `size` bytes of the frame, and nothing that comes later.
+    // Sends the first `size` bytes of the frame and nothing afterwards.
     void send_beginning(Frame frame, std::size_t size);
 
-    void hang_up() { give_up("hung up on"); }
+    void hang_up() { shut_down("hung up on"); }
 
-    // The process id that the peer announced; 0 until it has.
+    // The process id that the peer announced; 0 before.
     int pid() const { return pid_; }
     void set_pid(int pid) { pid_ = pid; }
 
-    // Expires with the connection, for those who may come back to it later.
+    // Expires with the connection; for callbacks that may run later.
     std::weak_ptr<const void> lifetime() const { return lifetime_; }
 
   private:
     struct Queued {
         Frame frame;
-        std::size_t size;  // so many bytes of it are sent
+        std::size_t size;  // number of bytes to send
     };
 
     void queue(Frame frame, std::size_t size);
     void read();
     void write_queued();
-    void give_up(std::string why);
+    void shut_down(std::string why);
     std::string end_reason(ssize_t result, int error) const;
 
     FileDescriptor socket_;
@@ -79,7 +79,7 @@ class Connection {
     bool is_silent_ = false;
     int pid_ = 0;
     std::shared_ptr<const void> lifetime_ = std::make_shared<char>();
-    std::string given_up_;  // why, or "" while the connection is of use
+    std::string shutdown_reason_;  // "" while the connection is usable
     EventSource readable_;
     EventSource writable_;
 };

@@ -4,6 +4,7 @@
 
 #include "base/terminal_text.h"
 #include "ipc/frame.h"
+#include "ipc/items.h"
 #include "program/translation.h"
 #include "trace/frame_text.h"
 #include "workbench/wire/hex_dump.h"
@@ -12,7 +13,7 @@
 namespace kestrel {
 namespace {
 
-// A text view takes a while for long lines, and long texts.
+// Text views are slow with long lines and long texts.
 constexpr std::size_t kMaxCharacters = 8'192;
 constexpr std::size_t kMaxItems = 256;
 constexpr std::size_t kMaxDumped = 65'536;
@@ -75,7 +76,7 @@ std::string details_text(const LoggedMessage& message) {
     return heading(message) + partner_line(message) + '\n' + header_lines(*record.frame) + '\n' +
            item_lines(*record.frame) + '\n' +
            (record.is_exact ? hex_dump(bytes_of(*record.frame), kMaxDumped)
-                            : translate("The trace does not tell the bytes of this message.\n"));
+                            : translate("The trace does not contain the bytes of this message.\n"));
 }
 
 }  // namespace kestrel

@@ -6,9 +6,8 @@
 
 namespace kestrel {
 
-// Everything about one message, for reading and copying: what it is, the fields of its header, its
-// partner, its items with their numbers, its bytes. Large items, many items and many bytes are cut,
-// and the text says how much is left out.
+// All details of one message as text: summary, partner, header fields, numbered items, hex dump.
+// Large items, many items and many bytes are truncated, and the text says by how much.
 std::string details_text(const LoggedMessage& message);
 
 }  // namespace kestrel

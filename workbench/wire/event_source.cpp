@@ -10,7 +10,7 @@ gboolean call(void* callback) {
     return G_SOURCE_CONTINUE;
 }
 
-// GLib holds on to the callback while it runs, even if it removes its source.
+// GLib keeps the callback alive while it runs, even if it removes its source.
 void destroy(void* callback) { delete static_cast<EventSource::Callback*>(callback); }
 
 }  // namespace

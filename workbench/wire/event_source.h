@@ -8,8 +8,8 @@
 
 namespace kestrel {
 
-// A source of the default main context, removed with this object. Its callback is called again and
-// again until then; it may remove its own source.
+// A source of the default main context, removed with this object. The callback is called repeatedly
+// until then; it may remove its own source.
 class EventSource {
   public:
     using Callback = std::function<void()>;
@@ -22,15 +22,15 @@ class EventSource {
         return *this;
     }
 
-    // Ready descriptors wait while there is drawing to do, so that a peer who never stops sending
-    // cannot freeze the window.
+    // Has a lower priority than drawing, so that a peer that never stops sending cannot freeze the
+    // window.
     static EventSource on_descriptor(int fd, GIOCondition condition, Callback callback);
     static EventSource on_signal(int signal, Callback callback);
     static EventSource every(std::chrono::milliseconds interval, Callback callback);
-    // Whenever nothing else is left to do, reading from descriptors included.
+    // Runs when no other source is ready, descriptors included.
     static EventSource when_idle(Callback callback);
 
-    // Calls once; nothing can stop it.
+    // Calls once; cannot be cancelled.
     static void call_after(std::chrono::milliseconds delay, Callback callback);
 
     bool is_active() const { return id_ != 0; }

@@ -6,9 +6,9 @@
 
 namespace kestrel {
 
-// Bytes as offset, 16 of them in hexadecimal, and the ASCII characters among them:
+// Lines of an offset, 16 bytes in hexadecimal, and the same bytes as ASCII:
 //   00000000  12 00 00 00 00 00 00 00  02 00 00 00 09 00 00 00  |................|
-// Lines end with a newline. What is behind the first `limit` bytes is only counted, in a last line.
+// Each line ends with a newline. A last line counts the bytes after the first `limit`.
 std::string hex_dump(std::span<const char> bytes, std::size_t limit);
 
 }  // namespace kestrel

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <sstream>
 
-#include "ipc/frame.h"
+#include "ipc/items.h"
 
 namespace kestrel {
 namespace {

@@ -8,9 +8,9 @@
 
 namespace kestrel {
 
-// What a person types to see fewer messages: words, each of which must be the number of the type or
-// of the process, or part of the type's name, of a string item, or of the text of an integer item
-// or note. The case of ASCII letters makes no difference. Any text is a filter; "" lets all pass.
+// A filter of words. A message matches if each word is its type number or process id, or occurs in
+// its type name, a string item, the decimal text of an integer item, or the note. ASCII case is
+// ignored. Any text is a valid filter; "" matches all messages.
 class MessageFilter {
   public:
     MessageFilter() = default;

@@ -7,9 +7,9 @@
 namespace kestrel {
 namespace {
 
-constexpr std::chrono::milliseconds kBetweenCalls{33};
+constexpr std::chrono::milliseconds kNotificationInterval{33};
 
-// What is kept, which a line of a trace may tell wrongly.
+// The memory that is used; the size in a trace file may be wrong.
 std::size_t bytes_of_row(const MessageRecord& record) {
     return (record.frame ? bytes_of(*record.frame).size() : 0) + record.note.size();
 }
@@ -30,7 +30,7 @@ std::uint64_t MessageLog::add(MessageRecord record) {
     while (rows_.size() > limits_.rows || (bytes_ > limits_.bytes && rows_.size() > 1)) {
         drop_first();
     }
-    tell_soon();
+    schedule_notification();
     return serial;
 }
 
@@ -38,11 +38,11 @@ void MessageLog::clear() {
     rows_.clear();
     bytes_ = 0;
     pairing_.clear();
-    tell_soon();
+    schedule_notification();
 }
 
 void MessageLog::pair(LoggedMessage& answer) {
-    const std::optional<std::uint64_t> serial = pairing_.take(answer.serial, *answer.record);
+    const std::optional<std::uint64_t> serial = pairing_.add(answer.serial, *answer.record);
     if (!serial || *serial >= answer.serial || *serial < rows_.front().serial) return;
     LoggedMessage& request = rows_[*serial - rows_.front().serial];
     const auto between = std::chrono::duration_cast<std::chrono::microseconds>(
@@ -56,10 +56,10 @@ void MessageLog::drop_first() {
     rows_.pop_front();
 }
 
-void MessageLog::tell_soon() {
-    if (telling_.is_active()) return;
-    telling_ = EventSource::every(kBetweenCalls, [this] {
-        telling_.remove();
+void MessageLog::schedule_notification() {
+    if (notification_.is_active()) return;
+    notification_ = EventSource::every(kNotificationInterval, [this] {
+        notification_.remove();
         if (listener_) listener_();
     });
 }

@@ -1,4 +1,4 @@
-// The latest messages, for whoever shows them. Bounded: the oldest go first.
+// The latest messages, for the lists that show them. Bounded: the oldest are dropped first.
 #pragma once
 
 #include <chrono>
@@ -27,13 +27,13 @@ struct LoggedMessage {
     std::optional<Partner> partner;
 };
 
-// Rows in the order of their serial numbers, which have no gaps.
+// Rows in order of their serial numbers, which have no gaps.
 using LoggedMessages = std::deque<LoggedMessage>;
 
-// The row with this serial number; null if it has gone, or has not come yet.
+// The row with this serial number; null if it was dropped or does not exist yet.
 const LoggedMessage* find_message(const LoggedMessages& rows, std::uint64_t serial);
 
-// For the main thread.
+// For the main thread only.
 class MessageLog {
   public:
     struct Limits {
@@ -44,7 +44,7 @@ class MessageLog {
     MessageLog() : MessageLog(Limits()) {}
     explicit MessageLog(Limits limits) : limits_(limits) {}
 
-    // Adds a row and returns its serial number, counted from 1 on.
+    // Adds a row and returns its serial number; the first is 1.
     std::uint64_t add(MessageRecord record);
 
     void clear();
@@ -52,14 +52,13 @@ class MessageLog {
     const LoggedMessages& rows() const { return rows_; }
     std::uint64_t next_serial() const { return next_serial_; }
 
-    // Called from the default main context when something has changed, 30 times a second at most,
-    // however much has changed.
+    // Called from the default main context after changes, at most 30 times a second.
     void set_listener(std::function<void()> listener) { listener_ = std::move(listener); }
 
   private:
     void pair(LoggedMessage& answer);
     void drop_first();
-    void tell_soon();
+    void schedule_notification();
 
     Limits limits_;
     LoggedMessages rows_;
@@ -67,7 +66,7 @@ class MessageLog {
     std::uint64_t next_serial_ = 1;
     AnswerPairing pairing_;
     std::function<void()> listener_;
-    EventSource telling_;
+    EventSource notification_;
 };
 
 }  // namespace kestrel

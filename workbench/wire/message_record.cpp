@@ -1,8 +1,9 @@
 #include "workbench/wire/message_record.h"
 
 #include "ipc/frame.h"
+#include "ipc/frame_builder.h"
 #include "trace/frame_text.h"
-#include "workbench/desktop/glib_handles.h"
+#include "workbench/desktop/valid_utf8.h"
 
 namespace kestrel {
 
@@ -19,8 +20,7 @@ MessageRecord record_of(Direction direction, int pid, const webkit_message& mess
 MessageRecord record_of(std::string_view note) {
     MessageRecord record;
     record.time = std::chrono::system_clock::now();
-    const GlibText valid(g_utf8_make_valid(note.data(), static_cast<gssize>(note.size())));
-    record.note = valid.get();
+    record.note = valid_utf8(note);
     return record;
 }
 

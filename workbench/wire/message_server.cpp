@@ -7,14 +7,14 @@
 namespace kestrel {
 namespace {
 
-// More web processes than any window starts; the limit keeps descriptors for everything else.
+// More than a window starts; limits the open descriptors.
 constexpr std::size_t kMaxConnections = 64;
 
 }  // namespace
 
 MessageServer::MessageServer(const std::string& path, MessageReceiver& receiver)
     : receiver_(receiver),
-      socket_(path, formatted(translate("another host listens on %s"), path.c_str())),
+      socket_(path, formatted(translate("another host is listening on %s"), path.c_str())),
       acceptable_(EventSource::on_descriptor(socket_.fd(), G_IO_IN, [this] { accept_all(); })) {}
 
 void MessageServer::accept_all() {

@@ -12,11 +12,11 @@ MessageView::Change MessageView::update() {
         append_from(0);
         return change;
     }
-    if (stopped_) return change;
+    if (snapshot_) return change;
     const std::uint64_t first = rows().empty() ? log_.next_serial() : rows().front().serial;
     while (!serials_.empty() && serials_.front() < first) {
         serials_.pop_front();
-        ++change.gone_first;
+        ++change.removed_first;
     }
     change.added_last = append_from(end_);
     return change;
@@ -28,12 +28,12 @@ void MessageView::set_filter(std::string_view text) {
 }
 
 void MessageView::set_paused(bool is_paused) {
-    if (is_paused == stopped_.has_value()) return;
+    if (is_paused == snapshot_.has_value()) return;
     if (is_paused) {
-        stopped_ = log_.rows();
+        snapshot_ = log_.rows();
         end_ = log_.next_serial();
     } else {
-        stopped_.reset();
+        snapshot_.reset();
     }
     is_new_list_ = true;
 }
@@ -47,7 +47,7 @@ std::size_t MessageView::append_from(std::uint64_t serial) {
             if (filter_.matches(*row->record)) serials_.push_back(row->serial);
         }
     }
-    if (!stopped_) end_ = log_.next_serial();
+    if (!snapshot_) end_ = log_.next_serial();
     return serials_.size() - before;
 }
 

@@ -4,6 +4,8 @@
 #include <string>
 #include <utility>
 
+#include "ipc/frame_builder.h"
+
 namespace kestrel {
 namespace {
 
@@ -14,7 +16,7 @@ Outgoing whole(Frame frame) {
     return {.frame = std::move(frame), .size = size};
 }
 
-// One byte too long; what an answer says is of no use then.
+// One byte longer than the extension accepts.
 Frame oversize_frame() {
     const std::string text(std::size_t{kMaxInboundPayload}, ' ');
     return build_frame(to_page("answer"), {}, std::array<std::string_view, 1>{text});

@@ -1,5 +1,4 @@
-// What a bad host does with the answers that it should send, so that authors see how their pages
-// cope.
+// Ways in which a faulty host mishandles its answers, for testing how pages react.
 #pragma once
 
 #include <array>
@@ -25,15 +24,15 @@ enum class Misbehavior : std::uint8_t {
 
 struct MisbehaviorRow {
     Misbehavior kind;
-    const char* name;         // in a menu
-    const char* description;  // what the host does, and what the extension makes of it
+    const char* name;         // menu label
+    const char* description;  // what the host does, and how the extension reacts
 };
 
 std::string_view name_of(Misbehavior kind);
 
 inline constexpr std::chrono::seconds kLateness{5};
 
-// Unknown to every table of the protocol, and one that the extension has room for.
+// Not in the protocol's tables, but in the range that the extension dispatches.
 inline constexpr std::int32_t kWrongType = 59;
 
 inline constexpr auto kMisbehaviors = std::to_array<MisbehaviorRow>({
@@ -41,29 +40,30 @@ inline constexpr auto kMisbehaviors = std::to_array<MisbehaviorRow>({
     {Misbehavior::late_answer, translatable("Answers late"),
      translatable("Every answer comes five seconds late.")},
     {Misbehavior::wrong_type, translatable("Wrong type"),
-     translatable(
-         "Answers go out as messages of type 59, which nobody handles: the extension drops them.")},
+     translatable("Answers are sent as messages of type 59, which does not exist: the extension "
+                  "drops them.")},
     {Misbehavior::truncated, translatable("Truncated message"),
-     translatable("The next answer promises more than follows, and then nothing comes any more: "
-                  "the extension waits for the rest.")},
+     translatable(
+         "The next answer is cut off and nothing else is sent: the extension waits for the "
+         "rest.")},
     {Misbehavior::oversize, translatable("Oversize"),
-     translatable("The next answer is longer than the extension takes: it reads no more.")},
+     translatable("The next answer is longer than the extension accepts: it stops reading.")},
     {Misbehavior::silence, translatable("Silence"), translatable("No answer is sent.")},
     {Misbehavior::hang_up, translatable("Hangs up"),
-     translatable("Instead of the next answer the connection is closed: the page's next call ends "
+     translatable("The connection is closed instead of the next answer: the page's next call ends "
                   "its process.")},
 });
 
-// What goes out in an answer's place.
+// What is sent instead of an answer.
 struct Outgoing {
     std::chrono::seconds delay{0};
     Frame frame;                // null: nothing is sent
-    std::size_t size = 0;       // of the frame, or of its beginning if falls_silent
-    bool falls_silent = false;  // nothing more is sent on this connection then
-    bool hangs_up = false;      // the connection is closed then
+    std::size_t size = 0;       // number of bytes of the frame to send
+    bool falls_silent = false;  // nothing is sent on this connection afterwards
+    bool hangs_up = false;      // the connection is closed afterwards
 };
 
-// Takes the answer. Null frames, for which there is nothing to do, stay null.
+// Takes ownership of the answer. For a null frame, nothing is sent.
 Outgoing misbehave(Misbehavior kind, Frame answer);
 
 }  // namespace kestrel

@@ -1,4 +1,4 @@
-// The short texts of a message in a list.
+// The cell texts of a message list.
 #pragma once
 
 #include <chrono>
@@ -8,10 +8,10 @@
 
 namespace kestrel {
 
-// "14:03:59.123", by the clock on the wall.
+// "14:03:59.123", local time.
 std::string time_text(std::chrono::system_clock::time_point time);
 
-// "17 goOnline", by the record's direction; "" for a note.
+// "17 goOnline"; "" for a note.
 std::string type_text(const MessageRecord& record);
 
 // "87 µs", "4.2 ms", "1.250 s".

@@ -9,17 +9,17 @@
 #include <utility>
 #include <vector>
 
-#include "workbench/wire/trace_line.h"
+#include "workbench/wire/trace_file_line.h"
 
 namespace kestrel {
 namespace {
 
 constexpr std::size_t kFilePiece = std::size_t{256} << 10;
 
-// Twice what a web process keeps for its trace; more is no line.
+// Limits the memory for a malformed file.
 constexpr std::size_t kMaxLine = std::size_t{64} << 20;
 
-// Nothing but a regular file is read: others may have no end, or let the window wait.
+// Only a regular file is read: others may be endless, or block.
 FileDescriptor open_regular(const std::string& path) {
     FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status {};
@@ -28,7 +28,7 @@ FileDescriptor open_regular(const std::string& path) {
     }
     if (!S_ISREG(status.st_mode)) {
         throw std::system_error(std::make_error_code(std::errc::invalid_argument),
-                                path + " is no file");
+                                path + " is not a regular file");
     }
     return file;
 }
@@ -41,22 +41,22 @@ bool TraceFile::read_piece(const Receiver& receive) {
     std::vector<char> piece(kFilePiece);
     const ssize_t got = read(file_.get(), piece.data(), piece.size());
     if (got == -1 && errno == EINTR) return true;
-    if (got == -1) note(std::string("cannot read on: ") + std::strerror(errno), receive);
+    if (got == -1) note(std::string("read error: ") + std::strerror(errno), receive);
     if (got <= 0) {
         finish(receive);
         return false;
     }
-    take({piece.data(), static_cast<std::size_t>(got)}, receive);
+    add_bytes({piece.data(), static_cast<std::size_t>(got)}, receive);
     return true;
 }
 
-void TraceFile::take(std::string_view bytes, const Receiver& receive) {
+void TraceFile::add_bytes(std::string_view bytes, const Receiver& receive) {
     for (std::size_t end = 0; (end = bytes.find('\n')) != std::string_view::npos;) {
         if (unfinished_.empty()) {
-            take_line(bytes.substr(0, end), receive);
+            add_line(bytes.substr(0, end), receive);
         } else {
             unfinished_ += bytes.substr(0, end);
-            take_line(std::exchange(unfinished_, {}), receive);
+            add_line(std::exchange(unfinished_, {}), receive);
         }
         bytes.remove_prefix(end + 1);
     }
@@ -67,19 +67,19 @@ void TraceFile::take(std::string_view bytes, const Receiver& receive) {
     }
 }
 
-void TraceFile::take_line(std::string_view line, const Receiver& receive) {
+void TraceFile::add_line(std::string_view line, const Receiver& receive) {
     ++line_number_;
     try {
-        if (std::exchange(is_too_long_, false)) throw BadTraceLine("too long");
-        MessageRecord record = read_trace_line(line);
+        if (std::exchange(is_too_long_, false)) throw InvalidTraceFileLine("too long");
+        MessageRecord record = parse_trace_file_line(line);
         last_time_ = record.time;
         receive(std::move(record));
-    } catch (const BadTraceLine& error) {
+    } catch (const InvalidTraceFileLine& error) {
         note("line " + std::to_string(line_number_) + ": " + error.what(), receive);
     }
 }
 
-// At the time of the last line that had one.
+// With the time of the last line that had one.
 void TraceFile::note(std::string_view text, const Receiver& receive) const {
     MessageRecord record = record_of(text);
     record.time = last_time_;
@@ -88,7 +88,7 @@ void TraceFile::note(std::string_view text, const Receiver& receive) const {
 
 void TraceFile::finish(const Receiver& receive) {
     if (unfinished_.empty() && !is_too_long_) return;
-    take_line(std::exchange(unfinished_, {}), receive);
+    add_line(std::exchange(unfinished_, {}), receive);
 }
 
 }  // namespace kestrel

@@ -11,23 +11,23 @@
 
 namespace kestrel {
 
-// A file of trace lines, read piece by piece so that a window can go on meanwhile: from
-// KESTREL_TRACE=FILE, or a transcript of the workbench.
+// A trace file, written by KESTREL_TRACE=FILE or as a transcript of the workbench. It is read in
+// pieces, so that the window stays responsive.
 class TraceFile {
   public:
     using Receiver = std::function<void(MessageRecord)>;
 
-    // Throws std::system_error if there is no regular file that can be read.
+    // Throws std::system_error unless `path` is a readable regular file.
     explicit TraceFile(const std::string& path);
 
-    // Reads about a quarter of a mebibyte and hands over what its lines tell; a line that tells
-    // nothing becomes a note with its number. False when the end has been reached, or reading has
-    // failed, which is a note, too.
+    // Reads at most 256 KiB and passes on a record for each line; an invalid line becomes a note
+    // with its number. False at the end of the file and after a read error, which becomes a note
+    // too.
     bool read_piece(const Receiver& receive);
 
   private:
-    void take_line(std::string_view line, const Receiver& receive);
-    void take(std::string_view bytes, const Receiver& receive);
+    void add_line(std::string_view line, const Receiver& receive);
+    void add_bytes(std::string_view bytes, const Receiver& receive);
     void finish(const Receiver& receive);
     void note(std::string_view text, const Receiver& receive) const;
 

@@ -13,29 +13,29 @@
 
 namespace kestrel {
 
-// Writes down what goes over the wire: for people on `out`, each line with its time, and for
-// programs in a file if one is given.
+// Records all messages: as text lines with a time on `out`, and as JSON lines in a file if one is
+// set.
 class Transcript {
   public:
     explicit Transcript(std::ostream& out) : out_(out) {}
 
-    // Keeps everything in this file from now on, as lines of JSON like those of KESTREL_TRACE=FILE;
-    // docs/protocol.md describes them. Lines reach the file together, when the main loop has
-    // nothing else to do and at the end of the transcript. False when the file cannot be written.
+    // Also writes to this file from now on, in the JSON format of KESTREL_TRACE=FILE, which
+    // docs/protocol.md describes. The file is flushed when the main loop is idle, and by the
+    // destructor. False if the file cannot be written.
     bool copy_to(const std::string& path);
 
-    // Returns the message's serial number in the log, 0 without one. `answer_to` is the serial of
-    // the request that it answers, or 0.
+    // Returns the message's serial number in the log, 0 without a log. `answer_to` is the serial
+    // number of the request, or 0.
     std::uint64_t message(Direction direction, int pid, const webkit_message& message,
                           std::uint64_t answer_to = 0);
 
-    // Puts everything into this log as well, from now on; null for none. It must outlive its use.
+    // Also adds everything to this log from now on; null for none.
     void log_to(MessageLog* log) { log_ = log; }
 
-    // Something that is not a message: "--" stands where the direction would.
+    // A line that is not a message: it has "--" instead of the direction.
     void note(std::string_view text);
 
-    // Told every note after it has been written.
+    // Called with each note after it has been written.
     void set_note_listener(std::function<void(const std::string&)> listener);
 
   private:

@@ -1,5 +1,5 @@
-// What goes over the wire when the sample store calls every function, compared with the transcript
-// that is kept beside this file. Where a change is meant, copy the new one, as the failure tells.
+// Compares the messages of the sample store calling every function with the transcript in this
+// directory. After an intended change, copy the new transcript, as the failure message says.
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
@@ -7,9 +7,10 @@
 
 #include "tests/support/file_content.h"
 #include "tests/support/temporary_directory.h"
-#include "tests/workbench/program.h"
 #include "tests/workbench/store/store_file.h"
-#include "workbench/desktop/desktop.h"
+#include "tests/workbench/workbench_process.h"
+#include "workbench/desktop/glib_handles.h"
+#include "workbench/desktop/user_interface.h"
 
 namespace kestrel::testing {
 namespace {
@@ -27,7 +28,7 @@ std::string replaced(std::string text, const std::string& from, const std::strin
     return text;
 }
 
-// Without what stands between these two, where they first do.
+// Removes the text between the first occurrences of these two.
 std::string without(std::string text, const std::string& start, const std::string& end) {
     const std::size_t found = text.find(start);
     if (found == std::string::npos) return text;
@@ -35,10 +36,11 @@ std::string without(std::string text, const std::string& start, const std::strin
     return text.erase(from, text.find(end, from) - from);
 }
 
-// Without what is another on each computer.
+// Replaces what differs between computers.
 std::string normalised(std::string text) {
     const Account account = local_account();
-    text = replaced(text, "file://" STORE, "file:///store");
+    text =
+        replaced(text, GlibText(g_filename_to_uri(STORE, nullptr, nullptr)).get(), "file:///store");
     text = replaced(text, R"("version":")" WORKBENCH_VERSION "\"", R"("version":"0")");
     text = replaced(text, R"("user":")" + account.user + "\"", R"("user":"robin")");
     text = replaced(text, "\"" + account.name + "\"", R"("Robin Example")");
@@ -58,7 +60,7 @@ std::string normalised_line(const std::string& line) {
     return message.dump() + "\n";
 }
 
-// The messages of a transcript; its notes are for people.
+// The messages of a transcript, without notes.
 std::string messages_of(const std::string& path) {
     std::ifstream file(path);
     std::string messages;
@@ -68,12 +70,13 @@ std::string messages_of(const std::string& path) {
     return messages;
 }
 
-TEST(Functions, GoOverTheWireAsInTheKeptTranscript) {
+TEST(Functions, MatchTheStoredTranscript) {
     const TemporaryDirectory files;
     const std::string transcript = files.path() + "/transcript";
-    Program program({"--headless", "--auto", "--page", store_file("index.html"), "--resources",
-                     store_file("resources.json"), "--transcript", transcript},
-                    files.path(), files.path());
+    WorkbenchProcess program(
+        {"--headless", "--auto", "--page", store_file("index.html"), "--resources",
+         store_file("resources.json"), "--transcript", transcript},
+        files.path(), files.path());
     ASSERT_EQ(program.wait_for_end(), 0) << program.output();
 
     const std::string messages = messages_of(transcript);

@@ -1,4 +1,4 @@
-// What the workbench's window has above the page, used on a page that does nothing.
+// The controls in the header bar of the workbench's window.
 #include <gmock/gmock.h>
 
 #include <fstream>
@@ -6,9 +6,9 @@
 #include "ipc/protocol.h"
 #include "tests/support/main_loop.h"
 #include "tests/support/temporary_directory.h"
-#include "tests/workbench/store/visit.h"
 #include "tests/support/web_server.h"
-#include "tests/workbench/widgets.h"
+#include "tests/workbench/store/visit.h"
+#include "tests/workbench/window/widgets.h"
 
 namespace kestrel::testing {
 namespace {
@@ -39,7 +39,7 @@ class HeaderTest : public ::testing::Test {
     TemporaryDirectory files;
 };
 
-TEST_F(HeaderTest, AnAddressIsAFileOrAUrl) {
+TEST_F(HeaderTest, AcceptsAFileOrAUrlAsAddress) {
     const std::string path = file("second.html", "<title>second</title>");
     WebServer server([](const std::string&) {
         return WebServer::Saying(
@@ -57,7 +57,7 @@ TEST_F(HeaderTest, AnAddressIsAFileOrAUrl) {
     });
 }
 
-TEST_F(HeaderTest, AnAddressThatIsNoneLeavesThePageAndIsTold) {
+TEST_F(HeaderTest, RejectsAnInvalidAddress) {
     visit(options(), [&](Person& person) {
         ASSERT_TRUE(person.sees(kFirst));
         go_to(person, "/missing");
@@ -66,8 +66,8 @@ TEST_F(HeaderTest, AnAddressThatIsNoneLeavesThePageAndIsTold) {
     });
 }
 
-// One message carries both to the web process.
-TEST_F(HeaderTest, AnAddressAndResourcesThatAreTooLongTogetherLeaveThePageAndAreTold) {
+// One message carries both.
+TEST_F(HeaderTest, RejectsAnAddressAndResourcesThatAreTooLongTogether) {
     constexpr const char* kTooLong =
         "the page's address and resources together are too long for the extension";
     Options almost_full = options();
@@ -91,7 +91,7 @@ TEST_F(HeaderTest, AnAddressAndResourcesThatAreTooLongTogetherLeaveThePageAndAre
     });
 }
 
-TEST_F(HeaderTest, ThePageIsLoadedAgain) {
+TEST_F(HeaderTest, ReloadsThePage) {
     visit(options(), [](Person& person) {
         ASSERT_TRUE(person.sees(kFirst));
         person.read("window.isOld = true");
@@ -101,7 +101,7 @@ TEST_F(HeaderTest, ThePageIsLoadedAgain) {
     });
 }
 
-TEST_F(HeaderTest, ResourcesComeFromAFile) {
+TEST_F(HeaderTest, ReadsResourcesFromAFile) {
     const std::string resources = file("resources.json", R"({"greeting": "Guten Tag"})");
     visit(options(), [&](Person& person) {
         ASSERT_TRUE(person.sees(kFirst));

@@ -10,35 +10,35 @@
 
 #include "tests/support/main_loop.h"
 #include "tests/webkit/evaluate.h"
-#include "tests/workbench/widgets.h"
+#include "tests/workbench/window/widgets.h"
 #include "workbench/wire/event_source.h"
 
 namespace kestrel::testing {
 namespace {
 
 constexpr int kTypeColumn = 4;
-constexpr std::chrono::milliseconds kGlance{20};
+constexpr std::chrono::milliseconds kPollInterval{20};
 
 struct ListFree {
     void operator()(GList* list) const { g_list_free(list); }
 };
 using List = std::unique_ptr<GList, ListFree>;
 
-// The first of these widgets, and of all that they contain, for which `is_meant` holds; or null.
-GtkWidget* find_widget(const List& widgets, const std::function<bool(GtkWidget*)>& is_meant) {
+// The first of these widgets and their descendants for which `matches` holds, or null.
+GtkWidget* find_widget(const List& widgets, const std::function<bool(GtkWidget*)>& matches) {
     for (GList* each = widgets.get(); each != nullptr; each = each->next) {
         auto* widget = static_cast<GtkWidget*>(each->data);
-        if (is_meant(widget)) return widget;
+        if (matches(widget)) return widget;
         if (GTK_IS_CONTAINER(widget) == FALSE) continue;
         const List children(gtk_container_get_children(GTK_CONTAINER(widget)));
-        if (GtkWidget* found = find_widget(children, is_meant)) return found;
+        if (GtkWidget* found = find_widget(children, matches)) return found;
     }
     return nullptr;
 }
 
-GtkWidget* find_on_screen(const std::function<bool(GtkWidget*)>& is_meant) {
+GtkWidget* find_on_screen(const std::function<bool(GtkWidget*)>& matches) {
     return find_widget(List(gtk_window_list_toplevels()), [&](GtkWidget* widget) {
-        return gtk_widget_get_mapped(widget) != FALSE && is_meant(widget);
+        return gtk_widget_get_mapped(widget) != FALSE && matches(widget);
     });
 }
 
@@ -75,7 +75,7 @@ bool Person::sees(const std::string& script) {
     return run_main_loop_until([&] { return read(script) == "true"; });
 }
 
-Person::Point Person::place_of(const std::string& selector) {
+Person::Point Person::position_of(const std::string& selector) {
     const std::string element = "document.querySelector('" + selector + "')";
     if (!sees(element + " !== null")) throw std::runtime_error("the page has no " + selector);
     std::istringstream place(read("(() => { const element = " + element +
@@ -88,7 +88,7 @@ Person::Point Person::place_of(const std::string& selector) {
     return point;
 }
 
-void Person::hand_over(GdkEvent* event) {
+void Person::dispatch(GdkEvent* event) {
     const std::unique_ptr<GdkEvent, decltype(&gdk_event_free)> owned(event, gdk_event_free);
     GdkSeat* seat = gdk_display_get_default_seat(gtk_widget_get_display(window_));
     const bool is_key = event->type == GDK_KEY_PRESS || event->type == GDK_KEY_RELEASE;
@@ -105,7 +105,7 @@ void Person::send_button(GdkEventType type, Point point) {
     event->button.y = point.y;
     event->button.button = GDK_BUTTON_PRIMARY;
     event->button.state = type == GDK_BUTTON_RELEASE ? GDK_BUTTON1_MASK : 0;
-    hand_over(event);
+    dispatch(event);
 }
 
 void Person::send_motion(Point point, bool is_pressed) {
@@ -114,19 +114,19 @@ void Person::send_motion(Point point, bool is_pressed) {
     event->motion.x = point.x;
     event->motion.y = point.y;
     event->motion.state = is_pressed ? GDK_BUTTON1_MASK : 0;
-    hand_over(event);
+    dispatch(event);
 }
 
 void Person::click(const std::string& selector) {
-    const Point point = place_of(selector);
+    const Point point = position_of(selector);
     send_motion(point, false);
     send_button(GDK_BUTTON_PRESS, point);
     send_button(GDK_BUTTON_RELEASE, point);
 }
 
 void Person::drag(const std::string& from, const std::string& to) {
-    const Point start = place_of(from);
-    const Point end = place_of(to);
+    const Point start = position_of(from);
+    const Point end = position_of(to);
     send_motion(start, false);
     send_button(GDK_BUTTON_PRESS, start);
     constexpr int kSteps = 8;
@@ -148,11 +148,11 @@ void Person::send_key(GdkEventType type, guint symbol) {
     gdk_keymap_get_entries_for_keyval(keymap, symbol, &keys, &count);
     if (count > 0) event->key.hardware_keycode = static_cast<guint16>(keys[0].keycode);
     g_free(keys);
-    hand_over(event);
+    dispatch(event);
 }
 
 void Person::type(const std::string& field, const std::string& text) {
-    // Mouse and keyboard take roads of their own to the page: neither waits for the other.
+    // Mouse and keyboard events reach the page independently of each other.
     const std::string element = "document.querySelector('" + field + "')";
     click(field);
     if (!sees(element + " === document.activeElement")) {
@@ -164,7 +164,7 @@ void Person::type(const std::string& field, const std::string& text) {
         send_key(GDK_KEY_RELEASE, symbol);
     }
     if (!sees(element + ".value.endsWith('" + text + "')")) {
-        throw std::runtime_error("what is typed does not arrive in " + field);
+        throw std::runtime_error("the typed text does not arrive in " + field);
     }
 }
 
@@ -204,7 +204,7 @@ void Person::choose(const std::string& entry) {
     gtk_menu_shell_activate_item(GTK_MENU_SHELL(shown_menu()), item, TRUE);
 }
 
-void Person::look_at(const std::string& type) {
+void Person::select_message(const std::string& type) {
     GtkWidget* messages = control("messages");
     const std::vector<std::string> types = column(messages, kTypeColumn);
     const auto found = std::find(types.rbegin(), types.rend(), type);
@@ -216,8 +216,8 @@ void Person::look_at(const std::string& type) {
     run_main_loop_until_idle();
 }
 
-bool Person::save_picture(const std::string& path) {
-    // What has just changed may not have its place yet, and nothing is drawn without one.
+bool Person::save_screenshot(const std::string& path) {
+    // Lay out changed widgets first, as unallocated widgets are not drawn.
     gtk_container_check_resize(GTK_CONTAINER(window_));
     const std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> surface(
         cairo_image_surface_create(CAIRO_FORMAT_RGB24, gtk_widget_get_allocated_width(window_),
@@ -231,10 +231,10 @@ bool Person::save_picture(const std::string& path) {
 
 GtkWidget* Person::control(const std::string& name) const { return part(window_, name); }
 
-// The dialog runs a main loop of its own until it is answered.
+// The dialog runs a nested main loop until it is closed.
 void Person::choose_file(const std::string& button, const std::string& path) {
     bool is_named = false;
-    const auto answering = EventSource::every(kGlance, [&] {
+    const auto answering = EventSource::every(kPollInterval, [&] {
         GtkWidget* dialog = find_on_screen(
             [](GtkWidget* widget) { return GTK_IS_FILE_CHOOSER_DIALOG(widget) != FALSE; });
         if (dialog == nullptr) return;

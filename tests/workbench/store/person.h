@@ -1,9 +1,8 @@
-// A person in front of the workbench's window. What is done with mouse and keyboard is handed to
-// GTK as the display would hand it over; what is waited for, thirty seconds at most, is looked at
-// as it is on the screen.
+// Simulates a user of the workbench's window with synthetic GDK events. Waiting functions check the
+// visible widgets and time out after thirty seconds.
 //
-// Elements of the page are named by CSS selectors without single quotes, and are scrolled into view
-// first. Every function runs the main loop.
+// CSS selectors must not contain single quotes; elements are scrolled into view first. Every
+// function runs the main loop.
 #pragma once
 
 #include <gtk/gtk.h>
@@ -16,43 +15,43 @@ namespace kestrel::testing {
 
 class Person {
   public:
-    // At the only window with a page.
+    // Uses the only window with a page.
     Person();
 
-    // What the script gives in the page, as text.
+    // Evaluates a script in the page; returns the result as text.
     std::string read(const std::string& script);
 
-    // Waits until the script gives true in the page.
+    // Waits until the script evaluates to true in the page.
     bool sees(const std::string& script);
 
     void click(const std::string& selector);
     void drag(const std::string& from, const std::string& to);
 
-    // Letters, digits and blanks, after a click into the field; until they stand at its end.
+    // Clicks the field, types letters, digits and blanks, and waits until the field ends with them.
     void type(const std::string& field, const std::string& text);
 
-    // Waits for a dialog: its text and the details below it, a line each. "" if none comes.
+    // Waits for a dialog; returns its text and details, one per line, or "".
     std::string wait_for_dialog();
     bool has_dialog() const;
 
-    // The dialog's button of this name, and the dialog's end without any.
+    // Presses the dialog's button with this label; closes the dialog without a button.
     void press(const std::string& label);
     void dismiss();
 
-    // Waits for a menu: its entries. None if it does not come.
+    // Waits for a menu; returns its entries.
     std::vector<std::string> wait_for_menu();
     void choose(const std::string& entry);
 
-    // Clicks the last message of this type in the list.
-    void look_at(const std::string& type);
+    // Selects the last message of this type in the list.
+    void select_message(const std::string& type);
 
-    // Whether the window, as it is seen now, is in this file, as PNG.
-    bool save_picture(const std::string& path);
+    // Saves a screenshot of the window as PNG; false on failure.
+    bool save_screenshot(const std::string& path);
 
-    // The window's part of this name.
+    // The window's widget with this name.
     GtkWidget* control(const std::string& name) const;
 
-    // Clicks the button of this name and chooses a file in the dialog that it opens.
+    // Clicks the button with this name and chooses a file in the dialog that opens.
     void choose_file(const std::string& button, const std::string& path);
 
     void close_window();
@@ -63,11 +62,11 @@ class Person {
         double y = 0;
     };
 
-    Point place_of(const std::string& selector);
+    Point position_of(const std::string& selector);
     void send_button(GdkEventType type, Point point);
     void send_motion(Point point, bool is_pressed);
     void send_key(GdkEventType type, guint symbol);
-    void hand_over(GdkEvent* event);
+    void dispatch(GdkEvent* event);
 
     WebKitWebView* view_;
     GtkWidget* window_;

@@ -1,5 +1,4 @@
-// What the store has the workbench ask and show its user: programs that start only if the user
-// agrees, and menus.
+// Dialogs and menus that the workbench shows for the store.
 #include <gmock/gmock.h>
 
 #include <filesystem>
@@ -17,7 +16,7 @@ using ::testing::Contains;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-TEST_F(StoreTest, AProgramOfThisComputerIsStartedIfTheUserAgrees) {
+TEST_F(StoreTest, StartsAProgramIfTheUserAgrees) {
     visit([](Person& person) {
         person.click(category("computer"));
         person.click(card(kStartedProgram, ".launch"));
@@ -29,7 +28,7 @@ TEST_F(StoreTest, AProgramOfThisComputerIsStartedIfTheUserAgrees) {
     });
 }
 
-TEST_F(StoreTest, AProgramIsNotStartedIfTheUserDeclines) {
+TEST_F(StoreTest, DoesNotStartAProgramIfTheUserDeclines) {
     visit([](Person& person) {
         person.click(category("computer"));
         person.click(card(kStartedProgram, ".launch"));
@@ -44,7 +43,7 @@ TEST_F(StoreTest, AProgramIsNotStartedIfTheUserDeclines) {
     EXPECT_FALSE(fs::exists(trace_of_started_program()));
 }
 
-TEST_F(StoreTest, WhatTheComputerDoesNotHaveIsToldAtOnce) {
+TEST_F(StoreTest, ReportsAMissingApplicationImmediately) {
     visit([](Person& person) {
         person.click(card("letters", ".launch"));
         EXPECT_TRUE(person.sees(has_toast("Letters was not started: there is no application")));
@@ -52,7 +51,7 @@ TEST_F(StoreTest, WhatTheComputerDoesNotHaveIsToldAtOnce) {
     });
 }
 
-TEST_F(StoreTest, AnAddressAndADocumentAreOpenedOnlyIfTheUserAgrees) {
+TEST_F(StoreTest, OpensAddressesAndDocumentsOnlyIfTheUserAgrees) {
     visit([](Person& person) {
         person.click(card("letters", ".publisher"));
         EXPECT_EQ(person.wait_for_dialog(),
@@ -66,7 +65,7 @@ TEST_F(StoreTest, AnAddressAndADocumentAreOpenedOnlyIfTheUserAgrees) {
     });
 }
 
-TEST_F(StoreTest, AnErrorIsReportedWithItsButton) {
+TEST_F(StoreTest, ShowsAnErrorWithItsButton) {
     visit([](Person& person) {
         person.click("#open-settings");
         person.click("#show-error");
@@ -81,7 +80,7 @@ TEST_F(StoreTest, AnErrorIsReportedWithItsButton) {
     });
 }
 
-TEST_F(StoreTest, TheSettingsMenuAppearsAndReloadsThePage) {
+TEST_F(StoreTest, SettingsMenuReloadsThePage) {
     visit([](Person& person) {
         person.read("window.isOld = true");
         person.click("#open-settings");
@@ -97,7 +96,7 @@ TEST_F(StoreTest, TheSettingsMenuAppearsAndReloadsThePage) {
     });
 }
 
-TEST_F(StoreTest, TheAccountMenuShowsTheAccounts) {
+TEST_F(StoreTest, AccountMenuShowsTheAccounts) {
     visit([](Person& person) {
         person.click("#account");
         person.click("[data-tell=showAccounts]");

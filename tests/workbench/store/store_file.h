@@ -4,7 +4,7 @@
 
 namespace kestrel::testing {
 
-// Where a file of the sample store lies.
+// The path of a file of the sample store.
 inline std::string store_file(const std::string& name) { return STORE "/" + name; }
 
 }  // namespace kestrel::testing

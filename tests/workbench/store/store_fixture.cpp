@@ -7,9 +7,9 @@
 
 #include "tests/support/file_content.h"
 #include "tests/support/log_recorder.h"
-#include "tests/workbench/program.h"
 #include "tests/workbench/store/store_file.h"
 #include "tests/workbench/store/visit.h"
+#include "tests/workbench/workbench_process.h"
 
 namespace kestrel::testing {
 
@@ -58,7 +58,7 @@ void StoreTest::visit(const std::function<void(Person&)>& act) {
 int StoreTest::check_in_second_program(const std::string& script) const {
     const std::string file = files.path() + "/script.js";
     std::ofstream(file) << script;
-    Program program(
+    WorkbenchProcess program(
         {"--headless", "--page", store_file("index.html"), "--data", data.path(), "--script", file},
         files.path(), files.path());
     const int status = program.wait_for_end();

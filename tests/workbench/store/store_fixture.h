@@ -1,4 +1,4 @@
-// The sample store in a workbench, and the data that visits to it leave.
+// The sample store in a workbench, with persistent data.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -16,22 +16,22 @@ namespace kestrel::testing {
 
 inline constexpr const char* kStartedProgram = "kestrel-sample.desktop";
 
-// The selector of an application's card, or of a part of it.
+// The CSS selector of an application's card, or of a part of it.
 std::string card(const std::string& id, const std::string& part = "");
 std::string category(const std::string& name);
 
-// The script that tells whether a message with this text is shown for a moment.
+// A script that checks for a toast with this text.
 std::string has_toast(const std::string& text);
 
 class StoreTest : public ::testing::Test {
   protected:
-    // A program that writes a file, on the menu of this user's desktop.
+    // Installs a desktop entry for a program that writes a file.
     static void SetUpTestSuite();
     static std::string trace_of_started_program();
 
     void SetUp() override;
 
-    // A person who has the store before the eyes does something in the workbench's window.
+    // Opens the store in a workbench, runs `act` and closes the workbench.
     void visit(const std::function<void(Person&)>& act);
 
     std::vector<std::string> kept_order() const { return database().subscriptions(); }
@@ -39,7 +39,7 @@ class StoreTest : public ::testing::Test {
         return database().item(key);
     }
 
-    // What another workbench makes of the same data, without a window.
+    // Runs this script in a headless workbench with the same data; returns the exit status.
     int check_in_second_program(const std::string& script) const;
 
     TemporaryDirectory data;

@@ -1,5 +1,5 @@
-// The sample store in the workbench's window, used as a person would use it; what has come of it is
-// looked for in the database, the log and the transcript.
+// The sample store in the workbench's window, driven by synthetic events; results are checked in
+// the database, the log and the transcript.
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -31,7 +31,7 @@ bool is_logged(const std::string& text) {
     });
 }
 
-TEST_F(StoreTest, ASubscriptionIsKeptAndItsEndToo) {
+TEST_F(StoreTest, StoresSubscribingAndUnsubscribing) {
     visit([this](Person& person) {
         person.click(card("atlas", ".subscribe"));
         ASSERT_TRUE(person.sees("store.mine.includes('atlas')"));
@@ -42,7 +42,7 @@ TEST_F(StoreTest, ASubscriptionIsKeptAndItsEndToo) {
     });
 }
 
-TEST_F(StoreTest, AnApplicationIsDraggedToAnotherPlace) {
+TEST_F(StoreTest, DraggingAnApplicationMovesIt) {
     visit([this](Person& person) {
         person.click(category("mine"));
         ASSERT_TRUE(person.sees(shows_in_order("letters,agenda,notebook")));
@@ -56,19 +56,19 @@ TEST_F(StoreTest, AnApplicationIsDraggedToAnotherPlace) {
     EXPECT_EQ(transcript.find(move), transcript.rfind(move)) << "one message for one drop";
 }
 
-TEST_F(StoreTest, WhatIsDroppedWhereItWasTellsTheHostNothing) {
+TEST_F(StoreTest, DroppingAtTheSamePlaceSendsNothing) {
     visit([](Person& person) {
         person.click(category("mine"));
         ASSERT_TRUE(person.sees(shows_in_order("letters,agenda,notebook")));
         person.drag(card("letters", "h3"), card("letters", ".app-icon"));
-        // What comes later is seen when all of the drag has been.
+        // A later call arrives after everything that the drag sent.
         person.click(category("discover"));
         EXPECT_TRUE(person.sees("store.category === 'discover'"));
     });
     EXPECT_THAT(transcript, Not(HasSubstr(" updateSubPosition ")));
 }
 
-TEST_F(StoreTest, SettingsAndANoteAreKept) {
+TEST_F(StoreTest, StoresSettingsAndANote) {
     visit([this](Person& person) {
         person.click("#open-settings");
         ASSERT_TRUE(person.sees("document.querySelectorAll('.coloured').length === 5"));
@@ -76,14 +76,15 @@ TEST_F(StoreTest, SettingsAndANoteAreKept) {
         person.click(std::string("[data-color=\"") + kAccent + "\"]");
         person.type("#note", "Remember 3 letters");
         person.click("#themes");
-        EXPECT_TRUE(run_main_loop_until([this] { return kept_item("note").has_value(); }));
-        EXPECT_THAT(kept_item("note"), Optional(std::string("Remember 3 letters")));
+        EXPECT_TRUE(run_main_loop_until([this] {
+            return kept_item("note") == std::optional<std::string>("Remember 3 letters");
+        }));
         EXPECT_THAT(kept_item("theme"), Optional(std::string("dark")));
         EXPECT_THAT(kept_item("accent"), Optional(std::string(kAccent)));
     });
 }
 
-TEST_F(StoreTest, TheNextRunFindsEverythingAsItWasLeft) {
+TEST_F(StoreTest, KeepsEverythingForTheNextRun) {
     visit([](Person& person) {
         person.click(category("mine"));
         person.drag(card("notebook", "h3"), card("letters", "h3"));
@@ -99,7 +100,7 @@ TEST_F(StoreTest, TheNextRunFindsEverythingAsItWasLeft) {
     });
 }
 
-TEST_F(StoreTest, ASecondWorkbenchSeesAndChangesTheSameData) {
+TEST_F(StoreTest, SharesDataWithASecondWorkbench) {
     visit([this](Person& person) {
         person.click(card("atlas", ".subscribe"));
         ASSERT_TRUE(person.sees("store.mine.includes('atlas')"));
@@ -113,7 +114,7 @@ TEST_F(StoreTest, ASecondWorkbenchSeesAndChangesTheSameData) {
     });
 }
 
-TEST_F(StoreTest, ASearchShowsWhatAnswersToIt) {
+TEST_F(StoreTest, SearchShowsMatchingApplications) {
     visit([](Person& person) {
         person.type("#search", "meridian maps");
         EXPECT_TRUE(person.sees(shows_in_order("atlas")));
@@ -122,20 +123,20 @@ TEST_F(StoreTest, ASearchShowsWhatAnswersToIt) {
     });
 }
 
-TEST_F(StoreTest, TheWindowIsPicturedInLightAndDark) {
+TEST_F(StoreTest, SavesScreenshotsInLightAndDark) {
     visit([](Person& person) {
         for (const std::string theme : {"light", "dark"}) {
             person.click("#open-settings");
             person.click("[name=theme][value=" + theme + "]");
             person.click("#settings .primary");
             ASSERT_TRUE(person.sees("!document.querySelector('#settings').open"));
-            person.look_at("19 setItem");
-            EXPECT_TRUE(person.save_picture(SCREENSHOTS "/workbench-" + theme + ".png"));
+            person.select_message("19 setItem");
+            EXPECT_TRUE(person.save_screenshot(SCREENSHOTS "/workbench-" + theme + ".png"));
         }
     });
 }
 
-TEST_F(StoreTest, ATraceMessageIsALineOfTheLogAndOfTheTranscript) {
+TEST_F(StoreTest, WritesATraceMessageToLogAndTranscript) {
     const std::string line = "A line for the trace";
     visit([&](Person& person) {
         person.click("#toggle-sheet");

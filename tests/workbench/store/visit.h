@@ -8,7 +8,7 @@
 
 namespace kestrel::testing {
 
-// A person does something in the workbench's window, and closes it. Returns the transcript.
+// Runs a workbench, calls `act` and closes the window. Returns the transcript.
 std::string visit(const Options& options, const std::function<void(Person&)>& act);
 
 }  // namespace kestrel::testing
