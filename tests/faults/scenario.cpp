@@ -47,7 +47,7 @@ Outcome run_with(const Fault& fault, const std::function<int()>& scenario) {
         report->leaks = open_descriptors() != before;
         return status;
     });
-    const Outcome outcome{result.status, result.errors, report->failed, report->leaks};
+    const Outcome outcome{result.status, result.error, report->failed, report->leaks};
     munmap(const_cast<Report*>(report), sizeof(Report));
     return outcome;
 }
@@ -60,7 +60,8 @@ void for_each_fault(const std::vector<std::pair<std::string_view, std::vector<in
         int seen = 0;
         for (const int number : numbers) {
             for (int nth = 1;; ++nth) {
-                ASSERT_LE(nth, kMostCalls) << function << " is called more often than the test tries";
+                ASSERT_LE(nth, kMostCalls)
+                    << function << " is called more often than the test tries";
                 const Fault fault{function, nth, number};
                 const Outcome outcome = run_with(fault, scenario);
                 // A child that a signal ends does not report whether the call came.

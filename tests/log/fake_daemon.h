@@ -1,15 +1,17 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 #include "tests/support/host_end.h"
+#include "tests/support/listening_host.h"
 
 namespace kestrel::testing {
 
 // The daemon's end of a connection.
 class DaemonConnection : public HostEnd {
   public:
-    using HostEnd::HostEnd;
+    explicit DaemonConnection(HostEnd connection) : HostEnd(std::move(connection)) {}
 
     // A complete message.
     std::string read_message() const;
@@ -35,7 +37,7 @@ class FakeDaemon {
 
   private:
     std::string path_;
-    int fd_;
+    ListeningHost host_;
 };
 
 }  // namespace kestrel::testing

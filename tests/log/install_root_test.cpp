@@ -1,14 +1,13 @@
 #include <gtest/gtest.h>
 #include <sys/mount.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <memory>
 #include <string>
 
 #include "log/zynlog_paths.h"
 #include "tests/log/machine.h"
+#include "tests/support/process.h"
 
 namespace {
 
@@ -27,11 +26,7 @@ std::string root_of_program_in(const std::string& directory) {
     fs::create_directories(directory);
     const std::string program = directory + "/install-root-probe";
     fs::copy_file(KESTREL_INSTALL_ROOT_PROBE, program);
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> output(popen(program.c_str(), "re"),
-                                                                 pclose);
-    std::string root(5'000, '\0');
-    root.resize(std::fread(root.data(), 1, root.size(), output.get()));
-    return root;
+    return kestrel::testing::run({program}).output;
 }
 
 TEST(InstallRoot, IsEmptyIfNoCandidateIsUsable) { EXPECT_STREQ(GetQUORoot(), ""); }

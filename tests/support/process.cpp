@@ -214,7 +214,8 @@ std::string Process::wait_for_line(const std::string& text) {
 int Process::wait() {
     while (read_more()) {
     }
-    send_signal(SIGKILL);  // no effect on a process that has ended
+    pollfd end{end_.get(), POLLIN, 0};
+    if (poll(&end, 1, 0) == 0) send_signal(SIGKILL);
     int status = 0;
     waitpid(std::exchange(pid_, -1), &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);

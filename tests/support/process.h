@@ -18,7 +18,7 @@ struct ProcessOptions {
 struct ProcessResult {
     int status = 0;  // the exit status, or the negative number of the signal that ended it
     std::string output;
-    std::string errors;
+    std::string error;
 };
 
 // A child process whose standard input, output and error are pipes to the test. A process that
