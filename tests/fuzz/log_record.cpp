@@ -1,12 +1,13 @@
 // The shared settings file with any content. The first byte selects how far the file is truncated
 // while it is mapped.
+#include "log/log_record.h"
+
 #include <unistd.h>
 
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
 
-#include "log/log_record.h"
 #include "log/shared_config.h"
 #include "log/zynlog.h"
 #include "log/zynlog_config.h"

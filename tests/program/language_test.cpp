@@ -7,8 +7,8 @@
 #include <optional>
 #include <string>
 
-#include "tests/support/temporary_directory.h"
 #include "tests/common/scoped_variable.h"
+#include "tests/support/temporary_directory.h"
 
 namespace kestrel::testing {
 namespace {
