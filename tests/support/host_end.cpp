@@ -19,7 +19,7 @@ std::string HostEnd::read(std::size_t size) const {
     std::string bytes(size, '\0');
     std::size_t filled = 0;
     while (filled < size && is_readable(fd())) {
-        const ssize_t got = recv(fd(), bytes.data() + filled, size - filled, 0);
+        const ssize_t got = ::read(fd(), bytes.data() + filled, size - filled);  // a FIFO, too
         if (got == -1 && errno == EINTR) continue;
         if (got <= 0) break;
         filled += static_cast<std::size_t>(got);
