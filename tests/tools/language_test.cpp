@@ -1,5 +1,7 @@
 // The error texts and the help of kestrel-log in each language.
 
+#include "program/language.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -9,7 +11,6 @@
 #include <string>
 #include <vector>
 
-#include "program/language.h"
 #include "tests/log/machine.h"
 #include "tests/tools/program.h"
 

@@ -16,8 +16,7 @@ void get_store_details(Services& services, const Request& /*request*/, const Rep
     reply(ScriptValue{{"name", "Sample store"}, {"url", services.page_uri}});
 }
 
-void get_user_display_name(Services& /*services*/, const Request& /*request*/,
-                            const Reply& reply) {
+void get_user_display_name(Services& /*services*/, const Request& /*request*/, const Reply& reply) {
     reply(local_account().name);
 }
 
