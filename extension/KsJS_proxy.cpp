@@ -114,11 +114,11 @@ int KsJS_proxy::szyns_cb_wrapper(std::list<char*>* answer) {
 // The host loads the next page when it is told; scripts sent before must have run by then.
 void KsJS_proxy::sendResourcesAndURL(int* /*ints*/, std::string* strings) {
     const std::string& url = strings[0];
-    const std::string& resources = strings[1];
+    const std::string& text = strings[1];
     if (unfinished == 0) {
-        take_over(url, resources);
+        take_over(url, text);
     } else {
-        queue_in_order([url, resources] { take_over(url, resources); });
+        queue_in_order([url, text] { take_over(url, text); });
     }
 }
 
