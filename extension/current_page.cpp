@@ -2,9 +2,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <list>
 #include <memory>
-#include <utility>
-#include <vector>
 
 #include "base/never_destroyed.h"
 #include "extension/microtasks.h"
@@ -31,8 +30,8 @@ struct AttachedPage {
 
 // The pages that live, the current one last. A failed send on the reader thread runs static
 // destructors while the main thread works on.
-std::vector<AttachedPage>& attached_pages() {
-    static NeverDestroyed<std::vector<AttachedPage>> pages;
+std::list<AttachedPage>& attached_pages() {
+    static NeverDestroyed<std::list<AttachedPage>> pages;
     return pages.object;
 }
 
@@ -63,14 +62,12 @@ void set_globals() {
 }
 
 void forget_page(void* /*data*/, GObject* page) {
-    // Released after the globals have changed.
-    std::vector<AttachedPage> closed;
-    std::vector<AttachedPage>& pages = attached_pages();
+    std::list<AttachedPage>& pages = attached_pages();
     const auto found =
         std::ranges::find(pages, reinterpret_cast<WebKitWebPage*>(page), &AttachedPage::page);
     if (found == pages.end()) return;
-    closed.push_back(std::move(*found));
-    pages.erase(found);
+    std::list<AttachedPage> closed;  // released after the globals have changed
+    closed.splice(closed.begin(), pages, found);
     if (closed.front().id == current_id) set_globals();
 }
 
@@ -78,16 +75,15 @@ void forget_page(void* /*data*/, GObject* page) {
 
 void attach_page(WebKitWebPage* page, WebKitFrame* frame, WebKitScriptWorld* world) {
     static PageId last_id = 0;
-    std::vector<AttachedPage>& pages = attached_pages();
+    std::list<AttachedPage>& pages = attached_pages();
+    std::list<AttachedPage> previous;  // released after the globals have changed
     const auto found = std::ranges::find(pages, page, &AttachedPage::page);
     if (found == pages.end()) {
         g_object_weak_ref(G_OBJECT(page), forget_page, nullptr);
-        pages.emplace_back();
     } else {
-        std::rotate(found, found + 1, pages.end());
+        previous.splice(previous.begin(), pages, found);
     }
-    AttachedPage previous =
-        std::exchange(pages.back(), {page, retained(frame), retained(world), ++last_id});
+    pages.push_back({page, retained(frame), retained(world), ++last_id});
     set_globals();
 }
 
