@@ -8,7 +8,9 @@
 namespace kestrel::testing {
 
 bool page_waits_for_host(pid_t web_process) {
-    return run_main_loop_until([=] { return is_blocked_in(web_process, SYS_sendto); });
+    bool has_waited = false;  // a signal may interrupt it before the condition is checked again
+    return run_main_loop_until(
+        [&] { return has_waited = has_waited || is_blocked_in(web_process, SYS_sendto); });
 }
 
 }  // namespace kestrel::testing
