@@ -25,7 +25,6 @@ struct AttachedPage {
     WebKitWebPage* page;
     std::unique_ptr<WebKitFrame, ObjectDeleter> frame;
     std::unique_ptr<WebKitScriptWorld, ObjectDeleter> world;
-    PageId id;
 };
 
 // The pages that live, the current one last. A failed send on the reader thread runs static
@@ -53,9 +52,10 @@ void set_context(JSGlobalContextRef context) {
 }
 
 void set_globals() {
+    static PageId last_id = 0;
     const bool has_page = !attached_pages().empty();
     const AttachedPage* const current = has_page ? &attached_pages().back() : nullptr;
-    current_id = has_page ? current->id : 0;
+    current_id = has_page ? ++last_id : 0;
     web_frame = has_page ? current->frame.get() : nullptr;
     web_world = has_page ? current->world.get() : nullptr;
     set_context(has_page ? context_of(web_frame) : nullptr);
@@ -66,15 +66,15 @@ void forget_page(void* /*data*/, GObject* page) {
     const auto found =
         std::ranges::find(pages, reinterpret_cast<WebKitWebPage*>(page), &AttachedPage::page);
     if (found == pages.end()) return;
+    const bool was_current = &*found == &pages.back();
     std::list<AttachedPage> closed;  // released after the globals have changed
     closed.splice(closed.begin(), pages, found);
-    if (closed.front().id == current_id) set_globals();
+    if (was_current) set_globals();
 }
 
 }  // namespace
 
 void attach_page(WebKitWebPage* page, WebKitFrame* frame, WebKitScriptWorld* world) {
-    static PageId last_id = 0;
     std::list<AttachedPage>& pages = attached_pages();
     std::list<AttachedPage> previous;  // released after the globals have changed
     const auto found = std::ranges::find(pages, page, &AttachedPage::page);
@@ -83,7 +83,7 @@ void attach_page(WebKitWebPage* page, WebKitFrame* frame, WebKitScriptWorld* wor
     } else {
         previous.splice(previous.begin(), pages, found);
     }
-    pages.push_back({page, retained(frame), retained(world), ++last_id});
+    pages.push_back({page, retained(frame), retained(world)});
     set_globals();
 }
 

@@ -10,7 +10,8 @@
 
 namespace kestrel {
 
-// One attachment: a page that navigates is another page afterwards.
+// A new number whenever another page becomes the current one, by attachment or because a popup has
+// closed.
 using PageId = std::uint64_t;
 
 // Makes the main frame of `page` the current one and sets the exported globals, which hold their

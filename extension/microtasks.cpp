@@ -30,7 +30,7 @@ Checkpoint& checkpoint() {
 }
 
 // The context of a script world of our own. It has the page's event loop, but not the page's
-// globals, which the page may have replaced. Null where there is no frame.
+// globals, which the page may have replaced. Null without a frame.
 JSGlobalContextRef private_context() {
     if (web_frame == nullptr) return nullptr;
     static WebKitScriptWorld* const world = webkit_script_world_new();  // never released

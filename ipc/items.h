@@ -25,7 +25,7 @@ struct ItemViews {
 bool counts_are_possible(const webkit_message& header);
 
 // The value of an integer item as scanf's "%d" reads it, cut to its low 32 bits if it has more; 0
-// for text that is no number.
+// for text that is not a number.
 int parse_int(std::string_view text);
 
 // False, with unspecified items, when the counts are impossible or an item lacks its NUL; bytes

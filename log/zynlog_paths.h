@@ -13,8 +13,8 @@ extern "C" {
 // The files of the shared settings, of the log and of the daemon's socket. They are all in
 // /var/log/veltrane if the calling user owns that directory or a daemon answers there, and
 // otherwise below HOME, or else the password entry's home directory, in ".QUOClient"; the first
-// call then creates ".QUOClient/logs" with its parents. "" while there is no home, and for good
-// when that directory could not be created.
+// call then creates ".QUOClient/logs" with its parents. "" while there is no home; always ""
+// if that directory could not be created.
 const char* GetConfigFilePath();
 const char* GetLogFilePath();
 const char* GetSocketFilePath();

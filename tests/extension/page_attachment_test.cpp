@@ -140,6 +140,20 @@ TEST_F(PageAttachment, RefusesScriptsOfThePageBefore) {
     g_main_context_release(nullptr);
 }
 
+TEST_F(PageAttachment, RefusesScriptsFromBeforeAPopupThatHasClosed) {
+    const FakePage opener(main, first.get());
+    FakePage popup(main, second.get());
+    attach(opener);
+    g_main_context_acquire(nullptr);
+    insert_from_reader("where = 'before the popup'");
+    attach(popup);
+    popup.close();
+    run_main_loop_until_idle();
+    EXPECT_EQ(errors.text(), kScriptFailed);
+    EXPECT_EQ(first.text_of("typeof where"), "undefined");
+    g_main_context_release(nullptr);
+}
+
 TEST_F(PageAttachment, RefusesScriptsOfAPopupThatHasClosed) {
     const FakePage opener(main, first.get());
     FakePage popup(main, second.get());

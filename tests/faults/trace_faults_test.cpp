@@ -38,7 +38,7 @@ std::ptrdiff_t lines_in(const std::string& path) {
     return std::count(std::istreambuf_iterator<char>(file), {}, '\n');
 }
 
-// Has a write fail for good, which closes the file. Standard error is a file, too, and has room.
+// Makes writes fail, which closes the trace file. Standard error is a file with room.
 void end_the_trace() {
     const NoFaults of_this_thread;
     constexpr rlim_t kRoom = 4'096;
@@ -100,7 +100,7 @@ TEST(Trace, RetriesInterruptedWrites) {
                    });
 }
 
-// A line for which there is no room is replaced by its number in the next one, if there is one.
+// Lines without room are dropped and counted in the next line.
 TEST(Trace, LosesNoFrameIfTheFileIsFull) {
     for_each_fault({{"write", {EAGAIN}}}, life_of_a_traced_link,
                    [](const Fault& fault, const Outcome& outcome) {
